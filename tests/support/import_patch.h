@@ -1,0 +1,73 @@
+// Rewrites one entry of a loaded module's import table, so that a test can count, replace or fail
+// a call that the module makes; calls of the test itself stay real.
+#ifndef UTIL_TESTS_SUPPORT_IMPORT_PATCH_H
+#define UTIL_TESTS_SUPPORT_IMPORT_PATCH_H
+
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include "util/internal/windows.h"
+
+namespace util_test {
+
+// The slot through which `module` calls the imported `name`; throws when it imports no such name.
+inline void** import_slot(const char* module, const char* name) {
+    auto* base = reinterpret_cast<char*>(GetModuleHandleA(module));
+    if (!base) throw std::runtime_error(std::string("not loaded: ") + module);
+    auto* dos = reinterpret_cast<IMAGE_DOS_HEADER*>(base);
+    auto* nt = reinterpret_cast<IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+    auto& table = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    auto* library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + table.VirtualAddress);
+    for (; library->Name; ++library) {
+        auto* names = reinterpret_cast<IMAGE_THUNK_DATA*>(base + library->OriginalFirstThunk);
+        auto* slots = reinterpret_cast<IMAGE_THUNK_DATA*>(base + library->FirstThunk);
+        for (; names->u1.AddressOfData; ++names, ++slots) {
+            if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal)) continue;
+            auto* entry = reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
+            if (!std::strcmp(reinterpret_cast<char*>(entry->Name), name)) {
+                return reinterpret_cast<void**>(&slots->u1.Function);
+            }
+        }
+    }
+    throw std::runtime_error(std::string(module) + " does not import " + name);
+}
+
+// While it lives, util.dll's calls of `name` go to the replacement.
+class ImportPatch {
+  public:
+    template <typename Function>
+    ImportPatch(const char* name, Function* replacement)
+        : ImportPatch("util.dll", name, replacement) {}
+
+    template <typename Function>
+    ImportPatch(const char* module, const char* name, Function* replacement)
+        : m_slot(import_slot(module, name)), m_original(*m_slot) {
+        write(reinterpret_cast<void*>(replacement));
+    }
+
+    ~ImportPatch() { write(m_original); }
+    ImportPatch(const ImportPatch&) = delete;
+    ImportPatch& operator=(const ImportPatch&) = delete;
+
+    // The real function, for a replacement that passes calls on.
+    template <typename Function>
+    Function* original() const {
+        return reinterpret_cast<Function*>(m_original);
+    }
+
+  private:
+    void write(void* function) {
+        DWORD before;
+        VirtualProtect(m_slot, sizeof *m_slot, PAGE_READWRITE, &before);
+        *m_slot = function;
+        VirtualProtect(m_slot, sizeof *m_slot, before, &before);
+    }
+
+    void** m_slot;
+    void* m_original;
+};
+
+}  // namespace util_test
+
+#endif

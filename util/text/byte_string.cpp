@@ -1,0 +1,140 @@
+#include "util/text/byte_string.h"
+
+#include <algorithm>
+#include <ostream>
+#include <utility>
+
+#include "util/internal/decimal.h"
+#include "util/text/position_error.h"
+
+const String String::eol("\n");
+
+String::String() = default;
+String::String(const String& other) = default;
+String::String(const extstl::ExtString& other) : ExtString(other) {}
+String::String(String&& other) noexcept = default;
+String::String(char c) {
+    m_text.assign(1, c);
+}
+String::String(int v) : String(format("%d", v)) {}
+String::String(unsigned int v) : String(format("%u", v)) {}
+#ifdef _WIN32
+String::String(unsigned long v) : String(static_cast<unsigned int>(v)) {}
+#endif
+String::String(double v) : String(format("%f", v)) {}
+String::String(const char* s) : ExtString(s) {}
+String::String(const char* s, std::uint64_t n) {
+    if (s) m_text.assign(s, n);
+}
+String::String(std::uint64_t n, char c) {
+    m_text.assign(n, c);
+}
+String::String(std::string s) {
+    m_text = std::move(s);
+}
+String::~String() = default;
+
+String& String::operator=(const String& other) = default;
+String& String::operator=(String&& other) = default;
+
+String& String::operator+=(const String& other) {
+    ExtString::operator+=(other);
+    return *this;
+}
+
+String& String::operator+=(const char* s) {
+    if (s) m_text += s;
+    return *this;
+}
+
+String& String::operator+=(char c) {
+    m_text += c;
+    return *this;
+}
+
+int String::to_int() const {
+    return util::parse_int(c_str());
+}
+
+int String::operator==(char c) const {
+    return !empty() && m_text.front() == c;
+}
+int String::operator!=(char c) const {
+    return !empty() && m_text.front() != c;
+}
+
+std::uint64_t String::first(const char* s, std::uint64_t pos) const {
+    return m_text.find(s ? s : "", pos);
+}
+
+std::uint64_t String::first(char c, std::uint64_t pos) const {
+    return m_text.find(c, pos);
+}
+
+std::uint64_t String::last(char c) const {
+    return m_text.rfind(c);
+}
+
+String String::substr(std::uint64_t pos, std::uint64_t n) const {
+    util::require_position(pos, size());
+    return String(m_text.data() + pos, std::min(n, size() - pos));
+}
+
+String String::substr(std::uint64_t pos) const {
+    return substr(pos, npos);
+}
+
+String String::pad(int n) {
+    const auto width = static_cast<std::int64_t>(n);
+    return String(static_cast<std::uint64_t>(width < 0 ? -width : width), ' ');
+}
+
+String& String::prepend(const String& s) {
+    m_text.insert(0, s.m_text);
+    return *this;
+}
+
+String& String::replace(std::uint64_t pos, std::uint64_t n, const char* s, std::uint64_t len) {
+    util::require_position(pos, size());
+    m_text.replace(pos, n, s ? s : "", s ? len : 0);
+    return *this;
+}
+
+String& String::replace(std::uint64_t pos, std::uint64_t n, const char* s) {
+    return replace(pos, n, s, util::view_of(s).size());
+}
+
+String String::to_lower() const {
+    String result(c_str());
+    result.lower();
+    return result;
+}
+
+String String::to_upper() const {
+    String result(c_str());
+    result.upper();
+    return result;
+}
+
+String String::trim(const char* set) const {
+    const std::string_view named = util::view_of(set);
+    // With its closing NUL: a NUL byte belongs to every set.
+    const std::string members(named.data(), named.size() + 1);
+    const auto begin = m_text.find_first_not_of(members);
+    if (begin == std::string::npos) return String();
+    const auto end = m_text.find_last_not_of(members) + 1;
+    return String(m_text.data() + begin, end - begin);
+}
+
+bool String::isAscii() const {
+    const std::string_view visible = c_str();
+    return std::all_of(visible.begin(), visible.end(), [](char c) { return c >= 0; });
+}
+
+bool String::hasUnprintable() const {
+    return std::any_of(m_text.begin(), m_text.end(), [](char c) { return c < ' '; });
+}
+
+std::ostream& operator<<(std::ostream& out, const String& s) {
+    return out << s.view();
+}

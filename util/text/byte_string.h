@@ -1,0 +1,239 @@
+// String: the byte string in which the whole library passes text.
+#ifndef UTIL_TEXT_BYTE_STRING_H
+#define UTIL_TEXT_BYTE_STRING_H
+
+#include <cstdarg>
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "util/export.h"
+#include "util/text/ext_string.h"
+
+// File names, paths, messages, registry values: every text the library takes or returns. It is a
+// value: copies are independent and belong to whoever holds them.
+//
+// Threads: distinct objects may be used from distinct threads; one object must not be changed by
+// two at once. Formatting, and construction from numbers, may be called from any thread.
+//
+// Failure: positions beyond the length raise std::out_of_range with exactly the message
+// "invalid string position"; memory exhaustion raises std::bad_alloc. Null C strings are the empty
+// text everywhere.
+//
+// Embedded NULs, meant as they are: to_lower, to_upper, isAscii, squeeze_spaces, assignment and
+// appending work on the NUL-terminated view and drop what follows an embedded NUL. Construction
+// from a String, comparison, hash, trim, substr, first, last, prepend, split and hasUnprintable
+// work on the full stored length.
+//
+//     String name = String("  Data01 ").trim(" ");   // "Data01"
+//     String line = String::format("%s: %d", (const char*)name, 7);   // "Data01: 7"
+class UTIL_API String : public extstl::ExtString {
+  public:
+    // A single line feed, on every platform. Exists from load to unload of the library.
+    static const String eol;
+
+    String();
+    String(const String& other);             // every stored byte
+    String(const extstl::ExtString& other);  // every stored byte
+    String(String&& other) noexcept;         // leaves other empty
+    String(char c);                          // that one byte
+    String(int v);                           // "%d": String(-7) is "-7"
+    String(unsigned int v);                  // "%u": String(4000000000u) is "4000000000"
+#ifdef _WIN32
+    String(unsigned long v);  // 32 bits here, so the same text as for unsigned int
+#endif
+    String(double v);                        // "%f": String(1.5) is "1.500000"
+    String(const char* s);                   // up to its NUL
+    String(const char* s, std::uint64_t n);  // n bytes, NULs included; "" when s is null
+    String(std::uint64_t n, char c);         // n copies of c
+    String(std::string s);                   // every stored byte
+    virtual ~String();
+
+    // Takes the other's NUL-terminated view, unlike the copy constructor; this is meant.
+    // Self-assignment changes nothing.
+    String& operator=(const String& other);
+    String& operator=(String&& other);
+
+    // Append other's NUL-terminated view, or one byte (which may be NUL).
+    String& operator+=(const String& other);
+    String& operator+=(const char* s);
+    String& operator+=(char c);
+    String& operator+=(int) = delete;  // appending a number is spelled s += String(n)
+
+    // The contents followed by a NUL; valid until the object changes or goes.
+    operator const char*() const {
+        return m_text.c_str();
+    }
+
+    // Every stored byte, NULs included; valid until the object changes or goes.
+    std::string_view view() const noexcept {
+        return m_text;
+    }
+
+    // Leading white space, a sign and digits, read as the runtime's atoi does; 0 without digits.
+    int to_int() const;
+
+    // Compare the FIRST byte only: String("abc") == 'a' is 1. On the empty string both == and !=
+    // give 0. Both are meant.
+    int operator==(char c) const;
+    int operator!=(char c) const;
+
+    // Position of the first s (or c) at or after pos, or npos. String("abcabc").first("bc", 2)
+    // is 4.
+    std::uint64_t first(const char* s, std::uint64_t pos) const;
+    std::uint64_t first(char c, std::uint64_t pos) const;
+
+    // Position of the last c, or npos.
+    std::uint64_t last(char c) const;
+
+    // The bytes from pos, at most n of them or up to the end. pos equal to the length gives "";
+    // beyond it raises "invalid string position". String("abc").substr(1, 100) is "bc".
+    String substr(std::uint64_t pos, std::uint64_t n) const;
+    String substr(std::uint64_t pos) const;
+
+    // |n| spaces: a negative width pads on the other side, which of "" is the same text.
+    static String pad(int n);
+
+    // Put all of s in front of the contents; returns this object.
+    String& prepend(const String& s);
+
+    // The n bytes from pos (clipped at the end) become the first len bytes of s, or all of the
+    // C string s; returns this object. pos beyond the length raises "invalid string position".
+    String& replace(std::uint64_t pos, std::uint64_t n, const char* s, std::uint64_t len);
+    String& replace(std::uint64_t pos, std::uint64_t n, const char* s);
+
+    // printf-style text. Directives and their reading are those of the platform's runtime library
+    // (on Windows "%I64u" prints 64 bits). All callers share one buffer that grows to the longest
+    // text seen, is never given back, and is guarded by one lock; calls from many threads take
+    // turns. The text ends at its first NUL. A null or rejected format gives "".
+    //
+    //     String::format("%s-%03d", "disk", 7)   // "disk-007"
+    static String format(const char* fmt, ...) UTIL_PRINTF_FORMAT(1, 2);
+
+    // The same for arguments already taken; args is used up as by vprintf.
+    static String va_format(const char* fmt, va_list args);
+
+    // The NUL-terminated view with its ASCII letters mapped; this object stays as it is.
+    String to_lower() const;
+    String to_upper() const;
+
+    // A copy without the leading and trailing bytes that occur in set. A NUL byte counts as a
+    // member of every set; this is meant. String("xxax").trim("x") is "a".
+    String trim(const char* set) const;
+
+    // A 32-bit hash of the stored bytes that never changes between releases, so it may be stored.
+    // The bytes after the last whole group of four are sign-extended; stored hashes rely on it.
+    // "" gives 0, "abcd" gives 0x646362E1, "\xFF" gives 0xFFFFFFDF.
+    unsigned int hash() const;
+
+    // True when every byte before the first NUL is below 0x80; the empty string is ASCII.
+    bool isAscii() const;
+
+    // True when any stored byte, read as a signed number, is below 32: 0x00 to 0x1F and every byte
+    // from 0x80 up, but not 0x7F. This reading is meant.
+    bool hasUnprintable() const;
+
+    // The fields between separators; every byte of separators separates on its own. The empty
+    // string gives no field; empty separators give the whole string as one field.
+    // With skipEmpty, only fields that are not empty:
+    //     String(" a  b ").split(" ", true)    // {"a", "b"}
+    // Without it, one field before, between and after separators, empty or not:
+    //     String(" a  b ").split(" ", false)   // {"", "a", "", "b", ""}
+    // Meant as it is: a text of nothing but separators raises std::bad_alloc unless skipEmpty.
+    std::vector<String> split(const String& separators, bool skipEmpty) const;
+
+    // The pieces between occurrences of the whole text tag. A leading tag gives an empty first
+    // piece, adjacent tags an empty piece between them, a trailing tag gives none; the difference
+    // is meant. The empty string gives no piece; an empty tag gives the text as one piece.
+    //     String("x--y----z--").split_by_tag("--")   // {"x", "y", "", "z"}
+    std::vector<String> split_by_tag(const String& tag) const;
+
+    // Normalise white space in this object, up to its first NUL, and return a copy: a white-space
+    // or control byte is dropped at the start and after white space, and becomes a blank
+    // elsewhere. Bytes from 0x80 up are ordinary. "  a \t b  " becomes "a b ", and "a\x01 b"
+    // becomes "a  b", since 0x01 is a control byte but not white space.
+    String squeeze_spaces();
+};
+
+// Comparison by contents, over the full stored length and with bytes taken as unsigned; never by
+// pointer. A null C string compares like "".
+inline bool operator==(const String& a, const String& b) {
+    return a.view() == b.view();
+}
+inline bool operator!=(const String& a, const String& b) {
+    return a.view() != b.view();
+}
+inline bool operator<(const String& a, const String& b) {
+    return a.view() < b.view();
+}
+
+namespace util {
+inline std::string_view view_of(const char* s) {
+    return s ? std::string_view(s) : "";
+}
+}  // namespace util
+
+inline bool operator==(const String& a, const char* b) {
+    return a.view() == util::view_of(b);
+}
+inline bool operator!=(const String& a, const char* b) {
+    return a.view() != util::view_of(b);
+}
+inline bool operator<(const String& a, const char* b) {
+    return a.view() < util::view_of(b);
+}
+inline bool operator==(const char* a, const String& b) {
+    return util::view_of(a) == b.view();
+}
+inline bool operator!=(const char* a, const String& b) {
+    return util::view_of(a) != b.view();
+}
+inline bool operator<(const char* a, const String& b) {
+    return util::view_of(a) < b.view();
+}
+
+inline bool operator==(const String& a, const std::string& b) {
+    return a.view() == b;
+}
+inline bool operator!=(const String& a, const std::string& b) {
+    return a.view() != b;
+}
+inline bool operator<(const String& a, const std::string& b) {
+    return a.view() < b;
+}
+inline bool operator==(const std::string& a, const String& b) {
+    return a == b.view();
+}
+inline bool operator!=(const std::string& a, const String& b) {
+    return a != b.view();
+}
+inline bool operator<(const std::string& a, const String& b) {
+    return a < b.view();
+}
+
+// a's every byte, then b appended as += does: String("a") + "b" is "ab".
+inline String operator+(String a, const String& b) {
+    return a += b;
+}
+inline String operator+(String a, const char* b) {
+    return a += b;
+}
+inline String operator+(const char* a, const String& b) {
+    return String(a) += b;
+}
+inline String operator+(String a, char b) {
+    return a += b;
+}
+String operator+(const String&, int) = delete;
+
+// Writes every stored byte, padded to the stream's width.
+UTIL_API std::ostream& operator<<(std::ostream& out, const String& s);
+
+template <>
+struct std::hash<String> {
+    std::size_t operator()(const String& s) const { return s.hash(); }
+};
+
+#endif

@@ -1,0 +1,61 @@
+#include "util/text/ext_string.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "util/internal/ascii.h"
+#include "util/text/position_error.h"
+
+namespace extstl {
+
+const std::uint64_t ExtString::npos;
+
+ExtString::ExtString() = default;
+ExtString::ExtString(const char* text) : m_text(text ? text : "") {}
+ExtString::ExtString(const std::string& text) : m_text(text) {}
+ExtString::ExtString(const ExtString& other) = default;
+ExtString::ExtString(ExtString&& other) noexcept : m_text(std::move(other.m_text)) {
+    other.m_text.clear();
+}
+ExtString::~ExtString() = default;
+
+ExtString& ExtString::operator=(const ExtString& other) {
+    if (this != &other) m_text = other.m_text.c_str();
+    return *this;
+}
+
+ExtString& ExtString::operator=(ExtString&& other) {
+    if (this != &other) {
+        m_text = std::move(other.m_text);
+        m_text.resize(std::min(m_text.find('\0'), m_text.size()));
+    }
+    return *this;
+}
+
+ExtString& ExtString::operator+=(const ExtString& other) {
+    m_text += other.m_text.c_str();
+    return *this;
+}
+
+ExtString ExtString::substr(std::uint64_t pos, std::uint64_t n) const {
+    util::require_position(pos, size());
+    return ExtString(m_text.substr(pos, n));
+}
+
+void ExtString::upper() {
+    std::transform(m_text.begin(), m_text.end(), m_text.begin(), util::to_upper);
+}
+void ExtString::lower() {
+    std::transform(m_text.begin(), m_text.end(), m_text.begin(), util::to_lower);
+}
+
+std::uint64_t ExtString::find(const std::string& what, std::uint64_t pos, int ignore_case) const {
+    if (!ignore_case) return m_text.find(what, pos);
+    ExtString folded_text(m_text);
+    ExtString folded_what(what);
+    folded_text.upper();
+    folded_what.upper();
+    return folded_text.m_text.find(folded_what.m_text, pos);
+}
+
+}  // namespace extstl

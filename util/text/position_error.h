@@ -1,0 +1,17 @@
+// Not installed. The one error that text operations raise for a position beyond the end.
+#ifndef UTIL_TEXT_POSITION_ERROR_H
+#define UTIL_TEXT_POSITION_ERROR_H
+
+#include <cstdint>
+#include <stdexcept>
+
+namespace util {
+
+// The message is contract; the standard library's own differs between vendors.
+inline void require_position(std::uint64_t pos, std::uint64_t size) {
+    if (pos > size) throw std::out_of_range("invalid string position");
+}
+
+}  // namespace util
+
+#endif

@@ -1,0 +1,20 @@
+#include <utility>
+
+#include "util/internal/ascii.h"
+#include "util/text/byte_string.h"
+
+String String::squeeze_spaces() {
+    const std::string_view visible = c_str();
+    std::string squeezed;
+    squeezed.reserve(visible.size());
+    for (std::size_t i = 0; i < visible.size(); ++i) {
+        const char c = visible[i];
+        if (!util::is_space(c) && !util::is_control(c)) {
+            squeezed += c;
+        } else if (i > 0 && !util::is_space(visible[i - 1])) {
+            squeezed += ' ';
+        }
+    }
+    m_text = std::move(squeezed);
+    return *this;
+}

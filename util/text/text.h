@@ -1,0 +1,9 @@
+// Everything of the text subsystem: String and the algorithms over it.
+#ifndef UTIL_TEXT_TEXT_H
+#define UTIL_TEXT_TEXT_H
+
+#include "util/text/byte_string.h"
+#include "util/text/ext_string.h"
+#include "util/text/string_array.h"
+
+#endif

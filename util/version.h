@@ -1,0 +1,11 @@
+// The one place that holds the library's version. CMake, the version resource of util.dll and
+// callers all read it here.
+#ifndef UTIL_VERSION_H
+#define UTIL_VERSION_H
+
+#define UTIL_VERSION_MAJOR 0
+#define UTIL_VERSION_MINOR 1
+#define UTIL_VERSION_PATCH 0
+#define UTIL_VERSION_STRING "0.1.0"
+
+#endif
