@@ -1,0 +1,43 @@
+#include "util/files/directory_reader.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "util/portable/utf8_files.h"
+
+namespace util {
+
+namespace {
+
+String search_pattern(const String& path) {
+    const bool separated = !path.empty() && (path.view().back() == '\\' || path.view().back() == '/');
+    return path + (separated ? "*.*" : "\\*.*");
+}
+
+}  // namespace
+
+DirectoryReader::DirectoryReader(const String& path)
+    : m_search(UTF8_FindFirstFile(search_pattern(path), &m_data, m_name)) {}
+
+bool DirectoryReader::next() {
+    if (!is_open()) return false;
+    if (m_first_pending) {
+        m_first_pending = false;
+        return true;
+    }
+    return UTF8_FindNextFile(m_search.get(), &m_data, m_name) != 0;
+}
+
+std::vector<String> drive_roots() {
+    std::vector<String> roots;
+    char list[1024];
+    const DWORD length = GetLogicalDriveStringsA(sizeof list, list);
+    if (length >= sizeof list) return roots;  // not fetched: it would not fit
+    for (const char* root = list; root < list + length; root += std::strlen(root) + 1) {
+        String trimmed = String(root).trim("\t\r\n ");
+        if (!trimmed.empty()) roots.push_back(std::move(trimmed));
+    }
+    return roots;
+}
+
+}  // namespace util

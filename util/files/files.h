@@ -1,0 +1,10 @@
+// Everything of the files subsystem.
+#ifndef UTIL_FILES_FILES_H
+#define UTIL_FILES_FILES_H
+
+#include "util/files/ptr_sorted_vector.h"
+#include "util/files/xr_directory.h"
+#include "util/files/xr_directory_entry.h"
+#include "util/files/xr_file.h"
+
+#endif

@@ -1,0 +1,70 @@
+// extstl::ExtPtrSortedVector: owned objects kept in order.
+#ifndef UTIL_FILES_PTR_SORTED_VECTOR_H
+#define UTIL_FILES_PTR_SORTED_VECTOR_H
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+namespace extstl {
+
+// Pointers to T in ascending order of Cmp's operator<, which T must derive from or be. The vector
+// owns what it points to: clear() and the destructor delete it. Elements that compare equal all
+// stay, in the order of their insertion. Not synchronised. Raises std::bad_alloc; the objects that
+// were to be inserted then still belong to the caller.
+//
+//     ExtPtrSortedVector<XrDirectoryEntry, XrDirectoryEntry> list;
+//     list.insert(new XrDirectoryEntry("b", 0, 0));
+//     list.insert(new XrDirectoryEntry("a", 0, 0));
+//     list[0]->getName()   // "a"
+template <typename T, typename Cmp>
+class ExtPtrSortedVector {
+  public:
+    using const_iterator = typename std::vector<T*>::const_iterator;
+
+    ExtPtrSortedVector() = default;
+    ~ExtPtrSortedVector() { clear(); }
+    ExtPtrSortedVector(const ExtPtrSortedVector&) = delete;
+    ExtPtrSortedVector& operator=(const ExtPtrSortedVector&) = delete;
+
+    // Takes element behind those that are not greater. True; false, with nothing done, for null.
+    bool insert(T* element) {
+        if (!element) return false;
+        m_elements.insert(
+            std::upper_bound(m_elements.begin(), m_elements.end(), element, is_before), element);
+        return true;
+    }
+
+    // The same as inserting each of them in turn, none of them null, in the time of one sort.
+    void insert(const std::vector<T*>& elements) {
+        const auto old_size = static_cast<std::ptrdiff_t>(m_elements.size());
+        m_elements.insert(m_elements.end(), elements.begin(), elements.end());
+        const auto added = m_elements.begin() + old_size;
+        if (!std::is_sorted(added, m_elements.end(), is_before)) {
+            std::stable_sort(added, m_elements.end(), is_before);
+        }
+        std::inplace_merge(m_elements.begin(), added, m_elements.end(), is_before);
+    }
+
+    // Deletes every element.
+    void clear() {
+        for (T* element : m_elements) delete element;
+        m_elements.clear();
+    }
+
+    std::uint64_t size() const { return m_elements.size(); }
+    T* operator[](std::uint64_t index) const { return m_elements[index]; }
+    const_iterator begin() const { return m_elements.begin(); }
+    const_iterator end() const { return m_elements.end(); }
+
+  private:
+    static bool is_before(const T* a, const T* b) {
+        return static_cast<const Cmp&>(*a) < static_cast<const Cmp&>(*b);
+    }
+
+    std::vector<T*> m_elements;
+};
+
+}  // namespace extstl
+
+#endif

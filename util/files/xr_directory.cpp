@@ -1,0 +1,186 @@
+#include "util/files/xr_directory.h"
+
+#include "util/internal/windows.h"
+// after the platform's header
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <memory>
+
+#include "util/files/directory_reader.h"
+#include "util/internal/ansi_text.h"
+#include "util/portable/utf8_files.h"
+
+namespace {
+
+struct Status {
+    int mode = 0;
+    long size = 0;
+};
+
+bool has_program_extension(const wchar_t* name) {
+    const wchar_t* dot = wcsrchr(name, L'.');
+    if (!dot) return false;
+    for (const wchar_t* extension : {L".exe", L".bat", L".cmd", L".com"}) {
+        if (_wcsicmp(dot, extension) == 0) return true;
+    }
+    return false;
+}
+
+// The status that UTF8_stat would give, from what the search has already brought; a call per entry
+// would more than double the time of a listing.
+Status status_from_search(const WIN32_FIND_DATAW& found) {
+    constexpr int read_all = 0444;
+    constexpr int write_all = 0222;
+    constexpr int execute_all = 0111;
+    Status status;
+    status.mode = read_all;
+    if (!(found.dwFileAttributes & FILE_ATTRIBUTE_READONLY)) status.mode |= write_all;
+    if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+        status.mode |= _S_IFDIR | execute_all;
+    } else {
+        status.mode |= _S_IFREG;
+        if (has_program_extension(found.cFileName)) status.mode |= execute_all;
+        status.size = static_cast<long>(found.nFileSizeLow);
+    }
+    return status;
+}
+
+Status status_of(const String& directory, const util::DirectoryReader& reader) {
+    const WIN32_FIND_DATAW& found = reader.data();
+    // The search describes a link itself, not what it leads to; and how a size beyond 31 bits
+    // looks in the runtime's record is the runtime's business.
+    const bool described = !(found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) &&
+                           found.nFileSizeHigh == 0 && found.nFileSizeLow <= LONG_MAX;
+    // A path of one character always gets a separator: "\" gives "\\name", which names a server.
+    const bool joins_plainly = directory.size() > 1;
+    if (described && joins_plainly) return status_from_search(found);
+
+    const bool separated = directory.size() > 1 && directory.view().back() == '\\';
+    struct _stat64i32 record = {};
+    if (UTF8_stat(directory + (separated ? "" : "\\") + reader.name(), &record) != 0) return {};
+    return {record.st_mode, record.st_size};
+}
+
+bool is_wanted(const char* name, bool include_hidden) {
+    if (name[0] != '.') return true;
+    return include_hidden && name[1] != '\0' && !(name[1] == '.' && name[2] == '\0');
+}
+
+using Entries = std::vector<std::unique_ptr<XrDirectoryEntry>>;
+
+void append_drive_roots(Entries& entries) {
+    for (const String& root : util::drive_roots()) {
+        entries.push_back(std::make_unique<XrDirectoryEntry>(root, _S_IFDIR, 0));
+    }
+}
+
+bool append_entries(const String& path, bool include_hidden, Entries& entries) {
+    util::DirectoryReader reader(path);
+    if (!reader.is_open()) return false;
+    while (reader.next()) {
+        if (!is_wanted(reader.name(), include_hidden)) continue;
+        const Status status = status_of(path, reader);
+        entries.push_back(
+            std::make_unique<XrDirectoryEntry>(reader.name(), status.mode, status.size));
+    }
+    return true;
+}
+
+void insert_all(Entries& entries, XrDirectory::List& list) {
+    std::vector<XrDirectoryEntry*> elements;
+    elements.reserve(entries.size());
+    for (const auto& entry : entries) elements.push_back(entry.get());
+    list.insert(elements);
+    for (auto& entry : entries) entry.release();
+}
+
+// The ANSI call, for a UTF-8 path. A path that the code page cannot spell names nothing.
+bool remove_directory(const std::string& path) {
+    std::string ansi;
+    if (!util::utf8_to_ansi(path.c_str(), ansi)) return false;
+    return RemoveDirectoryA(ansi.c_str()) != 0;
+}
+
+}  // namespace
+
+XrDirectory::XrDirectory(const String& path) : m_valid(false), m_list(nullptr) { init(path); }
+
+XrDirectory::XrDirectory(const XrDirectory& other) = default;
+XrDirectory& XrDirectory::operator=(const XrDirectory& other) = default;
+
+XrDirectory::~XrDirectory() { destroy(); }
+
+void XrDirectory::init(const String& path) {
+    m_list = nullptr;  // dropped, not freed: a caller may hold it
+    m_valid = false;
+    m_path = path;
+    m_valid = m_path.empty() || IsDirectory(m_path);
+}
+
+bool XrDirectory::isValid() const { return m_valid; }
+
+String XrDirectory::getPath() const { return m_path; }
+
+void XrDirectory::destroy() {
+    delete m_list;
+    m_list = nullptr;
+}
+
+XrDirectory::List* XrDirectory::getDirectoryList(bool include_hidden, bool refresh) {
+    if (m_list && !refresh) return m_list;
+    // Kept only when complete: a listing that memory cut short must not be returned later as whole.
+    std::unique_ptr<List> fresh(m_list ? nullptr : new List);
+    Entries entries;
+    if (m_path.empty()) {
+        append_drive_roots(entries);
+    } else if (!append_entries(m_path, include_hidden, entries)) {
+        std::printf("Failed to open directory: %s\n", m_path.c_str());
+    }
+    insert_all(entries, m_list ? *m_list : *fresh);
+    if (fresh) m_list = fresh.release();
+    return m_list;
+}
+
+int XrDirectory::getFreeSpace(double* kilobytes) const {
+    std::uint64_t available = 0;
+    std::uint64_t total = 0;
+    std::uint64_t free = 0;
+    *kilobytes = 0;
+    if (!UTF8_GetDiskFreeSpaceEx(m_path, &available, &total, &free)) return -1;
+    *kilobytes = static_cast<double>(available) * 0.0009765625;
+    return 0;
+}
+
+bool XrDirectory::IsDirectory(const String& path) {
+    struct _stat64i32 record;
+    return UTF8_lstat(path, &record) == 0 && (record.st_mode & _S_IFMT) == _S_IFDIR;
+}
+
+int XrDirectory::CreateDirectoryA(const char*) { return 0; }
+int XrDirectory::CreateDirectoryA(const String&) { return 0; }
+
+int XrDirectory::DeleteDirectory(const char* path) { return DeleteDirectory(String(path)); }
+
+int XrDirectory::DeleteDirectory(const String& path) {
+    errno = path.empty() ? EINVAL : 0;
+    if (path.empty()) return errno;
+    return UTF8_rmdir(path) == 0 ? 0 : errno;
+}
+
+int XrDirectory::DeleteDirectoryTree(const char* path) { return DeleteDirectoryTree(String(path)); }
+
+int XrDirectory::DeleteDirectoryTree(const String& path) {
+    if (path.empty()) return errno = EINVAL;
+    const std::vector<String> components = path.split("\\", true);
+    int result = 0;
+    std::string current = path.str();
+    for (auto component = components.rbegin(); component != components.rend(); ++component) {
+        if (!remove_directory(current)) result = EPERM;
+        const auto cut = path.str().find(component->str());
+        if (cut < current.size()) current.resize(cut);
+    }
+    return errno = result;
+}

@@ -1,0 +1,26 @@
+// File status and symbolic links.
+#ifndef UTIL_PORTABLE_KSL_LINK_H
+#define UTIL_PORTABLE_KSL_LINK_H
+
+#include "util/export.h"
+
+struct _stat64i32;  // <sys/stat.h>
+
+UTIL_EXTERN_C_BEGIN
+
+// The runtime's _wstat64i32 of a UTF-8 path of any length, into *record: 0, or -1 with errno; 22
+// when a pointer is null, 12 when memory ran out. Both names are the same function; links are not
+// looked at as such. One trailing backslash is left out unless it makes a drive's root. A bare
+// drive ("C:") is passed on as it is and fails, unlike with UTF8_lstat; this is meant.
+//     struct _stat64i32 record;
+//     ksl_stat("C:\\Windows\\", &record)   // 0
+UTIL_API int ksl_lstat(const char* path, struct _stat64i32* record);
+UTIL_API int ksl_stat(const char* path, struct _stat64i32* record);
+
+// Always -1, whatever the arguments: links are not supported on this platform.
+UTIL_API int ksl_readlink(...);
+UTIL_API int ksl_read_link_chain(...);
+
+UTIL_EXTERN_C_END
+
+#endif

@@ -1,0 +1,97 @@
+#include "util/portable/ksl_mount.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "util/internal/windows.h"
+
+// Programs hold arrays of these; the layout never changes.
+static_assert(sizeof(ksl_mount_record) == 1056);
+static_assert(offsetof(ksl_mount_record, root) == 260);
+static_assert(offsetof(ksl_mount_record, file_system) == 520);
+static_assert(offsetof(ksl_mount_record, unused) == 780);
+static_assert(offsetof(ksl_mount_record, type) == 1040);
+
+namespace {
+
+struct Free {
+    void operator()(char* block) const { std::free(block); }
+};
+using RootList = std::unique_ptr<char, Free>;
+
+// The drives' root paths, each ended by a NUL, the last followed by another; null on failure. The
+// list may grow between asking for its size and fetching it.
+RootList root_list() {
+    DWORD room = GetLogicalDriveStringsA(0, nullptr);
+    if (room == 0) return nullptr;
+    for (;;) {
+        RootList list(static_cast<char*>(std::calloc(room + 1, 1)));
+        if (!list) return nullptr;
+        const DWORD length = GetLogicalDriveStringsA(room, list.get());
+        if (length == 0 && room > 1) return nullptr;  // 1 is the size of an empty list
+        if (length <= room) return list;
+        room = length + 1;
+    }
+}
+
+const char* type_text(UINT type) {
+    switch (type) {
+        case DRIVE_UNKNOWN: return "unknown";
+        case DRIVE_NO_ROOT_DIR: return "";
+        case DRIVE_REMOVABLE: return "removable";
+        case DRIVE_FIXED: return "rw";
+        case DRIVE_REMOTE: return "nfs";
+        case DRIVE_CDROM: return "cdfs";
+        case DRIVE_RAMDISK: return "ramdisk";
+        default: return nullptr;
+    }
+}
+
+// Fills the record for a drive; false, with the record untouched, when its volume does not answer.
+bool describe(const char* root, ksl_mount_record* record) {
+    char volume_name[260];
+    char file_system[260];
+    DWORD serial = 0;
+    if (!GetVolumeInformationA(root, volume_name, sizeof volume_name, &serial, nullptr, nullptr,
+                               file_system, sizeof file_system)) {
+        return false;
+    }
+    std::snprintf(record->serial, sizeof record->serial, "%ld", static_cast<long>(serial));
+    std::snprintf(record->root, sizeof record->root, "%s", root);
+    std::snprintf(record->file_system, sizeof record->file_system, "%s", file_system);
+    if (const char* type = type_text(GetDriveTypeA(root))) std::strcpy(record->type, type);
+    record->type[8] = '\0';
+    return true;
+}
+
+}  // namespace
+
+int ksl_getNumMntStructures() {
+    int count = 0;
+    for (DWORD mask = GetLogicalDrives(); mask != 0; mask &= mask - 1) ++count;
+    return count > 0 ? count : -1;
+}
+
+int ksl_getMntData(char* records, int* capacity) {
+    if (!capacity) return -1;
+    const int drives = ksl_getNumMntStructures();
+    if (drives < 0) return -1;
+    if (drives > *capacity) {
+        *capacity = drives;
+        return 0;
+    }
+    if (!records) return -1;
+
+    const RootList roots = root_list();
+    if (!roots) return -1;
+    int written = 0;
+    auto* record = reinterpret_cast<ksl_mount_record*>(records);
+    for (const char* root = roots.get(); *root && written < *capacity;
+         root += std::strlen(root) + 1) {
+        if (describe(root, record + written)) ++written;
+    }
+    return written;
+}

@@ -1,0 +1,13 @@
+// Everything of the portable layer: calls that are the same on every platform, and the UTF-8
+// boundary to the platform's wide-character calls.
+#ifndef UTIL_PORTABLE_PORTABLE_H
+#define UTIL_PORTABLE_PORTABLE_H
+
+#include "util/portable/current_directory.h"
+#include "util/portable/ksl_descriptor.h"
+#include "util/portable/ksl_link.h"
+#include "util/portable/ksl_mount.h"
+#include "util/portable/utf8.h"
+#include "util/portable/utf8_files.h"
+
+#endif

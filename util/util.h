@@ -1,0 +1,10 @@
+// Everything that util.dll exports. A program needs no other header.
+#ifndef UTIL_UTIL_H
+#define UTIL_UTIL_H
+
+#include "util/files/files.h"
+#include "util/portable/portable.h"
+#include "util/text/text.h"
+#include "util/version.h"
+
+#endif
