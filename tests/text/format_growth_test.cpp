@@ -83,8 +83,8 @@ TEST_F(FormatGrowthTest, RejectedFormatsGiveTheEmptyTextAndNoGrowth) {
         EXPECT_EQ(errno, 77) << "formatting leaves errno alone";
     }
     EXPECT_EQ(buffer_size(), before);
-    const char* const rejected_late = "%*s%m";
-    EXPECT_EQ(String::format(rejected_late, int(before) + 5, ""), "");
+    const std::string rejected_late = "%*s%m";
+    EXPECT_EQ(String::format(rejected_late.c_str(), int(before) + 5, ""), "");
 }
 
 TEST_F(FormatGrowthTest, TakesAReportedLengthToTheNextWholeStep) {

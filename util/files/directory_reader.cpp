@@ -10,7 +10,8 @@ namespace util {
 namespace {
 
 String search_pattern(const String& path) {
-    const bool separated = !path.empty() && (path.view().back() == '\\' || path.view().back() == '/');
+    const bool separated =
+        !path.empty() && (path.view().back() == '\\' || path.view().back() == '/');
     return path + (separated ? "*.*" : "\\*.*");
 }
 

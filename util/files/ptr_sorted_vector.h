@@ -48,7 +48,8 @@ class ExtPtrSortedVector {
 
     // Deletes every element.
     void clear() {
-        for (T* element : m_elements) delete element;
+        for (T* element : m_elements)
+            delete element;
         m_elements.clear();
     }
 

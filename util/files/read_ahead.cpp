@@ -45,8 +45,8 @@ Transfer ReadAhead::read(char* to, std::uint64_t count) {
     std::memcpy(to, m_chunk + m_begin, ready);
     m_begin += ready;
     if (ready == count && count > 0) return {true, 0, ready};
-    Transfer rest = transfer(
-        [this](char* at, unsigned n) { return ksl_read(m_fd, at, n); }, to + ready, count - ready);
+    Transfer rest = transfer([this](char* at, unsigned n) { return ksl_read(m_fd, at, n); },
+                             to + ready, count - ready);
     // Bytes followed by the end of the file are a short read, which is no failure.
     if (rest.at_end && rest.moved == 0 && ready > 0) rest.done = true;
     rest.moved += ready;

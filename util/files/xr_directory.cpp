@@ -92,9 +92,11 @@ bool append_entries(const String& path, bool include_hidden, Entries& entries) {
 void insert_all(Entries& entries, XrDirectory::List& list) {
     std::vector<XrDirectoryEntry*> elements;
     elements.reserve(entries.size());
-    for (const auto& entry : entries) elements.push_back(entry.get());
+    for (const auto& entry : entries)
+        elements.push_back(entry.get());
     list.insert(elements);
-    for (auto& entry : entries) entry.release();
+    for (auto& entry : entries)
+        entry.release();
 }
 
 // The ANSI call, for a UTF-8 path. A path that the code page cannot spell names nothing.
@@ -106,12 +108,16 @@ bool remove_directory(const std::string& path) {
 
 }  // namespace
 
-XrDirectory::XrDirectory(const String& path) : m_valid(false), m_list(nullptr) { init(path); }
+XrDirectory::XrDirectory(const String& path) : m_valid(false), m_list(nullptr) {
+    init(path);
+}
 
 XrDirectory::XrDirectory(const XrDirectory& other) = default;
 XrDirectory& XrDirectory::operator=(const XrDirectory& other) = default;
 
-XrDirectory::~XrDirectory() { destroy(); }
+XrDirectory::~XrDirectory() {
+    destroy();
+}
 
 void XrDirectory::init(const String& path) {
     m_list = nullptr;  // dropped, not freed: a caller may hold it
@@ -120,9 +126,13 @@ void XrDirectory::init(const String& path) {
     m_valid = m_path.empty() || IsDirectory(m_path);
 }
 
-bool XrDirectory::isValid() const { return m_valid; }
+bool XrDirectory::isValid() const {
+    return m_valid;
+}
 
-String XrDirectory::getPath() const { return m_path; }
+String XrDirectory::getPath() const {
+    return m_path;
+}
 
 void XrDirectory::destroy() {
     delete m_list;
@@ -159,10 +169,16 @@ bool XrDirectory::IsDirectory(const String& path) {
     return UTF8_lstat(path, &record) == 0 && (record.st_mode & _S_IFMT) == _S_IFDIR;
 }
 
-int XrDirectory::CreateDirectoryA(const char*) { return 0; }
-int XrDirectory::CreateDirectoryA(const String&) { return 0; }
+int XrDirectory::CreateDirectoryA(const char*) {
+    return 0;
+}
+int XrDirectory::CreateDirectoryA(const String&) {
+    return 0;
+}
 
-int XrDirectory::DeleteDirectory(const char* path) { return DeleteDirectory(String(path)); }
+int XrDirectory::DeleteDirectory(const char* path) {
+    return DeleteDirectory(String(path));
+}
 
 int XrDirectory::DeleteDirectory(const String& path) {
     errno = path.empty() ? EINVAL : 0;
@@ -170,7 +186,9 @@ int XrDirectory::DeleteDirectory(const String& path) {
     return UTF8_rmdir(path) == 0 ? 0 : errno;
 }
 
-int XrDirectory::DeleteDirectoryTree(const char* path) { return DeleteDirectoryTree(String(path)); }
+int XrDirectory::DeleteDirectoryTree(const char* path) {
+    return DeleteDirectoryTree(String(path));
+}
 
 int XrDirectory::DeleteDirectoryTree(const String& path) {
     if (path.empty()) return errno = EINVAL;

@@ -9,10 +9,18 @@ XrDirectoryEntry::XrDirectoryEntry(const XrDirectoryEntry& other) = default;
 XrDirectoryEntry& XrDirectoryEntry::operator=(const XrDirectoryEntry& other) = default;
 XrDirectoryEntry::~XrDirectoryEntry() = default;
 
-String XrDirectoryEntry::getName() const { return *this; }
-int XrDirectoryEntry::getMode() const { return m_mode; }
-long XrDirectoryEntry::getSize() const { return m_size; }
-bool XrDirectoryEntry::isDirectory() const { return (m_mode & _S_IFDIR) != 0; }
+String XrDirectoryEntry::getName() const {
+    return *this;
+}
+int XrDirectoryEntry::getMode() const {
+    return m_mode;
+}
+long XrDirectoryEntry::getSize() const {
+    return m_size;
+}
+bool XrDirectoryEntry::isDirectory() const {
+    return (m_mode & _S_IFDIR) != 0;
+}
 
 bool XrDirectoryEntry::operator<(const XrDirectoryEntry& other) const {
     return view() < other.view();

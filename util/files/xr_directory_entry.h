@@ -15,9 +15,9 @@ class UTIL_API XrDirectoryEntry : public String {
     ~XrDirectoryEntry() override;
 
     String getName() const;
-    int getMode() const;        // the runtime's st_mode, file type included
-    long getSize() const;       // bytes, low 32 bits; 0 for a drive root
-    bool isDirectory() const;   // bit 0x4000 of the mode
+    int getMode() const;       // the runtime's st_mode, file type included
+    long getSize() const;      // bytes, low 32 bits; 0 for a drive root
+    bool isDirectory() const;  // bit 0x4000 of the mode
 
     // By name alone, bytes taken as unsigned: "B" comes before "a", "a" before "ab".
     bool operator<(const XrDirectoryEntry& other) const;

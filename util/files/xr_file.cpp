@@ -25,9 +25,13 @@ namespace {
 
 constexpr int own_failure = -1;
 
-int last_error() { return static_cast<int>(GetLastError()); }
+int last_error() {
+    return static_cast<int>(GetLastError());
+}
 
-bool has(const char* mode, char letter) { return std::strchr(mode, letter) != nullptr; }
+bool has(const char* mode, char letter) {
+    return std::strchr(mode, letter) != nullptr;
+}
 
 // The runtime's open flags for a mode that is neither null nor empty; order as documented.
 int flags_of(const char* mode) {
@@ -90,7 +94,9 @@ XrFile& XrFile::operator=(const XrFile& other) {
     return *this;
 }
 
-XrFile::~XrFile() { Close(); }
+XrFile::~XrFile() {
+    Close();
+}
 
 int XrFile::Open(const char* mode) {
     if (m_is_open) Close();
@@ -157,8 +163,8 @@ bool XrFile::fail_and_invalidate(int code) {
 
 bool XrFile::Read(char* buf, std::uint64_t count) {
     if (!buf) return fail(own_failure);
-    const auto outcome = util::transfer(
-        [this](char* at, unsigned n) { return ksl_read(m_fd, at, n); }, buf, count);
+    const auto outcome =
+        util::transfer([this](char* at, unsigned n) { return ksl_read(m_fd, at, n); }, buf, count);
     return outcome.done || fail(outcome.code);
 }
 
@@ -182,9 +188,13 @@ bool XrFile::Seek(int offset) {
     return ksl_lseek(m_fd, offset, SEEK_SET) != -1 || fail_and_invalidate(last_error());
 }
 
-bool XrFile::SeekToBegin() { return Seek(0); }
+bool XrFile::SeekToBegin() {
+    return Seek(0);
+}
 
-long XrFile::Tell() const { return ksl_lseek(m_fd, 0, SEEK_CUR); }
+long XrFile::Tell() const {
+    return ksl_lseek(m_fd, 0, SEEK_CUR);
+}
 
 long XrFile::Size() const {
     struct _stat64i32 record = {};
@@ -214,20 +224,30 @@ bool XrFile::Eof() {
     return false;
 }
 
-bool XrFile::Error() const { return m_error; }
+bool XrFile::Error() const {
+    return m_error;
+}
 
 bool XrFile::Error(int& code) const {
     code = m_error_code;
     return m_error;
 }
 
-bool XrFile::isValid() const { return m_is_open; }
+bool XrFile::isValid() const {
+    return m_is_open;
+}
 
-bool XrFile::Exists() const { return UTF8_access(m_name.c_str(), m_access_mode) != -1; }
+bool XrFile::Exists() const {
+    return UTF8_access(m_name.c_str(), m_access_mode) != -1;
+}
 
-bool XrFile::Exists(const String& path, int mode) { return UTF8_access(path, mode) != -1; }
+bool XrFile::Exists(const String& path, int mode) {
+    return UTF8_access(path, mode) != -1;
+}
 
-std::string XrFile::getName() const { return m_name.substr(m_name.find_last_of("/\\") + 1); }
+std::string XrFile::getName() const {
+    return m_name.substr(m_name.find_last_of("/\\") + 1);
+}
 
 bool XrFile::write_number(int value) {
     NumberText digits;
@@ -251,9 +271,13 @@ XrFile& XrFile::operator<<(int value) {
     return *this;
 }
 
-XrFile& XrFile::operator<<(long value) { return *this << static_cast<int>(value); }
+XrFile& XrFile::operator<<(long value) {
+    return *this << static_cast<int>(value);
+}
 
-XrFile& XrFile::operator<<(unsigned short value) { return *this << static_cast<int>(value); }
+XrFile& XrFile::operator<<(unsigned short value) {
+    return *this << static_cast<int>(value);
+}
 
 XrFile& XrFile::operator<<(const char* text) {
     if (!text) text = "";
@@ -266,7 +290,9 @@ XrFile& XrFile::operator<<(const std::string& text) {
     return *this;
 }
 
-XrFile& XrFile::operator<<(const String& text) { return *this << text.c_str(); }
+XrFile& XrFile::operator<<(const String& text) {
+    return *this << text.c_str();
+}
 
 namespace {
 

@@ -4,7 +4,9 @@
 
 #include <cstdlib>
 
-int ksl_close(int descriptor) { return descriptor == 0 ? 0 : _close(descriptor); }
+int ksl_close(int descriptor) {
+    return descriptor == 0 ? 0 : _close(descriptor);
+}
 
 int ksl_write(int descriptor, const char* data, unsigned int count) {
     return _write(descriptor, data, count);
@@ -18,8 +20,14 @@ long ksl_lseek(int descriptor, long offset, int origin) {
     return _lseek(descriptor, offset, origin);
 }
 
-int ksl_dup(int descriptor) { return _dup(descriptor); }
+int ksl_dup(int descriptor) {
+    return _dup(descriptor);
+}
 
-int ksl_flush(...) { return 0; }
+int ksl_flush(...) {
+    return 0;
+}
 
-int ksl_putenv(const char* assignment) { return _putenv(assignment); }
+int ksl_putenv(const char* assignment) {
+    return _putenv(assignment);
+}

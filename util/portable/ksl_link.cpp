@@ -37,7 +37,13 @@ int ksl_lstat(const char* path, struct _stat64i32* record) {
     return _wstat64i32(wide, record);
 }
 
-int ksl_stat(const char* path, struct _stat64i32* record) { return ksl_lstat(path, record); }
+int ksl_stat(const char* path, struct _stat64i32* record) {
+    return ksl_lstat(path, record);
+}
 
-int ksl_readlink(...) { return -1; }
-int ksl_read_link_chain(...) { return -1; }
+int ksl_readlink(...) {
+    return -1;
+}
+int ksl_read_link_chain(...) {
+    return -1;
+}

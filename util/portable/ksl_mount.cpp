@@ -39,14 +39,22 @@ RootList root_list() {
 
 const char* type_text(UINT type) {
     switch (type) {
-        case DRIVE_UNKNOWN: return "unknown";
-        case DRIVE_NO_ROOT_DIR: return "";
-        case DRIVE_REMOVABLE: return "removable";
-        case DRIVE_FIXED: return "rw";
-        case DRIVE_REMOTE: return "nfs";
-        case DRIVE_CDROM: return "cdfs";
-        case DRIVE_RAMDISK: return "ramdisk";
-        default: return nullptr;
+        case DRIVE_UNKNOWN:
+            return "unknown";
+        case DRIVE_NO_ROOT_DIR:
+            return "";
+        case DRIVE_REMOVABLE:
+            return "removable";
+        case DRIVE_FIXED:
+            return "rw";
+        case DRIVE_REMOTE:
+            return "nfs";
+        case DRIVE_CDROM:
+            return "cdfs";
+        case DRIVE_RAMDISK:
+            return "ramdisk";
+        default:
+            return nullptr;
     }
 }
 
@@ -71,7 +79,8 @@ bool describe(const char* root, ksl_mount_record* record) {
 
 int ksl_getNumMntStructures() {
     int count = 0;
-    for (DWORD mask = GetLogicalDrives(); mask != 0; mask &= mask - 1) ++count;
+    for (DWORD mask = GetLogicalDrives(); mask != 0; mask &= mask - 1)
+        ++count;
     return count > 0 ? count : -1;
 }
 

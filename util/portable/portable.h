@@ -5,8 +5,10 @@
 
 #include "util/portable/current_directory.h"
 #include "util/portable/ksl_descriptor.h"
+#include "util/portable/ksl_hostname.h"
 #include "util/portable/ksl_link.h"
 #include "util/portable/ksl_mount.h"
+#include "util/portable/ksl_process.h"
 #include "util/portable/utf8.h"
 #include "util/portable/utf8_files.h"
 

@@ -92,7 +92,9 @@ int UTF8_lstat(const char* path, struct _stat64i32* record) {
     return _wstat64i32(wide, record);
 }
 
-int UTF8_stat(const char* path, struct _stat64i32* record) { return UTF8_lstat(path, record); }
+int UTF8_stat(const char* path, struct _stat64i32* record) {
+    return UTF8_lstat(path, record);
+}
 
 void* UTF8_FindFirstFile(const char* path, struct _WIN32_FIND_DATAW* data, char* name) {
     _bstr_t wide;

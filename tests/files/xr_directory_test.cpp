@@ -1,0 +1,292 @@
+#include "util/files/xr_directory.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <memory>
+
+#include "support/handle_count.h"
+#include "support/import_patch.h"
+#include "support/scratch_directory.h"
+#include "util/portable/utf8_files.h"
+// after the platform's header
+#include <comdef.h>
+
+using util_test::ImportPatch;
+using util_test::ScratchDirectory;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+Names names(XrDirectory& directory, bool include_hidden = false, bool refresh = false) {
+    Names result;
+    for (const XrDirectoryEntry* entry : *directory.getDirectoryList(include_hidden, refresh)) {
+        result.push_back(entry->str());
+    }
+    return result;
+}
+
+TEST(ExtPtrSortedVectorTest, KeepsOrderAndArrival) {
+    extstl::ExtPtrSortedVector<XrDirectoryEntry, XrDirectoryEntry> list;
+    const auto add = [&](const char* name, int mode) {
+        return list.insert(new XrDirectoryEntry(name, mode, 0));
+    };
+    EXPECT_TRUE(add("b", 1) && add("a", 2) && add("b", 3) && add("\xE9", 4) && add("B", 5) &&
+                add("ab", 6));
+    EXPECT_FALSE(list.insert(nullptr));
+    list.insert({new XrDirectoryEntry("b", 7, 0), new XrDirectoryEntry("a", 8, 0)});
+    std::vector<int> order;
+    for (const auto* entry : list)
+        order.push_back(entry->getMode());
+    EXPECT_EQ(order, (std::vector<int>{5, 2, 8, 6, 1, 3, 7, 4}));
+    list.clear();
+    EXPECT_EQ(list.size(), 0u);
+}
+
+class XrDirectoryTest : public testing::Test {
+  protected:
+    ScratchDirectory m_scratch;
+};
+
+TEST_F(XrDirectoryTest, ListsSortedByNameAndHidesDotNames) {
+    m_scratch.write("b", "12345");
+    m_scratch.write(".hidden", "");
+    m_scratch.write("A", "");
+    m_scratch.write("gr\xC3\xBC\xC3\x9F\xE6\x96\x87\xF0\x9F\x98\x80", "");
+    m_scratch.make_directory("sub");
+    const Names visible = {"A", "b", "gr\xC3\xBC\xC3\x9F\xE6\x96\x87\xF0\x9F\x98\x80", "sub"};
+    for (const char* ending : {"", "\\", "/"}) {
+        XrDirectory directory(m_scratch.path() + ending);
+        EXPECT_TRUE(directory.isValid());
+        EXPECT_EQ(names(directory), visible) << ending;
+    }
+    XrDirectory directory(m_scratch.path());
+    Names all = visible;
+    all.insert(all.begin(), ".hidden");
+    EXPECT_EQ(names(directory, true), all);
+
+    auto* list = directory.getDirectoryList(false, false);
+    EXPECT_EQ((*list)[2]->getSize(), 5);
+    EXPECT_FALSE((*list)[2]->isDirectory());
+    EXPECT_TRUE((*list)[4]->isDirectory());
+    EXPECT_EQ((*list)[4]->getName(), "sub");
+}
+
+TEST_F(XrDirectoryTest, ListingIsKeptAndRefreshAddsToIt) {
+    m_scratch.write("a", "");
+    m_scratch.write("b", "");
+    XrDirectory directory(m_scratch.path());
+    auto* list = directory.getDirectoryList(false, false);
+    m_scratch.write("c", "");
+    EXPECT_EQ(directory.getDirectoryList(true, false), list);
+    EXPECT_EQ(names(directory), (Names{"a", "b"})) << "the disk is not looked at again";
+    EXPECT_EQ(names(directory, false, true), (Names{"a", "a", "b", "b", "c"}));
+    EXPECT_EQ(directory.getDirectoryList(false, false), list) << "the same list, grown";
+    directory.destroy();
+    EXPECT_EQ(names(directory), (Names{"a", "b", "c"}));
+
+    XrDirectory copy(directory);
+    EXPECT_EQ(copy.getDirectoryList(false, false), directory.getDirectoryList(false, false));
+    const std::unique_ptr<XrDirectory::List> dropped(copy.getDirectoryList(false, false));
+    copy.init("");
+    directory.init(m_scratch.path("a"));
+    EXPECT_FALSE(directory.isValid()) << "a file";
+    EXPECT_TRUE(copy.isValid()) << "the list of drives";
+    EXPECT_EQ(dropped->size(), 3u) << "init drops the listing without freeing it";
+}
+
+// What the search brings must be what the status call says.
+TEST_F(XrDirectoryTest, EntriesCarryTheStatusOfEachFile) {
+    for (const char* name : {"plain", "tool.exe", "TOOL2.ExE", "a.bat", "b.cmd", "c.com", "d.txt",
+                             "e.", ".exe", "x.exe.txt", "two.dots.com"}) {
+        m_scratch.write(name, std::string(name) + "!");
+    }
+    SetFileAttributesA(m_scratch.write("read-only", "x").c_str(), FILE_ATTRIBUTE_READONLY);
+    SetFileAttributesA(m_scratch.write("hidden.exe", "x").c_str(), FILE_ATTRIBUTE_HIDDEN);
+    m_scratch.make_directory("directory");
+    SetFileAttributesA(m_scratch.make_directory("read-only directory").c_str(),
+                       FILE_ATTRIBUTE_READONLY);
+    XrDirectory directory(m_scratch.path());
+    int compared = 0;
+    for (const XrDirectoryEntry* entry : *directory.getDirectoryList(true, false)) {
+        struct _stat64i32 record;
+        ASSERT_EQ(UTF8_stat(m_scratch.path(entry->str()).c_str(), &record), 0) << *entry;
+        EXPECT_EQ(entry->getMode(), record.st_mode) << *entry;
+        EXPECT_EQ(entry->getSize(), record.st_size) << *entry;
+        ++compared;
+    }
+    EXPECT_EQ(compared, 15);
+    SetFileAttributesA(m_scratch.path("read-only directory").c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+BOOL WINAPI reparse_point(HANDLE search, WIN32_FIND_DATAW* data) {
+    const BOOL found = FindNextFileW(search, data);
+    data->dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+    data->nFileSizeLow = 999;
+    return found;
+}
+
+int failing_stat(const wchar_t*, void*) {
+    return -1;
+}
+
+TEST_F(XrDirectoryTest, LinksGetTheStatusCallAndAFailedOneGivesZeros) {
+    m_scratch.write("a", "12345");
+    const ImportPatch patch("FindNextFileW", reparse_point);
+    XrDirectory directory(m_scratch.path());
+    EXPECT_EQ((*directory.getDirectoryList(false, false))[0]->getSize(), 5);
+    directory.destroy();
+    const ImportPatch no_status("_wstat64", failing_stat);
+    const auto* entry = (*directory.getDirectoryList(false, false))[0];
+    EXPECT_EQ(entry->getMode(), 0);
+    EXPECT_EQ(entry->getSize(), 0);
+}
+
+TEST(XrDirectoryRootsTest, EmptyPathListsTheDrives) {
+    XrDirectory drives("");
+    EXPECT_TRUE(drives.isValid());
+    const Names roots = names(drives);
+    EXPECT_NE(std::find(roots.begin(), roots.end(), "C:\\"), roots.end());
+    for (const XrDirectoryEntry* entry : *drives.getDirectoryList(false, false)) {
+        EXPECT_EQ(entry->getMode(), 0x4000);
+        EXPECT_EQ(entry->getSize(), 0);
+    }
+}
+
+DWORD drive_text_length;
+DWORD WINAPI drive_text(DWORD size, char* buffer) {
+    static const char text[] = "C:\\ \0 \t\0\r\nD:\\\0";
+    if (size >= sizeof text) std::memcpy(buffer, text, sizeof text);
+    return drive_text_length ? drive_text_length : sizeof text - 1;
+}
+
+TEST(XrDirectoryRootsTest, DrivesAreTrimmedAndNeverReadPastTheBuffer) {
+    const ImportPatch patch("GetLogicalDriveStringsA", drive_text);
+    XrDirectory drives("");
+    drive_text_length = 0;
+    EXPECT_EQ(names(drives), (Names{"C:\\", "D:\\"}));
+    drives.destroy();
+    drive_text_length = 5000;
+    EXPECT_EQ(names(drives), Names());
+}
+
+TEST_F(XrDirectoryTest, UnreadableDirectoriesSaySoOnStandardOutput) {
+    XrDirectory missing(m_scratch.path("missing"));
+    EXPECT_FALSE(missing.isValid());
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(missing.getDirectoryList(false, false)->size(), 0u);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Failed to open directory: " + m_scratch.path("missing") + "\n");
+}
+
+int allocations_left;
+void* counted_new(size_t size) {
+    if (allocations_left-- <= 0) throw std::bad_alloc();
+    return ::operator new(size);
+}
+
+TEST_F(XrDirectoryTest, ListingGivesEverythingBackWhenMemoryRunsOut) {
+    for (const char* name : {"a", "b", "c"})
+        m_scratch.write(name, "");
+    XrDirectory directory(m_scratch.path());
+    long handles[2];
+    for (long& count : handles) {  // the runtime keeps handles from the first exception on
+        int failures = 0;
+        for (int limit = 0;; ++limit) {
+            const ImportPatch patch("_Znwy", counted_new);
+            allocations_left = limit;
+            try {
+                EXPECT_EQ(names(directory), (Names{"a", "b", "c"})) << "never a listing cut short";
+                break;
+            } catch (const std::bad_alloc&) {
+                ++failures;
+            } catch (const _com_error& e) {
+                EXPECT_EQ(e.Error(), E_OUTOFMEMORY) << "from the conversion of a path";
+                ++failures;
+            }
+        }
+        EXPECT_GE(failures, 4);
+        directory.destroy();
+        count = util_test::handle_count();
+    }
+    EXPECT_EQ(handles[0], handles[1]);
+}
+
+TEST_F(XrDirectoryTest, AnswersAboutPaths) {
+    m_scratch.write("file", "");
+    EXPECT_TRUE(XrDirectory::IsDirectory(m_scratch.path()));
+    EXPECT_TRUE(XrDirectory::IsDirectory(m_scratch.path() + "\\"));
+    EXPECT_TRUE(XrDirectory::IsDirectory("C:"));
+    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch.path("file")));
+    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch.path("missing")));
+    EXPECT_FALSE(XrDirectory::IsDirectory(""));
+
+    double kilobytes = -1;
+    EXPECT_EQ(XrDirectory(m_scratch.path()).getFreeSpace(&kilobytes), 0);
+    std::uint64_t available = 0;
+    UTF8_GetDiskFreeSpaceEx(m_scratch.path().c_str(), &available, nullptr, nullptr);
+    EXPECT_NEAR(kilobytes, static_cast<double>(available) / 1024, kilobytes / 100);
+    EXPECT_EQ(XrDirectory(m_scratch.path("missing")).getFreeSpace(&kilobytes), -1);
+    EXPECT_EQ(kilobytes, 0);
+
+    EXPECT_EQ(XrDirectory::CreateDirectoryA(m_scratch.path("new").c_str()), 0);
+    EXPECT_EQ(XrDirectory::CreateDirectoryA(String(m_scratch.path("new"))), 0);
+    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch.path("new"))) << "creates nothing";
+}
+
+TEST_F(XrDirectoryTest, DeletesOneEmptyDirectory) {
+    EXPECT_EQ(XrDirectory::DeleteDirectory(static_cast<const char*>(nullptr)), 22);
+    EXPECT_EQ(XrDirectory::DeleteDirectory(""), 22);
+    EXPECT_EQ(errno, 22);
+    m_scratch.make_directory("full\\\xC3\xBC");
+    EXPECT_EQ(XrDirectory::DeleteDirectory(m_scratch.path("full").c_str()), 22) << "not empty";
+    EXPECT_EQ(XrDirectory::DeleteDirectory(String(m_scratch.path("full\\\xC3\xBC"))), 0);
+    EXPECT_EQ(XrDirectory::DeleteDirectory(m_scratch.path("full").c_str()), 0);
+}
+
+std::vector<std::string> removals;
+BOOL WINAPI recording_remove(const char* path) {
+    removals.push_back(path);
+    return path[0] != 'C' || path[3] != '\0';
+}
+
+TEST_F(XrDirectoryTest, DeletesATreeUpwardCuttingAtTheFirstOccurrence) {
+    const struct {
+        const char* path;
+        int result;
+        Names removals;
+    } cases[] = {
+        {"C:\\t1\\t2", 1, {"C:\\t1\\t2", "C:\\t1\\", "C:\\"}},
+        {"t1\\t2", 0, {"t1\\t2", "t1\\"}},
+        {"C:\\ab\\x\\a", 1, {"C:\\ab\\x\\a", "C:\\", "C:\\", "C:\\"}},
+        {"a\\b\\a", 0, {"a\\b\\a", "", ""}},
+        {"\\\\", 0, {}},
+        {"gr\xC3\xBC\\x", 0, {"gr\xFC\\x", "gr\xFC\\"}},
+    };
+    const ImportPatch patch("RemoveDirectoryA", recording_remove);
+    for (const auto& c : cases) {
+        removals.clear();
+        EXPECT_EQ(XrDirectory::DeleteDirectoryTree(c.path), c.result) << c.path;
+        EXPECT_EQ(errno, c.result) << c.path;
+        EXPECT_EQ(removals, c.removals) << c.path;
+    }
+    removals.clear();
+    EXPECT_EQ(XrDirectory::DeleteDirectoryTree("x\\\xE6\x96\x87"), 1) << "the page lacks it";
+    EXPECT_EQ(removals, (Names{"x\\"})) << "so no other directory is tried in its place";
+    EXPECT_EQ(XrDirectory::DeleteDirectoryTree(static_cast<const char*>(nullptr)), 22);
+    EXPECT_EQ(XrDirectory::DeleteDirectoryTree(String()), 22);
+}
+
+TEST_F(XrDirectoryTest, DeletesARealTree) {
+    const std::string keep = m_scratch.make_directory("keep");
+    m_scratch.write("keep\\file", "");
+    m_scratch.make_directory("keep\\t1\\t2");
+    EXPECT_EQ(XrDirectory::DeleteDirectoryTree(String(keep + "\\t1\\t2")), 1)
+        << "the drive's root cannot be removed";
+    EXPECT_FALSE(XrDirectory::IsDirectory(keep + "\\t1"));
+    EXPECT_TRUE(XrDirectory::IsDirectory(keep)) << "not empty, so it stays";
+}
+
+}  // namespace

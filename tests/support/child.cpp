@@ -1,0 +1,21 @@
+// A program for the tests to start.
+//
+//     child exit N       exits with N
+//     child unit TEXT    exits with the first UTF-16 unit of TEXT
+//     child save FILE    writes its standard input to FILE and exits with 1
+#include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+
+#include "util/internal/windows.h"
+
+int main(int argc, char** argv) {
+    if (argc != 3) return 2;
+    const char verb = argv[1][0];
+    if (verb == 'e') ExitProcess(static_cast<UINT>(std::atoi(argv[2])));
+    if (verb == 'u') return std::wcsstr(GetCommandLineW(), L" unit ")[6];
+    std::FILE* file = std::fopen(argv[2], "w");
+    for (int c; (c = std::getchar()) != EOF;)
+        std::fputc(c, file);
+    return std::fclose(file) == 0 ? 1 : 2;
+}
