@@ -19,7 +19,17 @@
 #define UTIL_PRINTF_FORMAT(format_index, first_argument)
 #endif
 
+// Some plain functions return a String; Clang would remark that C has no such type.
+#if defined(__clang__)
+#define UTIL_EXTERN_C_BEGIN          \
+    _Pragma("clang diagnostic push") \
+        _Pragma("clang diagnostic ignored \"-Wreturn-type-c-linkage\"") extern "C" {
+#define UTIL_EXTERN_C_END \
+    }                     \
+    _Pragma("clang diagnostic pop")
+#else
 #define UTIL_EXTERN_C_BEGIN extern "C" {
 #define UTIL_EXTERN_C_END }
+#endif
 
 #endif

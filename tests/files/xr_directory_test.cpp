@@ -36,7 +36,10 @@ TEST(ExtPtrSortedVectorTest, KeepsOrderAndArrival) {
     EXPECT_TRUE(add("b", 1) && add("a", 2) && add("b", 3) && add("\xE9", 4) && add("B", 5) &&
                 add("ab", 6));
     EXPECT_FALSE(list.insert(nullptr));
-    list.insert({new XrDirectoryEntry("b", 7, 0), new XrDirectoryEntry("a", 8, 0)});
+    std::vector<std::unique_ptr<XrDirectoryEntry>> more;
+    more.push_back(std::make_unique<XrDirectoryEntry>("b", 7, 0));
+    more.push_back(std::make_unique<XrDirectoryEntry>("a", 8, 0));
+    list.insert(std::move(more));
     std::vector<int> order;
     for (const auto* entry : list)
         order.push_back(entry->getMode());

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace extstl {
@@ -36,9 +37,12 @@ class ExtPtrSortedVector {
     }
 
     // The same as inserting each of them in turn, none of them null, in the time of one sort.
-    void insert(const std::vector<T*>& elements) {
+    void insert(std::vector<std::unique_ptr<T>>&& elements) {
+        m_elements.reserve(m_elements.size() + elements.size());
         const auto old_size = static_cast<std::ptrdiff_t>(m_elements.size());
-        m_elements.insert(m_elements.end(), elements.begin(), elements.end());
+        for (auto& element : elements)
+            m_elements.push_back(element.release());
+        elements.clear();
         const auto added = m_elements.begin() + old_size;
         if (!std::is_sorted(added, m_elements.end(), is_before)) {
             std::stable_sort(added, m_elements.end(), is_before);

@@ -4,10 +4,13 @@
 // after the platform's header
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <iterator>
 #include <memory>
+#include <utility>
 
 #include "util/files/directory_reader.h"
 #include "util/internal/ansi_text.h"
@@ -23,10 +26,9 @@ struct Status {
 bool has_program_extension(const wchar_t* name) {
     const wchar_t* dot = wcsrchr(name, L'.');
     if (!dot) return false;
-    for (const wchar_t* extension : {L".exe", L".bat", L".cmd", L".com"}) {
-        if (_wcsicmp(dot, extension) == 0) return true;
-    }
-    return false;
+    constexpr const wchar_t* extensions[] = {L".exe", L".bat", L".cmd", L".com"};
+    return std::any_of(std::begin(extensions), std::end(extensions),
+                       [dot](const wchar_t* extension) { return _wcsicmp(dot, extension) == 0; });
 }
 
 // The status that UTF8_stat would give, from what the search has already brought; a call per entry
@@ -89,16 +91,6 @@ bool append_entries(const String& path, bool include_hidden, Entries& entries) {
     return true;
 }
 
-void insert_all(Entries& entries, XrDirectory::List& list) {
-    std::vector<XrDirectoryEntry*> elements;
-    elements.reserve(entries.size());
-    for (const auto& entry : entries)
-        elements.push_back(entry.get());
-    list.insert(elements);
-    for (auto& entry : entries)
-        entry.release();
-}
-
 // The ANSI call, for a UTF-8 path. A path that the code page cannot spell names nothing.
 bool remove_directory(const std::string& path) {
     std::string ansi;
@@ -142,16 +134,18 @@ void XrDirectory::destroy() {
 XrDirectory::List* XrDirectory::getDirectoryList(bool include_hidden, bool refresh) {
     if (m_list && !refresh) return m_list;
     // Kept only when complete: a listing that memory cut short must not be returned later as whole.
-    std::unique_ptr<List> fresh(m_list ? nullptr : new List);
+    std::unique_ptr<List> fresh;
+    if (!m_list) fresh = std::make_unique<List>();
+    List* const list = m_list ? m_list : fresh.get();
     Entries entries;
     if (m_path.empty()) {
         append_drive_roots(entries);
     } else if (!append_entries(m_path, include_hidden, entries)) {
         std::printf("Failed to open directory: %s\n", m_path.c_str());
     }
-    insert_all(entries, m_list ? *m_list : *fresh);
-    if (fresh) m_list = fresh.release();
-    return m_list;
+    list->insert(std::move(entries));
+    static_cast<void>(fresh.release());
+    return m_list = list;
 }
 
 int XrDirectory::getFreeSpace(double* kilobytes) const {

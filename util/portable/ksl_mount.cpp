@@ -70,7 +70,9 @@ bool describe(const char* root, ksl_mount_record* record) {
     std::snprintf(record->serial, sizeof record->serial, "%ld", static_cast<long>(serial));
     std::snprintf(record->root, sizeof record->root, "%s", root);
     std::snprintf(record->file_system, sizeof record->file_system, "%s", file_system);
-    if (const char* type = type_text(GetDriveTypeA(root))) std::strcpy(record->type, type);
+    if (const char* type = type_text(GetDriveTypeA(root))) {
+        std::snprintf(record->type, sizeof record->type, "%s", type);
+    }
     record->type[8] = '\0';
     return true;
 }

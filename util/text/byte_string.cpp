@@ -35,7 +35,7 @@ String::String(std::string s) {
 String::~String() = default;
 
 String& String::operator=(const String& other) = default;
-String& String::operator=(String&& other) = default;
+String& String::operator=(String&& other) noexcept = default;
 
 String& String::operator+=(const String& other) {
     ExtString::operator+=(other);

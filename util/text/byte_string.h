@@ -54,7 +54,7 @@ class UTIL_API String : public extstl::ExtString {
     // Takes the other's NUL-terminated view, unlike the copy constructor; this is meant.
     // Self-assignment changes nothing.
     String& operator=(const String& other);
-    String& operator=(String&& other);
+    String& operator=(String&& other) noexcept;
 
     // Append other's NUL-terminated view, or one byte (which may be NUL).
     String& operator+=(const String& other);

@@ -20,11 +20,11 @@ ExtString::ExtString(ExtString&& other) noexcept : m_text(std::move(other.m_text
 ExtString::~ExtString() = default;
 
 ExtString& ExtString::operator=(const ExtString& other) {
-    if (this != &other) m_text = other.m_text.c_str();
+    if (this != &other) m_text = other.c_str();
     return *this;
 }
 
-ExtString& ExtString::operator=(ExtString&& other) {
+ExtString& ExtString::operator=(ExtString&& other) noexcept {
     if (this != &other) {
         m_text = std::move(other.m_text);
         m_text.resize(std::min(m_text.find('\0'), m_text.size()));
@@ -33,7 +33,7 @@ ExtString& ExtString::operator=(ExtString&& other) {
 }
 
 ExtString& ExtString::operator+=(const ExtString& other) {
-    m_text += other.m_text.c_str();
+    m_text += other.c_str();
     return *this;
 }
 

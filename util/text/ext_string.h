@@ -36,9 +36,9 @@ class UTIL_API ExtString {
     ExtString(ExtString&& other) noexcept;  // leaves other empty
     virtual ~ExtString();
 
-    ExtString& operator=(const ExtString& other);   // other's NUL-terminated view
-    ExtString& operator=(ExtString&& other);        // the same; leaves other unspecified
-    ExtString& operator+=(const ExtString& other);  // other's NUL-terminated view
+    ExtString& operator=(const ExtString& other);      // other's NUL-terminated view
+    ExtString& operator=(ExtString&& other) noexcept;  // the same; leaves other unspecified
+    ExtString& operator+=(const ExtString& other);     // other's NUL-terminated view
 
     // At most n bytes from pos. Raises std::out_of_range "invalid string position" when pos is
     // beyond the length; pos equal to the length gives "".
