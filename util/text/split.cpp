@@ -1,26 +1,14 @@
-#include <bitset>
 #include <new>
 #include <stdexcept>
 
+#include "util/internal/byte_set.h"
 #include "util/text/byte_string.h"
 
 namespace {
 
-class ByteSet {
-  public:
-    explicit ByteSet(std::string_view members) {
-        for (const char c : members)
-            m_members.set(static_cast<unsigned char>(c));
-    }
-    bool has(char c) const { return m_members[static_cast<unsigned char>(c)]; }
-
-  private:
-    std::bitset<256> m_members;
-};
-
 // Calls take(begin, length) for each field between two separators, empty ones included.
 template <typename Take>
-void for_each_field(std::string_view text, const ByteSet& separators, Take take) {
+void for_each_field(std::string_view text, const util::ByteSet& separators, Take take) {
     std::size_t begin = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (!separators.has(text[i])) continue;
@@ -37,7 +25,7 @@ std::vector<String> String::split(const String& separators, bool skipEmpty) cons
     if (empty()) return fields;
 
     // Counting first lets the list be allocated once, at its size.
-    const ByteSet set(separators.view());
+    const util::ByteSet set(separators.view());
     std::size_t total = 0;
     std::size_t filled = 0;
     for_each_field(view(), set, [&](std::size_t, std::size_t length) {
