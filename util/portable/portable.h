@@ -9,6 +9,10 @@
 #include "util/portable/ksl_link.h"
 #include "util/portable/ksl_mount.h"
 #include "util/portable/ksl_process.h"
+#include "util/portable/ksl_string.h"
+#include "util/portable/ksl_time.h"
+#include "util/portable/ksl_uint64.h"
+#include "util/portable/ulong32.h"
 #include "util/portable/utf8.h"
 #include "util/portable/utf8_files.h"
 
