@@ -1,0 +1,118 @@
+#include <new>
+#include <vector>
+
+#include "fuzz/fuzz.h"
+#include "util/internal/ascii.h"
+#include "util/text/text.h"
+
+namespace util_fuzz {
+namespace {
+
+using Fields = std::vector<String>;
+
+bool is_in(char c, const std::string& set) { return set.find(c) != std::string::npos; }
+
+Fields plain_split(const std::string& text, const std::string& separators, bool skip_empty) {
+    Fields fields;
+    std::string field;
+    for (std::size_t i = 0; i <= text.size() && !text.empty(); ++i) {
+        if (i < text.size() && !is_in(text[i], separators)) {
+            field += text[i];
+        } else {
+            if (!field.empty() || !skip_empty) fields.emplace_back(field);
+            field.clear();
+        }
+    }
+    return fields;
+}
+
+std::string plain_squeeze(const std::string& text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (!util::is_space(text[i]) && !util::is_control(text[i])) {
+            result += text[i];
+        } else if (i > 0 && !util::is_space(text[i - 1])) {
+            result += ' ';
+        }
+    }
+    return result;
+}
+
+std::uint32_t plain_hash(const std::string& text) {
+    auto h = static_cast<std::uint32_t>(text.size());
+    for (std::size_t i = 0; i < text.size(); i += 4) {
+        const std::size_t n = std::min<std::size_t>(4, text.size() - i);
+        std::uint32_t word = 0;
+        for (std::size_t k = 0; k < n; ++k) {
+            const auto byte = static_cast<signed char>(text[i + k]);
+            if (n == 4) {
+                word |= std::uint32_t{static_cast<unsigned char>(byte)} << (8 * k);
+            } else {
+                word = word << 8 | static_cast<std::uint32_t>(std::int32_t{byte});
+            }
+        }
+        h = (h << 5 | h >> 27) ^ word;
+    }
+    return h;
+}
+
+void check_split(const std::string& bytes, const std::string& separators) {
+    const String subject(bytes);
+    const Fields filled = plain_split(bytes, separators, true);
+    require(subject.split(separators, true) == filled, "split gives the filled fields");
+    if (bytes.empty() || !filled.empty()) {
+        require(subject.split(separators, false) == plain_split(bytes, separators, false),
+                "split gives all fields");
+        return;
+    }
+    try {
+        subject.split(separators, false);
+        require(false, "only separators raise");
+    } catch (const std::bad_alloc&) {
+    }
+}
+
+void check_split_by_tag(const std::string& bytes, const std::string& tag) {
+    std::string joined;
+    const Fields pieces = String(bytes).split_by_tag(tag);
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        require(tag.empty() || pieces[i].str().find(tag) == std::string::npos, "no tag in a piece");
+        joined += (i > 0 ? tag : "") + pieces[i].str();
+    }
+    require(joined == bytes || joined + tag == bytes, "pieces and tags are the text");
+}
+
+void check_trim(const std::string& bytes, const std::string& set) {
+    const std::string members = up_to_nul(set) + '\0';
+    std::string expected = bytes;
+    while (!expected.empty() && is_in(expected.back(), members)) expected.pop_back();
+    while (!expected.empty() && is_in(expected.front(), members)) expected.erase(0, 1);
+    require(String(bytes).trim(set.c_str()).str() == expected, "trim");
+}
+
+}  // namespace
+
+void text(std::string_view input) {
+    Parameters parameters(input);
+    const std::string few = parameters.short_text();
+    const std::string bytes = parameters.rest();
+
+    check_split(bytes, few);
+    check_split_by_tag(bytes, few);
+    check_trim(bytes, few);
+    require(String(bytes).hash() == plain_hash(bytes), "hash");
+    String squeezed(bytes);
+    require(squeezed.squeeze_spaces() == plain_squeeze(up_to_nul(bytes)), "squeeze_spaces");
+    require(String::format("%s", bytes.c_str()) == bytes.c_str(), "format copies");
+
+    const Fields fields = String(bytes).split("\n", true);
+    Fields expected;
+    for (const String& field : fields) {
+        for (const String& part : plain_split(up_to_nul(field.str()), "$", true)) {
+            expected.push_back(part);
+        }
+    }
+    require(deserializeStrArray(serializeStrArray(fields)) == expected, "string array");
+}
+
+}  // namespace util_fuzz
