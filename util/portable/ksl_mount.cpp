@@ -20,7 +20,7 @@ namespace {
 struct Free {
     void operator()(char* block) const { std::free(block); }
 };
-using RootList = std::unique_ptr<char, Free>;
+using RootList = std::unique_ptr<char[], Free>;
 
 // The drives' root paths, each ended by a NUL, the last followed by another; null on failure. The
 // list may grow between asking for its size and fetching it.
@@ -28,11 +28,14 @@ RootList root_list() {
     DWORD room = GetLogicalDriveStringsA(0, nullptr);
     if (room == 0) return nullptr;
     for (;;) {
-        RootList list(static_cast<char*>(std::calloc(room + 1, 1)));
+        RootList list(static_cast<char*>(std::malloc(std::size_t{room} + 2)));
         if (!list) return nullptr;
         const DWORD length = GetLogicalDriveStringsA(room, list.get());
         if (length == 0 && room > 1) return nullptr;  // 1 is the size of an empty list
-        if (length <= room) return list;
+        if (length <= room) {
+            list[length] = list[length + 1] = '\0';  // whatever the platform left out
+            return list;
+        }
         room = length + 1;
     }
 }

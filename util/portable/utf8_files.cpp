@@ -11,6 +11,7 @@
 #include <new>
 #include <string>
 
+#include "util/internal/kept_errors.h"
 #include "util/portable/stat_path.h"
 #include "util/portable/utf8.h"
 
@@ -18,9 +19,38 @@ static_assert(sizeof(std::uint64_t) == sizeof(ULARGE_INTEGER));
 
 namespace {
 
+// A path for the platform's wide calls. Neither a failed conversion nor giving the text back is
+// part of any report: the first leaves errno, the second errno and the last error as they were.
+class WidePath {
+  public:
+    explicit WidePath(const char* utf8) {
+        const int kept = errno;
+        m_valid = UTIL_Utf8ToWideChar(utf8, &m_text);
+        errno = kept;
+    }
+    ~WidePath() {
+        const util::KeptErrors kept;
+        m_text = _bstr_t();
+    }
+    WidePath(const WidePath&) = delete;
+    WidePath& operator=(const WidePath&) = delete;
+
+    explicit operator bool() const { return m_valid; }
+    operator const wchar_t*() const { return m_text; }
+
+  private:
+    _bstr_t m_text;
+    bool m_valid;
+};
+
 int invalid() {
     errno = EINVAL;
     return -1;
+}
+
+void* no_search() {
+    SetLastError(ERROR_INVALID_NAME);
+    return INVALID_HANDLE_VALUE;
 }
 
 // The found name in UTF-8 into the caller's buffer.
@@ -35,61 +65,56 @@ bool copy_name(const WIN32_FIND_DATAW& data, char* name) {
 }  // namespace
 
 int UTF8_open(const char* path, int flags, int mode) {
-    _bstr_t wide;
-    if (!UTIL_Utf8ToWideChar(path, &wide)) return invalid();
-    return _wopen(wide, flags, mode);
+    const WidePath wide(path);
+    return wide ? _wopen(wide, flags, mode) : invalid();
 }
 
 int UTF8_unlink(const char* path) {
-    _bstr_t wide;
-    return UTIL_Utf8ToWideChar(path, &wide) ? _wunlink(wide) : -1;
+    const WidePath wide(path);
+    return wide ? _wunlink(wide) : -1;
 }
 
 int UTF8_chdir(const char* path) {
-    _bstr_t wide;
-    return UTIL_Utf8ToWideChar(path, &wide) ? _wchdir(wide) : -1;
+    const WidePath wide(path);
+    return wide ? _wchdir(wide) : -1;
 }
 
 int UTF8_chmod(const char* path, int mode) {
-    _bstr_t wide;
-    return UTIL_Utf8ToWideChar(path, &wide) ? _wchmod(wide, mode) : -1;
+    const WidePath wide(path);
+    return wide ? _wchmod(wide, mode) : -1;
 }
 
 int UTF8_access(const char* path, int mode) {
-    _bstr_t wide;
-    if (!UTIL_Utf8ToWideChar(path, &wide)) return invalid();
-    return _waccess(wide, mode);
+    const WidePath wide(path);
+    return wide ? _waccess(wide, mode) : invalid();
 }
 
 int UTF8_mkdir(const char* path) {
-    _bstr_t wide;
-    if (!UTIL_Utf8ToWideChar(path, &wide) || !CreateDirectoryW(wide, nullptr)) return invalid();
-    return 0;
+    const WidePath wide(path);
+    return wide && CreateDirectoryW(wide, nullptr) ? 0 : invalid();
 }
 
 int UTF8_rmdir(const char* path) {
-    _bstr_t wide;
-    if (!UTIL_Utf8ToWideChar(path, &wide) || !RemoveDirectoryW(wide)) return invalid();
-    return 0;
+    const WidePath wide(path);
+    return wide && RemoveDirectoryW(wide) ? 0 : invalid();
 }
 
 int UTF8_lstat(const char* path, struct _stat64i32* record) {
     if (!path || !record) return invalid();
-    _bstr_t wide;
+    std::string changed;
     try {
-        std::string changed;
         const std::string_view given(path);
         if (!given.empty() && given.back() == ':') {
             changed.append(given).append("\\");
         } else if (util::has_surplus_backslash(given)) {
             changed.append(given.substr(0, given.size() - 1));
         }
-        if (!UTIL_Utf8ToWideChar(changed.empty() ? path : changed.c_str(), &wide)) return -1;
     } catch (const std::bad_alloc&) {
         errno = ENOMEM;
         return -1;
     }
-    return _wstat64i32(wide, record);
+    const WidePath wide(changed.empty() ? path : changed.c_str());
+    return wide ? _wstat64i32(wide, record) : -1;
 }
 
 int UTF8_stat(const char* path, struct _stat64i32* record) {
@@ -97,39 +122,36 @@ int UTF8_stat(const char* path, struct _stat64i32* record) {
 }
 
 void* UTF8_FindFirstFile(const char* path, struct _WIN32_FIND_DATAW* data, char* name) {
-    _bstr_t wide;
-    if (!UTIL_Utf8ToWideChar(path, &wide)) {
-        SetLastError(ERROR_INVALID_NAME);
-        return INVALID_HANDLE_VALUE;
-    }
+    const WidePath wide(path);
+    if (!wide || !data) return no_search();
     const HANDLE search = FindFirstFileW(wide, data);
     if (search != INVALID_HANDLE_VALUE && !copy_name(*data, name)) {
         FindClose(search);
-        SetLastError(ERROR_INVALID_NAME);
-        return INVALID_HANDLE_VALUE;
+        return no_search();
     }
     return search;
 }
 
 int UTF8_FindNextFile(void* handle, struct _WIN32_FIND_DATAW* data, char* name) {
-    if (!FindNextFileW(handle, data)) return 0;
-    if (copy_name(*data, name)) return 1;
+    if (data) {
+        if (!FindNextFileW(handle, data)) return 0;
+        if (copy_name(*data, name)) return 1;
+    }
     SetLastError(ERROR_INVALID_NAME);
     return 0;
 }
 
 int UTF8_GetDiskFreeSpaceEx(const char* path, std::uint64_t* available, std::uint64_t* total,
                             std::uint64_t* free) {
-    _bstr_t wide;
-    if (!UTIL_Utf8ToWideChar(path, &wide)) return 0;
+    const WidePath wide(path);
+    if (!wide) return 0;
     return GetDiskFreeSpaceExW(wide, reinterpret_cast<ULARGE_INTEGER*>(available),
                                reinterpret_cast<ULARGE_INTEGER*>(total),
                                reinterpret_cast<ULARGE_INTEGER*>(free));
 }
 
 int UTF8_CopyFile(const char* source, const char* destination, int failIfExists) {
-    _bstr_t from;
-    _bstr_t to;
-    if (!UTIL_Utf8ToWideChar(source, &from) || !UTIL_Utf8ToWideChar(destination, &to)) return 0;
-    return CopyFileW(from, to, failIfExists);
+    const WidePath from(source);
+    const WidePath to(destination);
+    return from && to ? CopyFileW(from, to, failIfExists) : 0;
 }

@@ -3,7 +3,7 @@
 //
 // Any thread may call them; they share nothing. Paths end at their NUL; a null path is a path that
 // cannot be converted. When memory for the wide path runs out they raise the platform's _com_error,
-// as UTIL_Utf8ToWideChar does. A record or data pointer must not be null unless said otherwise.
+// as UTIL_Utf8ToWideChar does.
 #ifndef UTIL_PORTABLE_UTF8_FILES_H
 #define UTIL_PORTABLE_UTF8_FILES_H
 
@@ -50,11 +50,11 @@ UTIL_API int UTF8_stat(const char* path, struct _stat64i32* record);
 // the platform's last error. data receives the platform's record as it is; name the found file's
 // name in UTF-8 with its NUL. The platform's names have up to 259 units, so name needs room for
 // 778 bytes; it may be null when the name is not wanted. When the path or the name cannot be
-// converted nothing stays open and the last error is 123.
+// converted, or data is null, nothing stays open and the last error is 123.
 UTIL_API void* UTF8_FindFirstFile(const char* path, struct _WIN32_FIND_DATAW* data, char* name);
 
 // FindNextFileW on such a handle: 1 with data and name filled, or 0, at the end with last error 18;
-// 123 when the name cannot be converted. The handle stays open in either case.
+// 123 when the name cannot be converted or data is null. The handle stays open in either case.
 UTIL_API int UTF8_FindNextFile(void* handle, struct _WIN32_FIND_DATAW* data, char* name);
 
 // GetDiskFreeSpaceExW, in bytes: free for the caller, in total, and free in total; any of the three
