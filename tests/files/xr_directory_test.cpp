@@ -54,11 +54,11 @@ class XrDirectoryTest : public testing::Test {
 };
 
 TEST_F(XrDirectoryTest, ListsSortedByNameAndHidesDotNames) {
-    m_scratch.write("b", "12345");
-    m_scratch.write(".hidden", "");
-    m_scratch.write("A", "");
-    m_scratch.write("gr\xC3\xBC\xC3\x9F\xE6\x96\x87\xF0\x9F\x98\x80", "");
-    m_scratch.make_directory("sub");
+    m_scratch.file("b", "12345");
+    m_scratch.file(".hidden", "");
+    m_scratch.file("A", "");
+    m_scratch.file("gr\xC3\xBC\xC3\x9F\xE6\x96\x87\xF0\x9F\x98\x80", "");
+    m_scratch.directory("sub");
     const Names visible = {"A", "b", "gr\xC3\xBC\xC3\x9F\xE6\x96\x87\xF0\x9F\x98\x80", "sub"};
     for (const char* ending : {"", "\\", "/"}) {
         XrDirectory directory(m_scratch.path() + ending);
@@ -78,11 +78,11 @@ TEST_F(XrDirectoryTest, ListsSortedByNameAndHidesDotNames) {
 }
 
 TEST_F(XrDirectoryTest, ListingIsKeptAndRefreshAddsToIt) {
-    m_scratch.write("a", "");
-    m_scratch.write("b", "");
+    m_scratch.file("a", "");
+    m_scratch.file("b", "");
     XrDirectory directory(m_scratch.path());
     auto* list = directory.getDirectoryList(false, false);
-    m_scratch.write("c", "");
+    m_scratch.file("c", "");
     EXPECT_EQ(directory.getDirectoryList(true, false), list);
     EXPECT_EQ(names(directory), (Names{"a", "b"})) << "the disk is not looked at again";
     EXPECT_EQ(names(directory, false, true), (Names{"a", "a", "b", "b", "c"}));
@@ -94,7 +94,7 @@ TEST_F(XrDirectoryTest, ListingIsKeptAndRefreshAddsToIt) {
     EXPECT_EQ(copy.getDirectoryList(false, false), directory.getDirectoryList(false, false));
     const std::unique_ptr<XrDirectory::List> dropped(copy.getDirectoryList(false, false));
     copy.init("");
-    directory.init(m_scratch.path("a"));
+    directory.init(m_scratch / "a");
     EXPECT_FALSE(directory.isValid()) << "a file";
     EXPECT_TRUE(copy.isValid()) << "the list of drives";
     EXPECT_EQ(dropped->size(), 3u) << "init drops the listing without freeing it";
@@ -104,24 +104,24 @@ TEST_F(XrDirectoryTest, ListingIsKeptAndRefreshAddsToIt) {
 TEST_F(XrDirectoryTest, EntriesCarryTheStatusOfEachFile) {
     for (const char* name : {"plain", "tool.exe", "TOOL2.ExE", "a.bat", "b.cmd", "c.com", "d.txt",
                              "e.", ".exe", "x.exe.txt", "two.dots.com"}) {
-        m_scratch.write(name, std::string(name) + "!");
+        m_scratch.file(name, std::string(name) + "!");
     }
-    SetFileAttributesA(m_scratch.write("read-only", "x").c_str(), FILE_ATTRIBUTE_READONLY);
-    SetFileAttributesA(m_scratch.write("hidden.exe", "x").c_str(), FILE_ATTRIBUTE_HIDDEN);
-    m_scratch.make_directory("directory");
-    SetFileAttributesA(m_scratch.make_directory("read-only directory").c_str(),
+    SetFileAttributesA(m_scratch.file("read-only", "x").c_str(), FILE_ATTRIBUTE_READONLY);
+    SetFileAttributesA(m_scratch.file("hidden.exe", "x").c_str(), FILE_ATTRIBUTE_HIDDEN);
+    m_scratch.directory("directory");
+    SetFileAttributesA(m_scratch.directory("read-only directory").c_str(),
                        FILE_ATTRIBUTE_READONLY);
     XrDirectory directory(m_scratch.path());
     int compared = 0;
     for (const XrDirectoryEntry* entry : *directory.getDirectoryList(true, false)) {
         struct _stat64i32 record;
-        ASSERT_EQ(UTF8_stat(m_scratch.path(entry->str()).c_str(), &record), 0) << *entry;
+        ASSERT_EQ(UTF8_stat((m_scratch / entry->str()).c_str(), &record), 0) << *entry;
         EXPECT_EQ(entry->getMode(), record.st_mode) << *entry;
         EXPECT_EQ(entry->getSize(), record.st_size) << *entry;
         ++compared;
     }
     EXPECT_EQ(compared, 15);
-    SetFileAttributesA(m_scratch.path("read-only directory").c_str(), FILE_ATTRIBUTE_NORMAL);
+    SetFileAttributesA((m_scratch / "read-only directory").c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
 BOOL WINAPI reparse_point(HANDLE search, WIN32_FIND_DATAW* data) {
@@ -136,7 +136,7 @@ int failing_stat(const wchar_t*, void*) {
 }
 
 TEST_F(XrDirectoryTest, LinksGetTheStatusCallAndAFailedOneGivesZeros) {
-    m_scratch.write("a", "12345");
+    m_scratch.file("a", "12345");
     const ImportPatch patch("FindNextFileW", reparse_point);
     XrDirectory directory(m_scratch.path());
     EXPECT_EQ((*directory.getDirectoryList(false, false))[0]->getSize(), 5);
@@ -176,12 +176,12 @@ TEST(XrDirectoryRootsTest, DrivesAreTrimmedAndNeverReadPastTheBuffer) {
 }
 
 TEST_F(XrDirectoryTest, UnreadableDirectoriesSaySoOnStandardOutput) {
-    XrDirectory missing(m_scratch.path("missing"));
+    XrDirectory missing(m_scratch / "missing");
     EXPECT_FALSE(missing.isValid());
     testing::internal::CaptureStdout();
     EXPECT_EQ(missing.getDirectoryList(false, false)->size(), 0u);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "Failed to open directory: " + m_scratch.path("missing") + "\n");
+              "Failed to open directory: " + m_scratch / "missing" + "\n");
 }
 
 int allocations_left;
@@ -192,7 +192,7 @@ void* counted_new(size_t size) {
 
 TEST_F(XrDirectoryTest, ListingGivesEverythingBackWhenMemoryRunsOut) {
     for (const char* name : {"a", "b", "c"})
-        m_scratch.write(name, "");
+        m_scratch.file(name, "");
     XrDirectory directory(m_scratch.path());
     long handles[2];
     for (long& count : handles) {  // the runtime keeps handles from the first exception on
@@ -218,12 +218,12 @@ TEST_F(XrDirectoryTest, ListingGivesEverythingBackWhenMemoryRunsOut) {
 }
 
 TEST_F(XrDirectoryTest, AnswersAboutPaths) {
-    m_scratch.write("file", "");
+    m_scratch.file("file", "");
     EXPECT_TRUE(XrDirectory::IsDirectory(m_scratch.path()));
     EXPECT_TRUE(XrDirectory::IsDirectory(m_scratch.path() + "\\"));
     EXPECT_TRUE(XrDirectory::IsDirectory("C:"));
-    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch.path("file")));
-    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch.path("missing")));
+    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch / "file"));
+    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch / "missing"));
     EXPECT_FALSE(XrDirectory::IsDirectory(""));
 
     double kilobytes = -1;
@@ -231,22 +231,22 @@ TEST_F(XrDirectoryTest, AnswersAboutPaths) {
     std::uint64_t available = 0;
     UTF8_GetDiskFreeSpaceEx(m_scratch.path().c_str(), &available, nullptr, nullptr);
     EXPECT_NEAR(kilobytes, static_cast<double>(available) / 1024, kilobytes / 100);
-    EXPECT_EQ(XrDirectory(m_scratch.path("missing")).getFreeSpace(&kilobytes), -1);
+    EXPECT_EQ(XrDirectory(m_scratch / "missing").getFreeSpace(&kilobytes), -1);
     EXPECT_EQ(kilobytes, 0);
 
-    EXPECT_EQ(XrDirectory::CreateDirectoryA(m_scratch.path("new").c_str()), 0);
-    EXPECT_EQ(XrDirectory::CreateDirectoryA(String(m_scratch.path("new"))), 0);
-    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch.path("new"))) << "creates nothing";
+    EXPECT_EQ(XrDirectory::CreateDirectoryA((m_scratch / "new").c_str()), 0);
+    EXPECT_EQ(XrDirectory::CreateDirectoryA(String(m_scratch / "new")), 0);
+    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch / "new")) << "creates nothing";
 }
 
 TEST_F(XrDirectoryTest, DeletesOneEmptyDirectory) {
     EXPECT_EQ(XrDirectory::DeleteDirectory(static_cast<const char*>(nullptr)), 22);
     EXPECT_EQ(XrDirectory::DeleteDirectory(""), 22);
     EXPECT_EQ(errno, 22);
-    m_scratch.make_directory("full\\\xC3\xBC");
-    EXPECT_EQ(XrDirectory::DeleteDirectory(m_scratch.path("full").c_str()), 22) << "not empty";
-    EXPECT_EQ(XrDirectory::DeleteDirectory(String(m_scratch.path("full\\\xC3\xBC"))), 0);
-    EXPECT_EQ(XrDirectory::DeleteDirectory(m_scratch.path("full").c_str()), 0);
+    m_scratch.directory("full\\\xC3\xBC");
+    EXPECT_EQ(XrDirectory::DeleteDirectory((m_scratch / "full").c_str()), 22) << "not empty";
+    EXPECT_EQ(XrDirectory::DeleteDirectory(String(m_scratch / "full\\\xC3\xBC")), 0);
+    EXPECT_EQ(XrDirectory::DeleteDirectory((m_scratch / "full").c_str()), 0);
 }
 
 std::vector<std::string> removals;
@@ -283,9 +283,9 @@ TEST_F(XrDirectoryTest, DeletesATreeUpwardCuttingAtTheFirstOccurrence) {
 }
 
 TEST_F(XrDirectoryTest, DeletesARealTree) {
-    const std::string keep = m_scratch.make_directory("keep");
-    m_scratch.write("keep\\file", "");
-    m_scratch.make_directory("keep\\t1\\t2");
+    const std::string keep = m_scratch.directory("keep");
+    m_scratch.file("keep\\file", "");
+    m_scratch.directory("keep\\t1\\t2");
     EXPECT_EQ(XrDirectory::DeleteDirectoryTree(String(keep + "\\t1\\t2")), 1)
         << "the drive's root cannot be removed";
     EXPECT_FALSE(XrDirectory::IsDirectory(keep + "\\t1"));

@@ -90,7 +90,7 @@ TEST_F(XrFileTest, ModeLettersGiveTheRuntimesFlags) {
     };
     const ImportPatch patch("_wopen", recording_open);
     for (const auto& c : cases) {
-        const std::string path = m_scratch.write("file", "");
+        const std::string path = m_scratch.file("file", "");
         XrFile file;
         open_arguments.clear();
         EXPECT_EQ(file.Open(path, c.mode), 0) << (c.mode ? c.mode : "null");
@@ -102,11 +102,11 @@ TEST_F(XrFileTest, ModeLettersGiveTheRuntimesFlags) {
 
 TEST_F(XrFileTest, NullModeKeepsTheRecordSetting) {
     XrFile file;
-    ASSERT_EQ(file.Open(m_scratch.write("t", ""), "rt"), 0);
+    ASSERT_EQ(file.Open(m_scratch.file("t", ""), "rt"), 0);
     ASSERT_EQ(file.Open(nullptr), 0);
     file << 42;
     EXPECT_EQ(m_scratch.read("t"), "42") << "text, as set before";
-    ASSERT_EQ(file.Open(m_scratch.path("new"), nullptr), 0) << "creates";
+    ASSERT_EQ(file.Open(m_scratch / "new", nullptr), 0) << "creates";
     ASSERT_EQ(file.Open("r"), 0);
     ASSERT_EQ(file.Open(nullptr), 0);
     file << 42;
@@ -114,7 +114,7 @@ TEST_F(XrFileTest, NullModeKeepsTheRecordSetting) {
 }
 
 TEST_F(XrFileTest, FailedOpensAreRecorded) {
-    const std::string missing = m_scratch.path("missing");
+    const std::string missing = m_scratch / "missing";
     XrFile file(missing.c_str(), "r");
     EXPECT_FALSE(file.isValid());
     EXPECT_TRUE(file.Error());
@@ -152,7 +152,7 @@ TEST_F(XrFileTest, OpensAreTriedSevenTimesWhenHandlesRunOut) {
 // -----------------------------------------------------------------------
 
 TEST_F(XrFileTest, EveryPathGivesTheDescriptorBack) {
-    const std::string path = m_scratch.write("f", "text");
+    const std::string path = m_scratch.file("f", "text");
     XrFile warm_up(path.c_str(), "r");
     warm_up.Close();
     const auto before = util_test::handle_count();
@@ -172,7 +172,7 @@ TEST_F(XrFileTest, EveryPathGivesTheDescriptorBack) {
 }
 
 TEST_F(XrFileTest, CopyingSharesAssigningDuplicates) {
-    XrFile file(m_scratch.write("f", "0123456789").c_str(), "r");
+    XrFile file(m_scratch.file("f", "0123456789").c_str(), "r");
     char byte;
 
     XrFile assigned;
@@ -188,13 +188,13 @@ TEST_F(XrFileTest, CopyingSharesAssigningDuplicates) {
 }
 
 TEST_F(XrFileTest, AssigningKeepsTheTargetsRecordSettingAndRecordsFailure) {
-    XrFile text(m_scratch.write("t", "").c_str(), "rt");
-    XrFile binary(m_scratch.path("b").c_str(), "w");
+    XrFile text(m_scratch.file("t", "").c_str(), "rt");
+    XrFile binary((m_scratch / "b").c_str(), "w");
     text = binary;
     text << 7;
     EXPECT_EQ(m_scratch.read("b"), "7") << "text, on the binary file's descriptor";
 
-    XrFile target(m_scratch.path("b").c_str(), "r");
+    XrFile target((m_scratch / "b").c_str(), "r");
     const XrFile closed;
     target = closed;
     EXPECT_TRUE(target.Error());
@@ -203,7 +203,7 @@ TEST_F(XrFileTest, AssigningKeepsTheTargetsRecordSettingAndRecordsFailure) {
 }
 
 TEST_F(XrFileTest, FailedCloseIsRecordedAndClosesTheObject) {
-    XrFile file(m_scratch.write("f", "x").c_str(), "r");
+    XrFile file(m_scratch.file("f", "x").c_str(), "r");
     const int fd = _dup(0);  // any call shows which number is free next
     _close(fd);
     {
@@ -240,7 +240,7 @@ TEST_F(XrFileTest, TransfersFollowTheRetryRule) {
         {"interrupted six times", {6, interrupted}, false, EINTR, 6},
         {"interrupted, then nothing", {interrupted, {0, 0}}, false, 77, 2},
     };
-    XrFile file(m_scratch.path("f").c_str(), "w");
+    XrFile file((m_scratch / "f").c_str(), "w");
     char buffer[20] = {};
     for (const char* name : {"_read", "_write"}) {
         const ImportPatch patch(name, scripted);
@@ -260,7 +260,7 @@ TEST_F(XrFileTest, TransfersFollowTheRetryRule) {
 }
 
 TEST_F(XrFileTest, ReadsAndWritesBlocks) {
-    XrFile file(m_scratch.path("f").c_str(), "w+");
+    XrFile file((m_scratch / "f").c_str(), "w+");
     EXPECT_TRUE(file.Write("a\r\n\0b", 5));
     EXPECT_TRUE(file.SeekToBegin());
     char buffer[10] = "#########";
@@ -279,7 +279,7 @@ TEST_F(XrFileTest, ReadsAndWritesBlocks) {
 // ----------------------------------------------------------------------------------------
 
 TEST_F(XrFileTest, ReadsLinesExactlyToTheirEnd) {
-    XrFile file(m_scratch.write("f", "one\r\n\ntwelve chars\nlast").c_str(), "r");
+    XrFile file(m_scratch.file("f", "one\r\n\ntwelve chars\nlast").c_str(), "r");
     char buffer[32];
     const struct {
         size_t size;
@@ -314,7 +314,7 @@ TEST_F(XrFileTest, ReadingAheadEqualsReadingByteByByte) {
         content += '\n';
     }
     content += "no line feed";
-    const std::string path = m_scratch.write("f", content);
+    const std::string path = m_scratch.file("f", content);
     XrFile ahead(path.c_str(), "r");
     XrFile sharing;
     sharing = ahead;
@@ -346,7 +346,7 @@ int locked_read(int fd, void* buffer, unsigned count) {
 }
 
 TEST_F(XrFileTest, ReadsALineBeforeALockedRange) {
-    XrFile file(m_scratch.write("f", "line\nlocked").c_str(), "r");
+    XrFile file(m_scratch.file("f", "line\nlocked").c_str(), "r");
     const ImportPatch patch("_read", locked_read);
     char buffer[16];
     EXPECT_TRUE(file.Readln(buffer, sizeof buffer));
@@ -370,7 +370,7 @@ TEST_F(XrFileTest, ReadsLinesFromAPipeAndThroughTranslation) {
     EXPECT_EQ(std::string(buffer, 7), "second\n");
     CloseHandle(pipe);
 
-    XrFile text(m_scratch.write("t", "a\r\nb\r\n").c_str(), "rt");
+    XrFile text(m_scratch.file("t", "a\r\nb\r\n").c_str(), "rt");
     EXPECT_TRUE(text.Readln(buffer, sizeof buffer));
     EXPECT_EQ(std::string(buffer, 2), "a\n");
     EXPECT_EQ(text.Tell(), 3);
@@ -380,7 +380,7 @@ TEST_F(XrFileTest, ReadsLinesFromAPipeAndThroughTranslation) {
 // ---------------------------------------------------------------------------
 
 TEST_F(XrFileTest, TellsSizeTimeAndPosition) {
-    const std::string path = m_scratch.write("f", "0123456789");
+    const std::string path = m_scratch.file("f", "0123456789");
     XrFile file(path.c_str(), "r");
     EXPECT_EQ(file.Size(), 10);
     EXPECT_NEAR(static_cast<double>(file.LastModified()), static_cast<double>(time(nullptr)), 60);
@@ -394,8 +394,8 @@ TEST_F(XrFileTest, TellsSizeTimeAndPosition) {
     EXPECT_EQ(file.Tell(), 0) << "IsEmpty goes to the start";
     EXPECT_TRUE(file.Exists());
     EXPECT_TRUE(XrFile::Exists(path, 4));
-    EXPECT_FALSE(XrFile::Exists(m_scratch.path("missing"), 0));
-    EXPECT_TRUE(XrFile(m_scratch.write("empty", "").c_str(), "r").IsEmpty());
+    EXPECT_FALSE(XrFile::Exists(m_scratch / "missing", 0));
+    EXPECT_TRUE(XrFile(m_scratch.file("empty", "").c_str(), "r").IsEmpty());
 
     EXPECT_EQ(file.Flush(), 0);
     EXPECT_EQ(file.Size(), 10);
@@ -448,7 +448,7 @@ TEST_F(XrFileTest, ClosedObjectsFailInTheirTwoStyles) {
         {"Size", [](XrFile& f) { return f.Size() == 0 && !f.Error(); }, true, true},
     };
     for (const auto& c : cases) {
-        XrFile file(m_scratch.write("f", "x").c_str(), "r+");
+        XrFile file(m_scratch.file("f", "x").c_str(), "r+");
         XrFile(file).Close();  // closes the shared descriptor behind the object's back
         EXPECT_EQ(c.call(file), c.result) << c.what;
         EXPECT_EQ(file.isValid(), c.stays_valid) << c.what;
@@ -483,7 +483,7 @@ TEST_F(XrFileTest, WritesRecordsByteForByte) {
         file << 42 << -7L << static_cast<unsigned short>(65535) << "ab" << with_nul
              << String(with_nul);
     };
-    XrFile binary(m_scratch.path("b").c_str(), "w");
+    XrFile binary((m_scratch / "b").c_str(), "w");
     write_all(binary);
     binary << static_cast<const char*>(nullptr) << INT_MIN;
     EXPECT_FALSE(binary.Error());
@@ -495,7 +495,7 @@ TEST_F(XrFileTest, WritesRecordsByteForByte) {
               "2\0a\0"
               "1\0\0"
               "-2147483648\0"s);
-    XrFile text(m_scratch.path("t").c_str(), "wt");
+    XrFile text((m_scratch / "t").c_str(), "wt");
     write_all(text);
     EXPECT_FALSE(text.Error());
     EXPECT_EQ(m_scratch.read("t"), "42-765535aba\0ba"s);
@@ -504,7 +504,7 @@ TEST_F(XrFileTest, WritesRecordsByteForByte) {
 }
 
 TEST_F(XrFileTest, ReadsBackWhatItWrote) {
-    XrFile file(m_scratch.path("f").c_str(), "w+");
+    XrFile file((m_scratch / "f").c_str(), "w+");
     const std::string long_text(100000, 'x');
     file << 42 << "ab" << long_text << -5L << static_cast<unsigned short>(7) << "" << 1;
     file.SeekToBegin();
@@ -542,7 +542,7 @@ TEST_F(XrFileTest, DamagedNumbersAreReadAsAtoiDoesOrFail) {
         {std::string(100000, '0') + "7\0"s, true, 7, 100002},
     };
     for (const auto& c : cases) {
-        XrFile file(m_scratch.write("f", c.bytes).c_str(), "r");
+        XrFile file(m_scratch.file("f", c.bytes).c_str(), "r");
         int value = 99;
         file >> value;
         EXPECT_EQ(!file.Error(), c.done) << c.bytes.substr(0, 20);
@@ -550,7 +550,7 @@ TEST_F(XrFileTest, DamagedNumbersAreReadAsAtoiDoesOrFail) {
         EXPECT_EQ(file.Tell(), c.position) << c.bytes.substr(0, 20);
         EXPECT_TRUE(file.isValid());
     }
-    XrFile file(m_scratch.write("f", "65537\0"s).c_str(), "r");
+    XrFile file(m_scratch.file("f", "65537\0"s).c_str(), "r");
     unsigned short narrow = 0;
     file >> narrow;
     EXPECT_EQ(narrow, 1) << "cut to 16 bits";
@@ -576,7 +576,7 @@ TEST_F(XrFileTest, DamagedTextsAreBoundedOrFail) {
         {"3"s, false, "old", -1, false},
     };
     for (const auto& c : cases) {
-        XrFile file(m_scratch.write("f", c.bytes).c_str(), "r");
+        XrFile file(m_scratch.file("f", c.bytes).c_str(), "r");
         std::string value = "old";
         file >> value;
         EXPECT_EQ(!file.Error(), c.done) << testing::PrintToString(c.bytes);
@@ -585,7 +585,7 @@ TEST_F(XrFileTest, DamagedTextsAreBoundedOrFail) {
         EXPECT_EQ(file.isValid(), c.valid) << testing::PrintToString(c.bytes);
     }
     for (const char* bytes : {"3\0", "2147483647\0"}) {
-        XrFile file(m_scratch.write("f", std::string(bytes) + '\0').c_str(), "r");
+        XrFile file(m_scratch.file("f", std::string(bytes) + '\0').c_str(), "r");
         String value = "old";
         file >> value;
         EXPECT_TRUE(file.Error()) << "nothing behind the length";
@@ -599,7 +599,7 @@ void* failing_new(size_t, const std::nothrow_t&) {
 }
 
 TEST_F(XrFileTest, TextThatCannotBeAllocatedIsTheDocumentedFailure) {
-    XrFile file(m_scratch.write("f", "3\0ab\0"s).c_str(), "r");
+    XrFile file(m_scratch.file("f", "3\0ab\0"s).c_str(), "r");
     std::string value = "old";
     const ImportPatch patch("_ZnayRKSt9nothrow_t", failing_new);
     file >> value;
@@ -617,7 +617,7 @@ TEST_F(XrFileTest, TextModeTakesUpTo256BytesAtOnce) {
         {std::string(300, 'x'), std::string(256, 'x')},
     };
     for (const auto& c : cases) {
-        XrFile file(m_scratch.write("t", c.bytes).c_str(), "rt");
+        XrFile file(m_scratch.file("t", c.bytes).c_str(), "rt");
         std::string value = "old";
         file >> value;
         EXPECT_EQ(value, c.value);

@@ -1,10 +1,8 @@
-// A directory of a test's own, gone with everything in it when the test ends.
+// A directory of its own for a test, gone with everything in it when the test ends. It makes its
+// calls itself, in wide characters, and owes nothing to the library under test.
 #ifndef UTIL_TESTS_SUPPORT_SCRATCH_DIRECTORY_H
 #define UTIL_TESTS_SUPPORT_SCRATCH_DIRECTORY_H
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -12,52 +10,112 @@
 
 namespace util_test {
 
+inline std::wstring to_wide(const std::string& utf8) {
+    std::wstring wide(utf8.size(), L'\0');
+    const int size = static_cast<int>(utf8.size());
+    const int units = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, wide.data(), size);
+    wide.resize(static_cast<std::size_t>(units));
+    return wide;
+}
+
 class ScratchDirectory {
   public:
+    // Below the temporary directory; the path is ASCII there and has no trailing backslash.
     ScratchDirectory() {
-        static int count = 0;
-        m_path =
-            std::filesystem::temp_directory_path() /
-            ("util-test-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count));
-        std::filesystem::create_directory(m_path);
-    }
-    ~ScratchDirectory() {
-        std::error_code ignored;
-        for (auto& entry : std::filesystem::recursive_directory_iterator(m_path, ignored)) {
-            SetFileAttributesW(entry.path().c_str(),
-                               FILE_ATTRIBUTE_NORMAL);  // read-only files stay
+        char temp[MAX_PATH];
+        const DWORD length = GetTempPathA(sizeof temp, temp);
+        if (length == 0 || length > sizeof temp) throw std::runtime_error("no temporary directory");
+        m_path = std::string(temp) + "util-" + std::to_string(GetCurrentProcessId()) + "-";
+        for (int tries = 0;; ++tries) {
+            const std::string path = m_path + std::to_string(tries);
+            if (CreateDirectoryA(path.c_str(), nullptr)) {
+                m_path = path;
+                return;
+            }
+            if (GetLastError() != ERROR_ALREADY_EXISTS) throw std::runtime_error(path);
         }
-        std::filesystem::remove_all(m_path, ignored);
+    }
+
+    // A current directory inside would keep it from going, so the process leaves it first.
+    ~ScratchDirectory() {
+        SetCurrentDirectoryA("C:\\");
+        remove(extended(m_path));
     }
     ScratchDirectory(const ScratchDirectory&) = delete;
     ScratchDirectory& operator=(const ScratchDirectory&) = delete;
 
-    // Absolute, UTF-8, backslashes, no trailing one.
-    std::string path() const { return m_path.u8string(); }
-    // The path of a UTF-8 name in here; nothing is created.
-    std::string path(const std::string& name) const { return path() + "\\" + name; }
+    const std::string& path() const { return m_path; }
 
-    // Creates the file with these bytes and returns its path.
-    std::string write(const std::string& name, const std::string& bytes) const {
-        std::ofstream file(std::filesystem::u8path(path(name)), std::ios::binary);
-        file << bytes;
-        if (!file.flush()) throw std::runtime_error("cannot write " + name);
-        return path(name);
+    // The UTF-8 path of name in here; nothing is created.
+    std::string operator/(const std::string& name) const { return m_path + "\\" + name; }
+
+    // Creates a directory with its parents, or a file with that content in place of any that
+    // stood there; returns its path.
+    std::string directory(const std::string& name) const {
+        const std::string path = *this / name;
+        for (std::size_t end = m_path.size(); end != std::string::npos;) {
+            end = path.find('\\', end + 1);
+            CreateDirectoryW(extended(path.substr(0, end)).c_str(), nullptr);
+        }
+        if (GetFileAttributesW(extended(path).c_str()) == INVALID_FILE_ATTRIBUTES)
+            throw std::runtime_error(path);
+        return path;
     }
+    std::string file(const std::string& name, const std::string& content = "") const {
+        const std::string path = *this / name;
+        const HANDLE made = CreateFileW(extended(path).c_str(), GENERIC_WRITE, 0, nullptr,
+                                        CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        DWORD written = 0;
+        const bool complete =
+            WriteFile(made, content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
+        CloseHandle(made);
+        if (!complete) throw std::runtime_error(path);
+        return path;
+    }
+
     // Every byte of a file in here.
     std::string read(const std::string& name) const {
-        std::ifstream file(std::filesystem::u8path(path(name)), std::ios::binary);
-        if (!file) throw std::runtime_error("cannot read " + name);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-    // Creates the directory and its parents and returns its path.
-    std::string make_directory(const std::string& name) const {
-        std::filesystem::create_directories(std::filesystem::u8path(path(name)));
-        return path(name);
+        const std::string path = *this / name;
+        const HANDLE file = CreateFileW(extended(path).c_str(), GENERIC_READ,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                        nullptr, OPEN_EXISTING, 0, nullptr);
+        if (file == INVALID_HANDLE_VALUE) throw std::runtime_error(path);
+        std::string content;
+        char chunk[4096];
+        for (DWORD size = 0; ReadFile(file, chunk, sizeof chunk, &size, nullptr) && size > 0;)
+            content.append(chunk, size);
+        CloseHandle(file);
+        return content;
     }
 
   private:
-    std::filesystem::path m_path;
+    // The form that has no limit of length.
+    static std::wstring extended(const std::string& path) { return L"\\\\?\\" + to_wide(path); }
+
+    // Links are removed, never followed.
+    static void remove(const std::wstring& path) {
+        const DWORD attributes = GetFileAttributesW(path.c_str());
+        if (attributes == INVALID_FILE_ATTRIBUTES) return;
+        SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+        if (!(attributes & FILE_ATTRIBUTE_DIRECTORY)) {
+            DeleteFileW(path.c_str());
+            return;
+        }
+        WIN32_FIND_DATAW entry;
+        HANDLE search = INVALID_HANDLE_VALUE;
+        if (!(attributes & FILE_ATTRIBUTE_REPARSE_POINT))
+            search = FindFirstFileW((path + L"\\*").c_str(), &entry);
+        if (search != INVALID_HANDLE_VALUE) {
+            do {
+                const std::wstring name = entry.cFileName;
+                if (name != L"." && name != L"..") remove(path + L"\\" + name);
+            } while (FindNextFileW(search, &entry));
+            FindClose(search);
+        }
+        RemoveDirectoryW(path.c_str());
+    }
+
+    std::string m_path;
 };
 
 }  // namespace util_test
