@@ -20,7 +20,7 @@ class ScopedHandle {
     ~ScopedHandle() { reset(); }
     ScopedHandle(ScopedHandle&& other) noexcept : m_handle(other.release()) {}
     ScopedHandle& operator=(ScopedHandle&& other) noexcept {
-        if (this != &other) reset(other.release());
+        reset(other.release());  // right for itself too: released first, then put back
         return *this;
     }
 
