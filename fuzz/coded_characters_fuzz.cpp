@@ -55,7 +55,8 @@ void coded_characters(std::string_view input) {
     const bool valid = plain_decode(coded, expected);
     const Block decoded = decode(coded, 1);
     require((decoded != nullptr) == valid, "only well-formed texts decode");
-    require(!valid || std::memcmp(decoded.get(), expected.data(), expected.size()) == 0, "decoding");
+    require(!valid || std::memcmp(decoded.get(), expected.data(), expected.size()) == 0,
+            "decoding");
 }
 
 }  // namespace util_fuzz

@@ -60,7 +60,9 @@ class Parameters {
     std::string_view m_rest;
 };
 
-inline std::string up_to_nul(const std::string& bytes) { return bytes.c_str(); }
+inline std::string up_to_nul(const std::string& bytes) {
+    return bytes.c_str();
+}
 
 }  // namespace util_fuzz
 

@@ -10,7 +10,9 @@ namespace {
 
 using Fields = std::vector<String>;
 
-bool is_in(char c, const std::string& set) { return set.find(c) != std::string::npos; }
+bool is_in(char c, const std::string& set) {
+    return set.find(c) != std::string::npos;
+}
 
 Fields plain_split(const std::string& text, const std::string& separators, bool skip_empty) {
     Fields fields;
@@ -85,8 +87,10 @@ void check_split_by_tag(const std::string& bytes, const std::string& tag) {
 void check_trim(const std::string& bytes, const std::string& set) {
     const std::string members = up_to_nul(set) + '\0';
     std::string expected = bytes;
-    while (!expected.empty() && is_in(expected.back(), members)) expected.pop_back();
-    while (!expected.empty() && is_in(expected.front(), members)) expected.erase(0, 1);
+    while (!expected.empty() && is_in(expected.back(), members))
+        expected.pop_back();
+    while (!expected.empty() && is_in(expected.front(), members))
+        expected.erase(0, 1);
     require(String(bytes).trim(set.c_str()).str() == expected, "trim");
 }
 

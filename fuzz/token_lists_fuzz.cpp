@@ -22,12 +22,16 @@ std::string folded(std::string s) {
 }
 
 std::string trimmed(std::string s) {
-    while (!s.empty() && util::is_space(s.back())) s.pop_back();
-    while (!s.empty() && util::is_space(s.front())) s.erase(0, 1);
+    while (!s.empty() && util::is_space(s.back()))
+        s.pop_back();
+    while (!s.empty() && util::is_space(s.front()))
+        s.erase(0, 1);
     return s;
 }
 
-int sign(int n) { return (n > 0) - (n < 0); }
+int sign(int n) {
+    return (n > 0) - (n < 0);
+}
 
 }  // namespace
 

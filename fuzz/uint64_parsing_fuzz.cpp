@@ -7,7 +7,9 @@
 namespace util_fuzz {
 namespace {
 
-std::uint64_t native(ksl_uint64_c v) { return std::uint64_t{v.hi()} << 32 | v.lo(); }
+std::uint64_t native(ksl_uint64_c v) {
+    return std::uint64_t{v.hi()} << 32 | v.lo();
+}
 
 ksl_uint64_c halves(std::uint64_t v) {
     return {static_cast<util::ulong32>(v), static_cast<util::ulong32>(v >> 32)};
@@ -82,8 +84,14 @@ void uint64_parsing(std::string_view input) {
     require(native(halves(a) * halves(b)) == a * b, "product");
     if (b != 0) require(native(halves(a) / halves(b)) == a / b, "quotient");
     const bool out = count >= 64 || count <= -64;
-    require(native(halves(a) << count) == (out ? 0 : count < 0 ? a >> -count : a << count), "shift");
-    require(native(halves(a) >> count) == (out ? 0 : count < 0 ? a << -count : a >> count), "shift");
+    require(native(halves(a) << count) == (out         ? 0
+                                           : count < 0 ? a >> -count
+                                                       : a << count),
+            "shift");
+    require(native(halves(a) >> count) == (out         ? 0
+                                           : count < 0 ? a << -count
+                                                       : a >> count),
+            "shift");
     require((halves(a) < halves(b)) == (a < b) && (halves(a) == halves(b)) == (a == b), "order");
 }
 

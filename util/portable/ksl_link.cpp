@@ -34,7 +34,7 @@ int ksl_lstat(const char* path, struct _stat64i32* record) {
     }
     const int size = static_cast<int>(used.size());
     wide[MultiByteToWideChar(CP_UTF8, 0, used.data(), size, wide, size)] = L'\0';
-    return _wstat64i32(wide, record);
+    return util::stat_wide(wide, record);
 }
 
 int ksl_stat(const char* path, struct _stat64i32* record) {

@@ -21,7 +21,8 @@ UTIL_EXTERN_C_BEGIN
 UTIL_API bool UTIL_WideCharToUtf8(const wchar_t* wide, String* out);
 
 // Wide to the process's ANSI code page; a character that the page lacks becomes the page's own
-// replacement, usually "?". True on success; false, with *out untouched, otherwise.
+// replacement, usually "?". True on success; false, with *out untouched, otherwise: also in a
+// process whose ANSI page is UTF-8, for which the platform refuses the flags of this conversion.
 //     UTIL_WcharToMultiByte(L"abc", &s)   // true, s is "abc"
 UTIL_API bool UTIL_WcharToMultiByte(const wchar_t* wide, String* out);
 

@@ -114,7 +114,7 @@ int UTF8_lstat(const char* path, struct _stat64i32* record) {
         return -1;
     }
     const WidePath wide(changed.empty() ? path : changed.c_str());
-    return wide ? _wstat64i32(wide, record) : -1;
+    return wide ? util::stat_wide(wide, record) : -1;
 }
 
 int UTF8_stat(const char* path, struct _stat64i32* record) {
