@@ -22,10 +22,10 @@
 // "invalid string position"; memory exhaustion raises std::bad_alloc. Null C strings are the empty
 // text everywhere.
 //
-// Embedded NULs, meant as they are: to_lower, to_upper, isAscii, squeeze_spaces, assignment and
-// appending work on the NUL-terminated view and drop what follows an embedded NUL. Construction
-// from a String, comparison, hash, trim, substr, first, last, prepend, split and hasUnprintable
-// work on the full stored length.
+// Embedded NULs, meant as they are: to_lower, to_upper, isAscii, squeeze_spaces, assignment,
+// appending, replacing a text, replaceXML and placeXML work on the NUL-terminated view and drop
+// what follows an embedded NUL. Construction from a String, comparison, hash, trim, substr, first,
+// last, prepend, split and hasUnprintable work on the full stored length.
 //
 //     String name = String("  Data01 ").trim(" ");   // "Data01"
 //     String line = String::format("%s: %d", (const char*)name, 7);   // "Data01: 7"
@@ -103,6 +103,32 @@ class UTIL_API String : public extstl::ExtString {
     // C string s; returns this object. pos beyond the length raises "invalid string position".
     String& replace(std::uint64_t pos, std::uint64_t n, const char* s, std::uint64_t len);
     String& replace(std::uint64_t pos, std::uint64_t n, const char* s);
+
+    // Put to in place of the text from, in this object and up to its first NUL: once, or wherever
+    // from occurs. What was put in is not searched again. Returns this object. A null to deletes. A
+    // null from changes nothing; an empty one is found in front with SCOPE_FIRST and changes
+    // nothing with SCOPE_ALL. The arguments may point into this object.
+    //
+    //     String s("a-b-c");
+    //     s.replace("-", "--", extstl::ExtString::SCOPE_ALL);   // s is "a--b--c"
+    String& replace(const char* from, const char* to, scopeType scope);
+
+    // The same with SCOPE_ALL on a copy; this object stays as it is. String("a-b").replace("-", "")
+    // is "ab".
+    String replace(const char* from, const char* to) const;
+
+    // Write & < > " ' as &amp; &lt; &gt; &quot; &apos; in this object, up to its first NUL, and
+    // return a copy. Meant as it is: double quotes around the whole of two bytes or more stay as
+    // they are, and a tab is not escaped, although placeXML reads "&#x9;".
+    //     String("a<b & 'c'>").replaceXML()   // a&lt;b &amp; &apos;c&apos;&gt;
+    //     String("\"x<y\"").replaceXML()      // "x&lt;y", with its quotes
+    String replaceXML();
+
+    // Read the five entities, and "&#x9;" as a tab, in this object, up to its first NUL, and return
+    // a copy. What was read is not read again: "&amp;lt;" gives "&lt;". Any other "&" stays. Double
+    // quotes around the whole stay. Meant as it is: a text of one double quote alone raises
+    // std::out_of_range "invalid string position" and becomes "".
+    String placeXML();
 
     // printf-style text. Directives and their reading are those of the platform's runtime library
     // (on Windows "%I64u" prints 64 bits). All callers share one buffer that grows to the longest

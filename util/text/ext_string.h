@@ -24,7 +24,7 @@ namespace extstl {
 class UTIL_API ExtString {
   public:
     // How many occurrences a search-and-replace touches; any value but 0 acts as SCOPE_ALL.
-    enum scopeType { SCOPE_FIRST = 0, SCOPE_ALL = 1 };
+    enum scopeType : int { SCOPE_FIRST = 0, SCOPE_ALL = 1 };
 
     // "Not found", and "to the end" as a length: all bits set.
     static const std::uint64_t npos = ~std::uint64_t{0};

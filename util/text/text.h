@@ -5,5 +5,6 @@
 #include "util/text/byte_string.h"
 #include "util/text/ext_string.h"
 #include "util/text/string_array.h"
+#include "util/text/xml_tags.h"
 
 #endif
