@@ -25,7 +25,7 @@
 // Embedded NULs, meant as they are: to_lower, to_upper, isAscii, squeeze_spaces, assignment,
 // appending, replacing a text, replaceXML and placeXML work on the NUL-terminated view and drop
 // what follows an embedded NUL. Construction from a String, comparison, hash, trim, substr, first,
-// last, prepend, split and hasUnprintable work on the full stored length.
+// last, prepend, split, hasUnprintable, and the version tests work on the full stored length.
 //
 //     String name = String("  Data01 ").trim(" ");   // "Data01"
 //     String line = String::format("%s: %d", (const char*)name, 7);   // "Data01: 7"
@@ -129,6 +129,15 @@ class UTIL_API String : public extstl::ExtString {
     // quotes around the whole stay. Meant as it is: a text of one double quote alone raises
     // std::out_of_range "invalid string position" and becomes "".
     String placeXML();
+
+    // Compare dotted version numbers. Components lie between dots, empty ones count for nothing,
+    // and missing ones are 0; each has the value of its first run of digits, or 0 without any, read
+    // as to_int does. All other text is passed over; this loose reading is meant. So "7.1" is
+    // greater than "7.0.9", and "V6.2.SP3", "6.2.3" and "6.2.3-beta.0" are equal. Nothing is
+    // raised.
+    bool isGreaterThanVersion(const String& other) const;
+    bool isLessThanVersion(const String& other) const;
+    bool isEqualToVersion(const String& other) const;
 
     // printf-style text. Directives and their reading are those of the platform's runtime library
     // (on Windows "%I64u" prints 64 bits). All callers share one buffer that grows to the longest
