@@ -1,22 +1,56 @@
-// The runtime's local-time conversion under one name on both platforms.
+// Not installed. The runtime's local-time conversions under one spelling. The native build answers
+// as the Windows runtime does, so that tests hold on both: times count from 1970 to the year 3000.
 #ifndef UTIL_INTERNAL_CALENDAR_H
 #define UTIL_INTERNAL_CALENDAR_H
 
+#include <cerrno>
 #include <cstdint>
 #include <ctime>
+#include <initializer_list>
 
 namespace util {
 
-// Seconds since 1970 to local broken-down time: 0, or 22 (EINVAL) for a time that the runtime
-// refuses, such as one before 1970.
-inline int local_time(std::int64_t t, std::tm* out) {
+// Seconds since 1970-01-01 00:00:00 UTC.
+inline std::int64_t current_time() {
 #ifdef _WIN32
-    return _localtime64_s(out, &t);
+    return _time64(nullptr);
 #else
-    constexpr int invalid = 22;
-    const std::time_t time = t;
-    return time >= 0 && localtime_r(&time, out) ? 0 : invalid;
+    return std::time(nullptr);
 #endif
+}
+
+// Local time of t. Returns 0, or an errno code: for a null record, and for a time out of range,
+// whose fields are all -1.
+inline int local_time(std::int64_t t, std::tm* fields) {
+    if (!fields) return EINVAL;
+#ifdef _WIN32
+    return _localtime64_s(fields, &t);
+#else
+    constexpr std::int64_t last = 32535215999;  // 3000-12-31 23:59:59 UTC
+    if (t >= 0 && t <= last && localtime_r(&t, fields)) return 0;
+    *fields = {};
+    for (int* field :
+         {&fields->tm_sec, &fields->tm_min, &fields->tm_hour, &fields->tm_mday, &fields->tm_mon,
+          &fields->tm_year, &fields->tm_wday, &fields->tm_yday, &fields->tm_isdst}) {
+        *field = -1;
+    }
+    return EINVAL;
+#endif
+}
+
+// The time of local fields, which are normalised; -1, with the fields left alone, when they form
+// none. Local times before 1970-01-01 00:00:00 UTC form none.
+inline std::int64_t make_time(std::tm* fields) {
+    std::tm normal = *fields;  // the runtime may stop half way
+#ifdef _WIN32
+    const std::int64_t t = _mktime64(&normal);
+#else
+    constexpr int last_year = 3000 - 1900;
+    std::int64_t t = std::mktime(&normal);
+    if (t < 0 || normal.tm_year > last_year) t = -1;
+#endif
+    if (t != -1) *fields = normal;
+    return t;
 }
 
 }  // namespace util

@@ -12,6 +12,10 @@
 #include "util/export.h"
 #include "util/text/ext_string.h"
 
+namespace extstl {
+class ExtTime;  // util/text/date.h
+}
+
 // File names, paths, messages, registry values: every text the library takes or returns. It is a
 // value: copies are independent and belong to whoever holds them.
 //
@@ -25,7 +29,8 @@
 // Embedded NULs, meant as they are: to_lower, to_upper, isAscii, squeeze_spaces, assignment,
 // appending, replacing a text, replaceXML and placeXML work on the NUL-terminated view and drop
 // what follows an embedded NUL. Construction from a String, comparison, hash, trim, substr, first,
-// last, prepend, split, hasUnprintable, and the version tests work on the full stored length.
+// last, prepend, split, hasUnprintable, the version tests and toDate work on the full stored
+// length.
 //
 //     String name = String("  Data01 ").trim(" ");   // "Data01"
 //     String line = String::format("%s: %d", (const char*)name, 7);   // "Data01: 7"
@@ -138,6 +143,14 @@ class UTIL_API String : public extstl::ExtString {
     bool isGreaterThanVersion(const String& other) const;
     bool isLessThanVersion(const String& other) const;
     bool isEqualToVersion(const String& other) const;
+
+    // The local time written here as year, month, day, hour, minute and perhaps second, between
+    // blanks, slashes or colons; include util/text/date.h to use it. A year below 100 means 20yy;
+    // the year always comes first. Fields out of range carry over, as for ExtDate. A third word of
+    // exactly three becomes the label, where "word" is what lies between blanks. With fewer than
+    // five fields, and on any failure, the result is the current time; nothing is raised.
+    //     String("2010/05/17 12:30:45 UTC").toDate()   // 17 May 2010, 12:30:45, label "UTC"
+    extstl::ExtTime toDate() const;
 
     // printf-style text. Directives and their reading are those of the platform's runtime library
     // (on Windows "%I64u" prints 64 bits). All callers share one buffer that grows to the longest
