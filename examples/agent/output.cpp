@@ -1,0 +1,84 @@
+#include "output.h"
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdio>
+#include <ctime>
+#include <iterator>
+
+// The program's only calls of the platform: what encoding a console takes is not the library's
+// business. Declared here, so that <windows.h> and its macros stay out.
+extern "C" __declspec(dllimport) unsigned int __stdcall GetConsoleOutputCP();
+extern "C" __declspec(dllimport) int __stdcall SetConsoleOutputCP(unsigned int page);
+
+namespace {
+
+constexpr unsigned int utf8_page = 65001;
+
+bool is_terminal(std::FILE* stream) {
+    return _isatty(_fileno(stream)) != 0;
+}
+
+// A line goes out in one piece: a console cannot put a character together from single bytes.
+void put_line(std::FILE* stream, const String& line) {
+    std::fputs(line + String::eol, stream);
+    if (stream == stderr || is_terminal(stream)) std::fflush(stream);
+}
+
+}  // namespace
+
+Output::Output() : m_console_page(GetConsoleOutputCP()) {
+    SetConsoleOutputCP(utf8_page);
+    for (std::FILE* stream : {stdout, stderr}) {
+        // The same bytes everywhere: lines end in a line feed, also in a file.
+        _setmode(_fileno(stream), _O_BINARY);
+        std::setvbuf(stream, nullptr, _IOFBF, 32 * 1024);
+    }
+}
+
+Output::~Output() {
+    std::fflush(stdout);
+    if (m_console_page != 0) SetConsoleOutputCP(m_console_page);
+}
+
+void print(const String& line) {
+    put_line(stdout, line);
+}
+void warn(const String& message) {
+    put_line(stderr, "agent: " + message);
+}
+
+String size_text(double bytes) {
+    const char* const units[] = {"B", "KB", "MB", "GB", "TB", "PB", "EB"};
+    const char* const* unit = units;
+    constexpr double rounds_up = 1023.95;  // would print as "1024.0"
+    for (; bytes >= rounds_up && unit != std::end(units) - 1; ++unit)
+        bytes /= 1024;
+    return String::format(unit == units ? "%.0f %s" : "%.1f %s", bytes, *unit);
+}
+
+String date_text(std::int64_t time) {
+    const std::time_t seconds = time;
+    const std::tm* local = std::localtime(&seconds);
+    if (!local) return "-                  ";
+    return String::format("%04d %02d %02d %02d:%02d:%02d", local->tm_year + 1900, local->tm_mon + 1,
+                          local->tm_mday, local->tm_hour, local->tm_min, local->tm_sec);
+}
+
+Progress::Progress() : m_on_terminal(is_terminal(stdout)) {}
+
+Progress::~Progress() {
+    if (!m_on_terminal) return;
+    std::printf("\r%40s\r", "");
+    std::fflush(stdout);
+}
+
+void Progress::show(std::uint64_t entries) {
+    if (!m_on_terminal) return;
+    const auto now = std::chrono::steady_clock::now();
+    if (now < m_next) return;
+    m_next = now + std::chrono::milliseconds(100);
+    std::printf("\r%s entries", std::to_string(entries).c_str());
+    std::fflush(stdout);
+}

@@ -1,0 +1,42 @@
+// What the user gets to see: texts for sizes and dates, warnings, progress.
+#ifndef AGENT_OUTPUT_H
+#define AGENT_OUTPUT_H
+
+#include <chrono>
+#include <cstdint>
+
+#include "util/util.h"
+
+// Makes UTF-8 come out as it is: lives in main() while anything is printed.
+class Output {
+  public:
+    Output();
+    ~Output();
+
+  private:
+    unsigned int m_console_page;  // to be put back: the console outlives this program
+};
+
+// One line on standard output; on standard error, with the program's name in front.
+void print(const String& line);
+void warn(const String& message);
+
+// At most 9 characters: size_text(1536) is "1.5 KB".
+String size_text(double bytes);
+
+// Local time of seconds since 1970 UTC, always 19 characters: "2010 03 07 14:05:09".
+String date_text(std::int64_t time);
+
+// A counter on a line of its own that is rewritten some times a second; only on a terminal.
+class Progress {
+  public:
+    Progress();
+    ~Progress();  // wipes the line
+    void show(std::uint64_t entries);
+
+  private:
+    bool m_on_terminal;
+    std::chrono::steady_clock::time_point m_next;
+};
+
+#endif

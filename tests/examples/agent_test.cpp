@@ -1,0 +1,288 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <sstream>
+#include <vector>
+
+#include "support/scratch_directory.h"
+#include "util/internal/windows.h"
+#include "util/util.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+using util_test::ScratchDirectory;
+using util_test::to_wide;
+
+std::string content_of(const std::string& path) {
+    std::ifstream file(fs::u8path(path), std::ios::binary);
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
+}
+
+void write(const std::string& path, const std::string& content) {
+    std::ofstream(fs::u8path(path), std::ios::binary) << content;
+}
+
+HANDLE output_file(const std::string& path) {
+    SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+    return CreateFileW(to_wide(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited,
+                       CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+struct Result {
+    DWORD status;
+    std::string out;
+    std::string err;
+};
+
+// It stands beside this program.
+std::string agent_path() {
+    wchar_t own[MAX_PATH];
+    GetModuleFileNameW(nullptr, own, MAX_PATH);
+    return fs::path(own).replace_filename("agent.exe").u8string();
+}
+
+class AgentTest : public testing::Test {
+  protected:
+    // Runs a program to its end; every word is quoted, so none may end in a backslash.
+    Result run(const std::string& program, const std::vector<std::string>& words,
+               const std::string& directory = ".") {
+        std::wstring line = L"\"" + to_wide(program) + L"\"";
+        for (const std::string& word : words)
+            line += L" \"" + to_wide(word) + L"\"";
+        STARTUPINFOW start = {};
+        start.cb = sizeof start;
+        start.dwFlags = STARTF_USESTDHANDLES;
+        start.hStdOutput = output_file(work / "out");
+        start.hStdError = output_file(work / "err");
+        PROCESS_INFORMATION child = {};
+        Result result = {~0ul, "", ""};
+        if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                           to_wide(directory).c_str(), &start, &child)) {
+            WaitForSingleObject(child.hProcess, INFINITE);
+            GetExitCodeProcess(child.hProcess, &result.status);
+            CloseHandle(child.hThread);
+            CloseHandle(child.hProcess);
+        }
+        CloseHandle(start.hStdOutput);
+        CloseHandle(start.hStdError);
+        result.out = content_of(work / "out");
+        result.err = content_of(work / "err");
+        return result;
+    }
+
+    Result agent(const std::vector<std::string>& words) { return run(agent_path(), words); }
+
+    ScratchDirectory tree;
+    ScratchDirectory work;  // inventories and outputs
+};
+
+std::string without_dates(const std::string& text) {
+    const std::regex date("[0-9]{4} [0-9]{2} [0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}");
+    return std::regex_replace(text, date, "DATE");
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+// The documented format, read without the agent's own code: path to size, -1 for a directory.
+std::map<std::string, std::int64_t> sizes_in(const std::string& inventory) {
+    XrFile file(inventory.c_str(), "r");
+    String format, root, taken, count, path, size, modified;
+    int version = 0, mode = 0;
+    file >> format >> version >> root >> taken >> count;
+    EXPECT_EQ(format, "util agent inventory");
+    EXPECT_EQ(version, 1);
+    std::map<std::string, std::int64_t> sizes;
+    for (int i = 0; i < count.to_int(); ++i) {
+        file >> path >> mode >> size >> modified;
+        struct _stat64i32 status = {};
+        EXPECT_EQ(UTF8_stat(root + "\\" + path, &status), 0) << path;
+        EXPECT_EQ(mode, status.st_mode) << path;
+        EXPECT_EQ(modified, std::to_string(status.st_mtime)) << path;
+        sizes[path.str()] = (mode & 0x4000) ? -1 : std::stoll(size.str());
+    }
+    EXPECT_FALSE(file.Error());
+    return sizes;
+}
+
+TEST_F(AgentTest, InventoryHoldsTheWholeTree) {
+    const std::string german = "gr\xC3\xB6\xC3\x9F\x65";
+    const std::string japanese = german + "\\\xE6\x97\xA5\xE6\x9C\xAC";
+    const std::string emoji = japanese + "\\\xF0\x9F\x98\x80.txt";
+    tree.directory("empty");
+    tree.directory(german);
+    tree.directory(japanese);
+    tree.file(emoji, "12345");
+    tree.file(".hidden", "1");
+    tree.directory("Build");
+    tree.file("Build\\left out");
+    {
+        // Five gigabytes, of which the file system keeps none.
+        const HANDLE big = output_file(tree / "big");
+        LARGE_INTEGER end;
+        end.QuadPart = 5ll << 30;
+        SetFilePointerEx(big, end, nullptr, FILE_BEGIN);
+        ASSERT_TRUE(SetEndOfFile(big));
+        CloseHandle(big);
+    }
+    // Inside the tree, and there before the second run: not part of what it lists.
+    const std::string file = tree / "inventory.rec";
+    for (int i = 0; i < 2; ++i) {
+        const Result result = agent({"inventory", "--skip", "build", tree.path(), file});
+        EXPECT_EQ(result.status, 0u);
+        EXPECT_EQ(result.err, "");
+        EXPECT_TRUE(contains(result.out, "  left out     Build\n")) << result.out;
+        EXPECT_TRUE(contains(result.out,
+                             "  entries      6\n  directories  3\n"
+                             "  bytes        5368709126 (5.0 GB)\n"
+                             "  verified     6 entries"))
+            << result.out;
+        EXPECT_LT(result.out.find("  big\n"), result.out.find("  " + emoji + "\n"));
+        const std::map<std::string, std::int64_t> expected = {{".hidden", 1}, {"big", 5ll << 30},
+                                                              {"empty", -1},  {german, -1},
+                                                              {japanese, -1}, {emoji, 5}};
+        EXPECT_EQ(sizes_in(file), expected);
+    }
+}
+
+// Wine shows the host's symbolic links as what they lead to, and runs the host's own programs, but
+// not to their end: the link appears a little later.
+TEST_F(AgentTest, LoopsEndAndUnreadableEntriesAreReported) {
+    const std::string tool = "Z:\\bin\\ln";
+    if (!fs::exists(tool)) GTEST_SKIP() << "needs a Unix host";
+    const std::string directory = tree.directory("a");
+    tree.file("a\\file");
+    const auto link = [&](const std::string& target, const std::string& name, unsigned entries) {
+        run(tool, {"-s", target, name}, directory);
+        for (int tries = 0; tries < 500; ++tries, Sleep(10)) {
+            if (XrDirectory(directory.c_str()).getDirectoryList(true, false)->size() == entries)
+                return;
+        }
+        ADD_FAILURE() << "no link " << name;
+    };
+    const std::string file = work / "links.rec";
+
+    link("..", "loop", 2);
+    const Result loop = agent({"inventory", tree.path(), file});
+    EXPECT_EQ(loop.status, 0u);
+    EXPECT_TRUE(contains(loop.err, "agent: not followed, leads back up: a\\loop\n")) << loop.err;
+    EXPECT_TRUE(contains(loop.out, "  entries      3\n")) << loop.out;
+
+    link("/dev/null", "device", 3);
+    const Result device = agent({"inventory", tree.path(), file});
+    EXPECT_EQ(device.status, 2u);
+    EXPECT_TRUE(contains(device.err, "agent: cannot read a\\device\n")) << device.err;
+    EXPECT_TRUE(contains(device.out, "  entries      4\n  directories  2\n  bytes        0 "))
+        << device.out;
+}
+
+TEST_F(AgentTest, BadCallsGetOneMessage) {
+    const std::string file = tree.file("file");
+    const std::string good = work / "good.rec";
+    ASSERT_EQ(agent({"inventory", tree.path(), good}).status, 0u);
+    const struct {
+        std::vector<std::string> words;
+        std::string message;
+    } cases[] = {
+        {{}, "a verb is needed\nusage: agent VERB"},
+        {{"invent"}, "unknown verb 'invent'\nusage: agent VERB"},
+        {{"inventory"}, "inventory needs a directory and a file\nusage: agent inventory ["},
+        {{"inventory", tree.path()}, "inventory needs a directory and a file\nusage: "},
+        {{"inventory", "--skip"}, "--skip needs a name\nusage: "},
+        {{"inventory", "--fast", tree.path(), good}, "unknown option '--fast'\nusage: "},
+        {{"inventory", "", good}, "'' does not exist\n"},
+        {{"inventory", tree / "none", good}, "'" + tree / "none" + "' does not exist\n"},
+        {{"inventory", file, good}, "'" + file + "' is not a directory\n"},
+        {{"inventory", tree.path(), tree.path()}, "cannot create '" + tree.path() + "' (error 5)"},
+        {{"inventory", tree.path(), file + "\\x"}, "cannot create '" + file + "\\x' (error "},
+        {{"compare", good}, "compare needs two inventory files\nusage: agent compare OLD NEW\n"},
+        {{"compare", good, tree / "none"}, "cannot open '" + tree / "none" + "' (error 2)\n"},
+        {{"compare", file, good}, "'" + file + "' is not an inventory\n"},
+    };
+    for (const auto& c : cases) {
+        const Result result = agent(c.words);
+        EXPECT_EQ(result.status, 2u) << c.message;
+        EXPECT_EQ(result.out, "") << c.message;
+        EXPECT_EQ(result.err.substr(0, 7 + c.message.size()), "agent: " + c.message);
+    }
+    EXPECT_EQ(agent({"compare", good, good}).status, 0u) << "a bad call changed the inventory";
+}
+
+TEST_F(AgentTest, DamagedInventoriesAreRefused) {
+    tree.file("one", "1");
+    const std::string good = work / "good.rec";
+    const std::string bad = work / "bad.rec";
+    ASSERT_EQ(agent({"inventory", tree.path(), good}).status, 0u);
+    const std::string content = content_of(good);
+
+    std::vector<std::string> damaged = {"", content + '\0', content.substr(0, content.size() - 1)};
+    for (std::size_t at = 0; at < content.size(); at += 17)
+        damaged.push_back(content.substr(0, at));
+    for (std::size_t at = 0; at < content.size(); at += 7) {
+        damaged.push_back(content);
+        damaged.back()[at] ^= 1;
+    }
+    const std::string count = "2\0001\0"s;  // of entries, in front of the first path
+    damaged.push_back(content);
+    damaged.back().replace(content.find(count + "4\0one"s), count.size(), "11\0009999999999\0"s);
+    for (const std::string& text : damaged) {
+        write(bad, text);
+        const Result result = agent({"compare", good, bad});
+        EXPECT_EQ(result.status, 2u) << testing::PrintToString(text);
+        EXPECT_EQ(result.err.find("agent: '" + bad + "' "), 0u) << result.err;
+    }
+}
+
+// Makes a file or directory look as if it was last changed in 2017.
+void age(const std::string& path) {
+    const HANDLE opened = CreateFileW(to_wide(path).c_str(), FILE_WRITE_ATTRIBUTES, 7, nullptr,
+                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    const FILETIME past = {0, 0x01D30000};
+    EXPECT_TRUE(SetFileTime(opened, nullptr, nullptr, &past)) << path;
+    CloseHandle(opened);
+}
+
+TEST_F(AgentTest, CompareShowsWhatChanged) {
+    tree.directory("dir");
+    tree.file("dir\\same", "same");
+    tree.file("gone", "12");
+    tree.file("grown", "1");
+    const std::string touched = tree.file("touched", "123");
+    tree.file("turned");
+    const std::string before = work / "before.rec";
+    const std::string after = work / "after.rec";
+    ASSERT_EQ(agent({"inventory", tree.path(), before}).status, 0u);
+
+    DeleteFileW(to_wide(tree / "gone").c_str());
+    DeleteFileW(to_wide(tree / "turned").c_str());
+    tree.directory("turned");
+    write(tree / "grown", std::string(1536, 'x'));
+    tree.file("dir\\n\xC3\xA9", "1234");
+    age(touched);
+    age(tree / "dir");  // no change: what is in a directory speaks for itself
+    ASSERT_EQ(agent({"inventory", tree.path(), after}).status, 0u);
+
+    const Result changed = agent({"compare", before, after});
+    EXPECT_EQ(changed.status, 1u);
+    EXPECT_EQ(without_dates(changed.out), "old  DATE  " + tree.path() + ", 6 entries\n" +
+                                              "new  DATE  " + tree.path() + ", 6 entries\n" +
+                                              "added          4 B  DATE  dir\\n\xC3\xA9\n"
+                                              "removed        2 B  DATE  gone\n"
+                                              "changed     1.5 KB  DATE  grown (was 1 B, DATE)\n"
+                                              "changed        3 B  DATE  touched (was 3 B, DATE)\n"
+                                              "changed          -  DATE  turned (was 0 B, DATE)\n"
+                                              "1 added, 1 removed, 3 changed\n");
+    const Result same = agent({"compare", after, after});
+    EXPECT_EQ(same.status, 0u);
+    EXPECT_TRUE(contains(same.out, "entries\n0 added, 0 removed, 0 changed\n")) << same.out;
+}
+
+}  // namespace
