@@ -25,16 +25,11 @@ bool is_readable(const String& directory) {
     return !error;
 }
 
-// A link may lead to a directory above it; following it would never end.
-bool leads_back_up(const String& root, const String& directory) {
-    const String path = join(root, directory);
-    String above = directory;
-    while (!above.empty()) {
-        const std::uint64_t cut = above.last('\\');
-        above = cut == String::npos ? String() : above.substr(0, cut);
-        if (same_file(path, join(root, above))) return true;
-    }
-    return false;
+unsigned int hash_of_names(const XrDirectory::List& list) {
+    unsigned int hash = 0;
+    for (const XrDirectoryEntry* entry : list)
+        hash = hash * 31 + entry->hash();
+    return hash;
 }
 
 }  // namespace
@@ -69,8 +64,6 @@ void Walk::run(const String& root) {
         pending.pop_back();
         if (!is_readable(join(root, directory))) {
             unreadable.push_back(directory);
-        } else if (leads_back_up(root, directory)) {
-            not_entered.push_back(directory);
         } else {
             list(root, directory, pending);
         }
@@ -79,7 +72,12 @@ void Walk::run(const String& root) {
 
 void Walk::list(const String& root, const String& directory, std::vector<String>& pending) {
     XrDirectory listing(join(root, directory));
-    for (const XrDirectoryEntry* found : *listing.getDirectoryList(true, false)) {
+    const XrDirectory::List& list = *listing.getDirectoryList(true, false);
+    if (leads_back_up(root, directory, hash_of_names(list))) {
+        not_entered.push_back(directory);
+        return;
+    }
+    for (const XrDirectoryEntry* found : list) {
         Entry entry;
         entry.path = join(directory, *found);
         const String path = join(root, entry.path);
@@ -92,6 +90,22 @@ void Walk::list(const String& root, const String& directory, std::vector<String>
         entries.push_back(std::move(entry));
         progress(entries.size());
     }
+}
+
+// A link may lead to a directory above it; following it would never end. To ask the system about
+// every pair would take most of the walk's time, so only directories with the same names in them
+// are asked about.
+bool Walk::leads_back_up(const String& root, const String& directory, unsigned int names) {
+    m_names[directory] = names;
+    String above = directory;
+    while (!above.empty()) {
+        const std::uint64_t cut = above.last('\\');
+        above = cut == String::npos ? String() : above.substr(0, cut);
+        if (m_names[above] == names && same_file(join(root, directory), join(root, above))) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool Walk::is_wanted(const String& name, const String& path) const {

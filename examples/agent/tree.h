@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <unordered_map>
 #include <vector>
 
 #include "inventory_file.h"
@@ -29,7 +30,10 @@ struct Walk {
 
   private:
     void list(const String& root, const String& directory, std::vector<String>& pending);
+    bool leads_back_up(const String& root, const String& directory, unsigned int names);
     bool is_wanted(const String& name, const String& path) const;
+
+    std::unordered_map<String, unsigned int> m_names;  // directory to a hash of the names in it
 };
 
 #endif
