@@ -4,7 +4,6 @@
 #include <io.h>
 
 #include <cstdio>
-#include <ctime>
 #include <iterator>
 
 // The program's only calls of the platform: what encoding a console takes is not the library's
@@ -59,11 +58,9 @@ String size_text(double bytes) {
 }
 
 String date_text(std::int64_t time) {
-    const std::time_t seconds = time;
-    const std::tm* local = std::localtime(&seconds);
-    if (!local) return "-                  ";
-    return String::format("%04d %02d %02d %02d:%02d:%02d", local->tm_year + 1900, local->tm_mon + 1,
-                          local->tm_mday, local->tm_hour, local->tm_min, local->tm_sec);
+    constexpr int length = 19;  // "2010 03 07 14:05:09"
+    char text[length + 1];
+    return ksl_ctime(&time, text, sizeof text) == length ? String(text) : String(length, ' ');
 }
 
 Progress::Progress() : m_on_terminal(is_terminal(stdout)) {}

@@ -10,9 +10,9 @@ UTIL_EXTERN_C_BEGIN
 
 // The runtime's _wstat64i32 of a UTF-8 path of any length, into *record: 0, or -1 with errno; 22
 // when a pointer is null, 12 when memory ran out. Both names are the same function; links are not
-// looked at as such. One trailing backslash is left out unless it makes a drive's root, and the runtime
-// overlooks one more separator. A bare
-// drive ("C:") is passed on as it is and fails, unlike with UTF8_lstat; this is meant.
+// looked at as such. One trailing backslash is left out unless it makes a drive's root, and the
+// runtime overlooks one more separator. A bare drive ("C:") is passed on as it is and fails, unlike
+// with UTF8_lstat; this is meant.
 //     struct _stat64i32 record;
 //     ksl_stat("C:\\Windows\\", &record)   // 0
 UTIL_API int ksl_lstat(const char* path, struct _stat64i32* record);

@@ -10,7 +10,9 @@ namespace util {
 
 namespace {
 
-bool is_separator(wchar_t c) { return c == L'\\' || c == L'/'; }
+bool is_separator(wchar_t c) {
+    return c == L'\\' || c == L'/';
+}
 
 // The length of path without one separator at its end, which the runtime's call would not find;
 // that of a root ("C:\", "\") or of a path that begins with a server stays.

@@ -1,0 +1,62 @@
+#include <cstring>
+#include <vector>
+
+#include "fuzz/fuzz.h"
+#include "util/internal/decimal.h"
+#include "util/text/text.h"
+
+namespace util_fuzz {
+namespace {
+
+std::vector<int> plain_components(const String& version) {
+    std::vector<int> values;
+    for (const String& component : version.split(".", true)) {
+        const std::size_t digit = component.str().find_first_of("0123456789");
+        values.push_back(digit == std::string::npos ? 0
+                                                    : util::parse_int(component.c_str() + digit));
+    }
+    return values;
+}
+
+int plain_order(const String& a, const String& b) {
+    std::vector<int> left = plain_components(a);
+    std::vector<int> right = plain_components(b);
+    left.resize(std::max(left.size(), right.size()));
+    right.resize(left.size());
+    return left < right ? -1 : left > right ? 1 : 0;
+}
+
+void check_versions(const String& a, const String& b) {
+    const int order = plain_order(a, b);
+    require(a.isLessThanVersion(b) == (order < 0), "less");
+    require(a.isGreaterThanVersion(b) == (order > 0), "greater");
+    require(a.isEqualToVersion(b) == (order == 0), "equal");
+    require(b.isLessThanVersion(a) == (order > 0), "the other way round");
+}
+
+void check_date(const String& text) {
+    const extstl::ExtTime time = text.toDate();
+    require(text.split(" /:", true).size() >= 5 || time.label().empty(), "now has no label");
+    if (!time.isValid()) return;
+    // The text of a time names it, except in the hour that daylight saving repeats.
+    const String written(time.toString());
+    require(written.empty() == (time.time() == 1), "only the first second has no text");
+    if (written.empty()) return;
+    const extstl::ExtTime back = written.toDate();
+    require(back.toString().str() == written.str(), "text there and back");
+    const extstl::ExtDate day(time);
+    require(!day.isValid() || (day.fields().tm_sec == 1 && day.fields().tm_min == 0),
+            "a date has no time of day");
+}
+
+}  // namespace
+
+void dates_and_versions(std::string_view input) {
+    Parameters parameters(input);
+    const String other(parameters.short_text());
+    const String text(parameters.rest());
+    check_versions(text, other);
+    check_date(text);
+}
+
+}  // namespace util_fuzz
