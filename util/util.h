@@ -3,6 +3,7 @@
 #define UTIL_UTIL_H
 
 #include "util/files/files.h"
+#include "util/poll/poll.h"
 #include "util/portable/portable.h"
 #include "util/text/text.h"
 #include "util/version.h"

@@ -1,0 +1,215 @@
+#include "util/poll/poll.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+#include "util/internal/windows.h"
+
+const int Poll::table_size_;
+const int Poll::Infinite;
+
+static_assert(Poll::table_size_ == MAXIMUM_WAIT_OBJECTS);
+static_assert(static_cast<DWORD>(Poll::Infinite) == INFINITE);
+
+struct Poll::Slot {
+    std::int64_t fd = -1;
+    HANDLE handle = nullptr;  // null: not waited for
+
+    void close() {
+        if (handle) WSACloseEvent(handle);
+        *this = Slot();
+    }
+};
+
+namespace {
+
+constexpr int free_slot = -1;
+constexpr int console = 0;
+constexpr long read_and_close = FD_READ | FD_CLOSE;
+
+// Where fd stands; table_size_ when nowhere. Templates, here and below, as Slot is Poll's own.
+template <typename Slot>
+std::size_t find(const Slot& slots, int fd) {
+    std::size_t index = 0;
+    while (index < Poll::table_size_ && slots[index].fd != fd)
+        ++index;
+    return index;
+}
+
+SOCKET socket_of(int fd) {
+    return static_cast<SOCKET>(static_cast<std::int64_t>(fd));
+}
+
+bool is_open(HANDLE handle) {
+    DWORD flags;
+    return GetHandleInformation(handle, &flags) != 0;
+}
+
+// Null when there is none to wait for.
+template <typename Slot>
+HANDLE open_console(const Slot& slots) {
+    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    SetConsoleMode(input, ENABLE_PROCESSED_INPUT | ENABLE_LINE_INPUT | ENABLE_ECHO_INPUT);
+    FlushConsoleInputBuffer(input);
+    // Standard input that was closed leaves its number behind: for nothing at all, or by now for
+    // an event of this table.
+    if (!is_open(input)) return nullptr;
+    for (std::size_t i = 0; i < Poll::table_size_; ++i) {
+        if (slots[i].handle == input) return nullptr;
+    }
+    return input;
+}
+
+HANDLE open_event(int fd) {
+    const HANDLE event = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    WSAEventSelect(socket_of(fd), event, read_and_close);
+    return event;
+}
+
+bool is_readable(int fd) {
+    // The cheaper question first: bytes to read answer it. No bytes may still be a closed peer or
+    // an empty datagram, and that only select knows.
+    u_long pending = 0;
+    if (ioctlsocket(socket_of(fd), FIONREAD, &pending) == 0 && pending > 0) return true;
+    fd_set readable;
+    readable.fd_count = 1;
+    readable.fd_array[0] = socket_of(fd);
+    timeval no_time = {0, 0};
+    return select(fd, &readable, nullptr, nullptr, &no_time) > 0 &&
+           FD_ISSET(socket_of(fd), &readable);
+}
+
+// Whether there was reason for the socket's event to fire, which resets it otherwise.
+bool confirm(int fd, HANDLE event) {
+    if (is_readable(fd)) return true;
+    ResetEvent(event);
+    // What came in since the question was asked may have been reset as well, and is not announced
+    // twice: the next wait has to see it.
+    if (is_readable(fd)) SetEvent(event);
+    return false;
+}
+
+// The arguments of a wait, and the slots they come from.
+struct WaitList {
+    HANDLE handles[Poll::table_size_];
+    std::size_t slots[Poll::table_size_];
+    DWORD count = 0;
+
+    void add(HANDLE handle, std::size_t slot) {
+        handles[count] = handle;
+        slots[count++] = slot;
+    }
+
+    template <typename Slot>
+    void build(const Slot& table) {
+        count = 0;
+        for (std::size_t i = 0; i < Poll::table_size_; ++i) {
+            if (table[i].handle) add(table[i].handle, i);
+        }
+    }
+
+    // Leaves out what the program has closed meanwhile: with it every further wait would fail.
+    void drop_closed() {
+        const DWORD all = count;
+        count = 0;
+        for (DWORD i = 0; i < all; ++i) {
+            if (is_open(handles[i])) add(handles[i], slots[i]);
+        }
+    }
+};
+
+// A wait list is one run's own. So each run begins by building one, and when it was started from
+// another run's callback that one builds its list again.
+class FreshLists {
+  public:
+    explicit FreshLists(bool& changed) : m_changed(changed) { m_changed = true; }
+    ~FreshLists() { m_changed = true; }
+    FreshLists(const FreshLists&) = delete;
+    FreshLists& operator=(const FreshLists&) = delete;
+
+  private:
+    bool& m_changed;
+};
+
+}  // namespace
+
+Poll::Poll()
+    : m_slots(std::make_unique<Slot[]>(table_size_)),
+      m_changed(false),
+      m_callbacks(std::make_unique<Callback*[]>(table_size_)) {}
+
+Poll::~Poll() {
+    for (std::size_t i = 0; i < table_size_; ++i)
+        m_slots[i].close();
+}
+
+void Poll::append(int fd, Callback* callback) {
+    if (fd == free_slot) return;
+    std::size_t index = find(m_slots, fd);
+    if (index == table_size_) index = find(m_slots, free_slot);
+    if (index == table_size_) std::abort();
+    Slot& slot = m_slots[index];
+    slot.close();
+    slot.handle = fd == console ? open_console(m_slots) : open_event(fd);
+    slot.fd = fd;
+    m_callbacks[index] = callback;
+    m_changed = true;
+}
+
+void Poll::remove(int fd) {
+    const std::size_t index = find(m_slots, fd);
+    if (index == table_size_) {
+        std::perror("Poll::remove (int fd): Not found");
+        return;
+    }
+    if (fd == free_slot) return;
+    m_slots[index].close();
+    m_callbacks[index] = nullptr;
+    m_changed = true;
+}
+
+void Poll::run(int timeout) {
+    const FreshLists fresh(m_changed);
+    WaitList list;
+    for (;;) {
+        if (m_changed) {
+            list.build(m_slots);
+            m_changed = false;
+        }
+        if (list.count == 0) {  // nothing could ever end a wait
+            if (timeout != Infinite) Sleep(static_cast<DWORD>(timeout));
+            return;
+        }
+        const DWORD result =
+            WaitForMultipleObjects(list.count, list.handles, FALSE, static_cast<DWORD>(timeout));
+        if (result == WAIT_TIMEOUT) return;
+        if (result == WAIT_FAILED) list.drop_closed();
+        if (result >= list.count) continue;
+
+        const std::size_t index = list.slots[result];
+        const Slot& slot = m_slots[index];
+        const int fd = static_cast<int>(slot.fd);
+        if (fd != console && !confirm(fd, slot.handle)) continue;
+        if (m_callbacks[index]) m_callbacks[index]->ready(fd, 0);
+        // Asked again: the callback may have removed the console.
+        if (slot.fd == console) FlushConsoleInputBuffer(slot.handle);
+    }
+}
+
+void Poll::SetNonBlockingMode(int fd) {
+    if (fd < 1) return;
+    const std::size_t index = find(m_slots, fd);
+    if (index == table_size_) return;
+    WSAEventSelect(socket_of(fd), m_slots[index].handle, read_and_close);
+}
+
+void Poll::SetBlockingMode(int fd) {
+    if (fd < 1) return;
+    const std::size_t index = find(m_slots, fd);
+    if (index == table_size_) return;
+    WSAEventSelect(socket_of(fd), m_slots[index].handle, 0);
+    u_long non_blocking = 0;
+    ioctlsocket(socket_of(fd), static_cast<long>(FIONBIO), &non_blocking);
+}
