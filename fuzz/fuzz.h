@@ -22,10 +22,23 @@ Target token_lists;
 Target uint64_parsing;
 Target xml_and_tags;
 
+// The input that runs, for the report of a failure; set by callers that make inputs of their own.
+struct RunningInput {
+    unsigned seed = 0;
+    int round = 0;
+    std::string_view bytes;
+};
+inline RunningInput running_input;
+
 // Ends the process, for the fuzzer to keep the input, when a property does not hold.
 inline void require(bool holds, const char* property) {
     if (holds) return;
-    std::fprintf(stderr, "does not hold: %s\n", property);
+    std::fprintf(stderr, "does not hold: %s (seed %u, round %d, bytes", property,
+                 running_input.seed, running_input.round);
+    for (const char c : running_input.bytes) {
+        std::fprintf(stderr, " %02X", static_cast<unsigned char>(c));
+    }
+    std::fprintf(stderr, ")\n");
     std::abort();
 }
 
@@ -49,7 +62,8 @@ class Parameters {
     }
     // Up to 15 bytes; their number comes first.
     std::string short_text() {
-        const std::size_t size = std::min<std::size_t>(byte() % 16, m_rest.size());
+        const std::size_t wanted = byte() % 16;
+        const std::size_t size = std::min(wanted, m_rest.size());
         std::string value(m_rest.substr(0, size));
         m_rest.remove_prefix(size);
         return value;

@@ -10,7 +10,7 @@ struct Entity {
     char character;
     const char* text;
 };
-constexpr Entity entities[] = {{'&', "&amp;"},  {'<', "&lt;"},   {'>', "&gt;"},
+constexpr Entity entities[] = {{'&', "&amp;"},  {'<', "&lt;"},    {'>', "&gt;"},
                                {'"', "&quot;"}, {'\'', "&apos;"}, {'\t', "&#x9;"}};
 
 std::string plain_decode(std::string w) {
