@@ -4,6 +4,7 @@
 
 #include "util/files/files.h"
 #include "util/poll/poll.h"
+#include "util/host/host.h"
 #include "util/portable/portable.h"
 #include "util/text/text.h"
 #include "util/version.h"

@@ -2,6 +2,8 @@
 #ifndef UTIL_FILES_FILES_H
 #define UTIL_FILES_FILES_H
 
+#include "util/files/file_attr.h"
+#include "util/files/path_lookup.h"
 #include "util/files/ptr_sorted_vector.h"
 #include "util/files/xr_directory.h"
 #include "util/files/xr_directory_entry.h"

@@ -1,0 +1,90 @@
+#include "util/files/path_lookup.h"
+
+#include "util/internal/windows.h"
+// after the platform's header
+#include <sys/stat.h>
+
+#include <string>
+#include <vector>
+
+#include "util/internal/ansi_text.h"
+#include "util/portable/current_directory.h"
+#include "util/portable/environment.h"
+#include "util/portable/utf8_files.h"
+#include "util/text/position_error.h"
+
+namespace {
+
+String if_exists(const String& path) {
+    return Tools::fileExists(path) ? path : String();
+}
+
+String join(const String& directory, const String& name) {
+    const char end = directory.view().back();
+    return directory + (end == '\\' || end == '/' ? "" : "\\") + name;
+}
+
+// search_list, unless null, is rewritten after a hit.
+String search(const String& name, const std::vector<String>& directories, String* search_list) {
+    for (std::size_t i = 0; i < directories.size(); ++i) {
+        const String& directory = directories[i];  // never empty: the split drops those
+        if (directory.view().front() == '%') continue;
+        const String candidate = join(directory, name);
+        if (!Tools::fileExists(candidate)) continue;
+        if (search_list) {
+            String rest;
+            for (std::size_t k = i + 1; k < directories.size(); ++k)
+                rest += ";" + directory;
+            *search_list = rest;
+        }
+        return candidate;
+    }
+    return String();
+}
+
+String resolve(const String& path) {
+    std::vector<String> parts = path.split("\\", true);
+    if (parts.size() < 2) parts = path.split("/", true);
+    std::string result = UTIL_CurrentDirectory().str();
+    for (const String& part : parts) {
+        if (part != "..") {
+            result.append("\\").append(part);
+        } else if (const auto cut = result.rfind('\\'); cut != std::string::npos) {
+            result.resize(cut);
+        }
+    }
+    return if_exists(result);
+}
+
+String look_up(const String& path, String* search_list) {
+    util::require_position(2, path.size());
+    if (path.view()[1] == ':') return if_exists(path);
+    if (path.view().find("..") != std::string_view::npos) return resolve(path);
+    const bool own_list = search_list && !search_list->empty();
+    const String list = own_list ? *search_list : util::environment_value(L"PATH");
+    return search(path, list.split(";", true), search_list);
+}
+
+}  // namespace
+
+bool Tools::fileExists(const char* path) {
+    struct _stat64i32 record;
+    return UTF8_stat(path, &record) == 0;
+}
+
+String Tools::find_location(const String&, FileAttr) {
+    constexpr DWORD room = 260;
+    char module[room + 1] = {};  // a name that is cut may come without its NUL
+    GetModuleFileNameA(nullptr, module, room);
+    std::string utf8;
+    if (!util::ansi_to_utf8(module, utf8)) return String();
+    return String(utf8.substr(0, utf8.rfind('\\') + 1));  // npos + 1 is 0
+}
+
+String Tools::absolute_pathname(const String& path, FileAttr) {
+    return look_up(path, nullptr);
+}
+
+String Tools::absolute_pathname(const String& path, String& search_list, FileAttr) {
+    return look_up(path, &search_list);
+}

@@ -1,0 +1,3 @@
+#include "util/host/clone_sync.h"
+
+bool g_bCloneSyncSerialized = false;
