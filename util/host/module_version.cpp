@@ -31,16 +31,13 @@ const VS_FIXEDFILEINFO* version_of(const char* ansi_path) {
 
 const char* UTIL_GetModuleVersion(const char* path, char* out) {
     if (!path || !out) return nullptr;
-    std::string ansi_path;
+    *out = '\0';
+    const VS_FIXEDFILEINFO* version = nullptr;
     try {
-        const bool named = util::utf8_to_ansi(path, ansi_path);
-        *out = '\0';
-        if (!named) return no_version;
-    } catch (const std::bad_alloc&) {
-        *out = '\0';
-        return no_version;
+        std::string ansi_path;
+        if (util::utf8_to_ansi(path, ansi_path)) version = version_of(ansi_path.c_str());
+    } catch (const std::bad_alloc&) {  // as for a version that cannot be read
     }
-    const VS_FIXEDFILEINFO* version = version_of(ansi_path.c_str());
     if (!version) return no_version;
     const DWORD high = version->dwFileVersionMS;
     const DWORD low = version->dwFileVersionLS;

@@ -25,13 +25,17 @@ struct ServiceAccess {
     DWORD to_service;
 };
 
-// The service of this machine under that UTF-8 name, in whatever state it is; invalid when the
-// manager or the service cannot be opened so far. A service's handle outlives its manager's, so
-// the manager is closed already. Raises std::bad_alloc.
+// The service of this machine under that UTF-8 name, in whatever state it is; invalid, with the
+// last error, when the manager or the service cannot be opened so far. A service's handle outlives
+// its manager's, so the manager is closed already. Raises std::bad_alloc.
 inline ScopedService open_service(const char* name, const ServiceAccess& access) {
     const ScopedService manager(OpenSCManagerA(nullptr, access.database, access.to_manager));
     std::string ansi_name;
-    if (!manager || !utf8_to_ansi(name, ansi_name)) return ScopedService();
+    if (!manager) return ScopedService();
+    if (!utf8_to_ansi(name, ansi_name)) {
+        SetLastError(ERROR_SERVICE_DOES_NOT_EXIST);
+        return ScopedService();
+    }
     return ScopedService(OpenServiceA(manager.get(), ansi_name.c_str(), access.to_service));
 }
 
