@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "support/built_file.h"
 #include "support/environment_change.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
@@ -144,10 +145,7 @@ DWORD WINAPI give_module_name(HMODULE, char* buffer, DWORD size) {
 }
 
 TEST(FindLocationTest, IsTheProgramsDirectoryWhateverIsAsked) {
-    char program[MAX_PATH];
-    GetModuleFileNameA(nullptr, program, sizeof program);
-    std::string directory = program;
-    directory.resize(directory.rfind('\\') + 1);
+    const std::string directory = util_test::built_file("");
     EXPECT_EQ(Tools::find_location("x", FileAttr::any), directory);
     EXPECT_EQ(Tools::find_location("", FileAttr::read | FileAttr::write), directory);
 

@@ -4,15 +4,17 @@
 
 #include <string>
 
+#include "support/built_file.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
 
 namespace {
 
-const char* const stamped = "bin\\stamped.dll";  // 1.2.3.4; tests run in the build folder
+const std::string stamped = util_test::built_file("stamped.dll");  // 1.2.3.4
 
 void copy_stamped(const std::string& path) {
-    ASSERT_TRUE(CopyFileW(L"bin\\stamped.dll", util_test::to_wide(path).c_str(), TRUE));
+    ASSERT_TRUE(
+        CopyFileW(util_test::to_wide(stamped).c_str(), util_test::to_wide(path).c_str(), TRUE));
 }
 
 TEST(ModuleVersionTest, FourthNumberIsTheThirdPartShifted) {
@@ -20,11 +22,11 @@ TEST(ModuleVersionTest, FourthNumberIsTheThirdPartShifted) {
     const std::string accented = scratch / "\xC3\xA4.dll";
     copy_stamped(accented);
     char out[30];
-    EXPECT_EQ(UTIL_GetModuleVersion(stamped, out), out);
+    EXPECT_EQ(UTIL_GetModuleVersion(stamped.c_str(), out), out);
     EXPECT_STREQ(out, "1.2.3.196608");
     EXPECT_STREQ(UTIL_GetModuleVersion(accented.c_str(), out), "1.2.3.196608");
     // Stamped 65535.65534.40000.7; the longest text there is.
-    EXPECT_STREQ(UTIL_GetModuleVersion("bin\\stamped_high.dll", out),
+    EXPECT_STREQ(UTIL_GetModuleVersion(util_test::built_file("stamped_high.dll").c_str(), out),
                  "65535.65534.40000.-1673527296");
 }
 
@@ -42,13 +44,13 @@ TEST(ModuleVersionTest, WithoutAVersion) {
     const std::string not_in_page = scratch / "\xE6\x97\xA5.dll";
     copy_stamped(not_in_page);
     for (const std::string& path :
-         {std::string("bin\\stamped_badly.dll"), std::string("bin\\version_probe.exe"),
+         {util_test::built_file("stamped_badly.dll"), util_test::built_file("version_probe.exe"),
           scratch.file("text.dll", "no module"), scratch / "missing", not_in_page}) {
         expect_no_version(path);
     }
     char out[30] = "before";
     EXPECT_EQ(UTIL_GetModuleVersion(nullptr, out), nullptr);
-    EXPECT_EQ(UTIL_GetModuleVersion(stamped, nullptr), nullptr);
+    EXPECT_EQ(UTIL_GetModuleVersion(stamped.c_str(), nullptr), nullptr);
     EXPECT_STREQ(out, "before");
 }
 

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 
+#include "support/built_file.h"
 #include "support/import_patch.h"
 
 using util_test::ImportPatch;
@@ -14,7 +15,7 @@ namespace {
 
 std::string probe() {
     std::string line(200, '\0');
-    FILE* output = _popen("bin\\version_probe.exe", "rb");  // tests run in the build folder
+    FILE* output = _popen(util_test::built_file("version_probe.exe").c_str(), "rb");
     line.resize(output ? std::fread(line.data(), 1, line.size(), output) : 0);
     if (output) _pclose(output);
     return line.substr(0, line.find_last_not_of("\r\n") + 1);
