@@ -15,7 +15,7 @@ namespace {
 
 std::string probe() {
     std::string line(200, '\0');
-    FILE* output = _popen(util_test::built_file("version_probe.exe").c_str(), "rb");
+    FILE* output = _popen(("\"" + util_test::built_file("version_probe.exe") + "\"").c_str(), "rb");
     line.resize(output ? std::fread(line.data(), 1, line.size(), output) : 0);
     if (output) _pclose(output);
     return line.substr(0, line.find_last_not_of("\r\n") + 1);
