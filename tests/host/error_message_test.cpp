@@ -34,7 +34,7 @@ DWORD WINAPI foreign_message(DWORD flags, LPCVOID, DWORD, DWORD language, LPWSTR
                              va_list*) {
     EXPECT_EQ(flags, 0x1300u) << "allocate, from system, ignore inserts";
     EXPECT_EQ(language, 0x400u);
-    const wchar_t words[] = L"verweigert \u00E4\u20AC\u65E5\U0001F600 %1\r\n";
+    const wchar_t words[] = L"\u00E4\U0001F600\u65E5\u65E5\u65E5\u20AC\u20AC%1\r\n";
     *reinterpret_cast<void**>(buffer) =
         std::memcpy(LocalAlloc(0, sizeof words), words, sizeof words);
     ++held;
@@ -49,7 +49,9 @@ HLOCAL WINAPI counted_free(HLOCAL block) {
 TEST(ErrorMessageTest, GivesUtf8AndTheSystemsBlockBack) {
     util_test::ImportPatch format("FormatMessageW", foreign_message),
         release("LocalFree", counted_free);
-    EXPECT_EQ(message_of(5), "verweigert \xC3\xA4\xE2\x82\xAC\xE6\x97\xA5\xF0\x9F\x98\x80 %1\r\n");
+    EXPECT_EQ(message_of(5),
+              "\xC3\xA4\xF0\x9F\x98\x80\xE6\x97\xA5\xE6\x97\xA5\xE6\x97\xA5\xE2\x82\xAC\xE2\x82\xAC"
+              "%1\r\n");
     EXPECT_EQ(held, 0);
 }
 
