@@ -1,0 +1,301 @@
+#include "util/host/cifs_share.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "host/network_provider.h"
+#include "support/import_patch.h"
+
+using util_test::ImportPatch;
+
+namespace {
+
+constexpr char share[] = "\\\\srv\\caf\xC3\xA9";
+
+// --- what the provider answers, and what happened ---
+
+std::vector<DWORD> add_results, cancel_results;  // one for each call to come
+std::string log;
+std::wstring seen;
+
+DWORD next(std::vector<DWORD>& results) {
+    if (results.empty()) throw std::logic_error("a call too many");
+    const DWORD result = results.front();
+    results.erase(results.begin());
+    return result;
+}
+
+std::wstring shown(const wchar_t* text) {
+    return text ? text : L"(null)";
+}
+
+DWORD add(const NETRESOURCEW& record, const wchar_t* password, const wchar_t* user, DWORD flags) {
+    log += "add ";
+    seen = std::to_wstring(record.dwScope) + L" " + std::to_wstring(record.dwType) + L" " +
+           std::to_wstring(record.dwUsage) + L" " + shown(record.lpLocalName) + L" " +
+           shown(record.lpProvider) + L" " + shown(record.lpRemoteName) + L" " + shown(user) +
+           L" " + shown(password) + L" " + std::to_wstring(flags);
+    return next(add_results);
+}
+
+DWORD cancel(const wchar_t* name, bool force) {
+    log += force ? "cancel! " : "cancel ";
+    seen = name;
+    return next(cancel_results);
+}
+
+DWORD cancel_flags;
+
+DWORD WINAPI noting_cancel(const wchar_t* name, DWORD flags, BOOL force) {
+    cancel_flags = flags;
+    return WNetCancelConnection2W(name, flags, force);
+}
+
+void WINAPI noting_sleep(DWORD milliseconds) {
+    log += "sleep" + std::to_string(milliseconds) + " ";
+}
+
+class CifsShareTest : public testing::Test {
+  protected:
+    CifsShareTest() {
+        auto* const hooks = reinterpret_cast<util_test::NetworkHooks*>(reinterpret_cast<void*>(
+            GetProcAddress(GetModuleHandleA(util_test::network_provider), "network_hooks")));
+        *hooks = {add, cancel};
+    }
+
+    // The result's message, or "connected".
+    std::string connect(std::vector<DWORD> adds, std::vector<DWORD> cancels) {
+        add_results = std::move(adds);
+        cancel_results = std::move(cancels);
+        log.clear();
+        std::strcpy(message, "untouched");
+        const int result = UTIL_ConnectCifsShare(share, "srv\\agent", "p\xC3\xA4ss", message);
+        EXPECT_TRUE(add_results.empty() && cancel_results.empty()) << "calls left over";
+        EXPECT_EQ(result == 0, message == std::string("untouched"));
+        EXPECT_TRUE(result == 0 || result == -1);
+        return result == 0 ? "connected" : message;
+    }
+
+    std::string disconnect(DWORD code) {
+        cancel_results = {code};
+        std::strcpy(message, "untouched");
+        const int result = UTIL_DisconnectCifsShare(share, message);
+        EXPECT_EQ(result == 0, message == std::string("untouched"));
+        return result == 0 ? "disconnected" : message;
+    }
+
+    char message[2048];
+    ImportPatch sleep{"Sleep", noting_sleep};
+};
+
+std::string repeated(int times, const std::string& text) {
+    std::string result;
+    while (times-- > 0)
+        result += text;
+    return result;
+}
+
+TEST_F(CifsShareTest, CallsNameTheShareAndTheCredentials) {
+    EXPECT_EQ(connect({0}, {}), "connected");
+    EXPECT_EQ(seen, L"2 1 1 (null) (null) \\\\srv\\caf\x00E9 srv\\agent p\x00E4ss 0");
+
+    add_results = {0, 0};
+    EXPECT_EQ(UTIL_ConnectCifsShare(share, nullptr, nullptr, message), 0);
+    EXPECT_EQ(seen, L"2 1 1 (null) (null) \\\\srv\\caf\x00E9 (null) (null) 0")
+        << "the caller's own";
+    EXPECT_EQ(UTIL_ConnectCifsShare(share, "", "", message), 0);
+    EXPECT_EQ(seen, L"2 1 1 (null) (null) \\\\srv\\caf\x00E9   0") << "empty ones";
+
+    log.clear();
+    const ImportPatch patch("WNetCancelConnection2W", noting_cancel);
+    EXPECT_EQ(disconnect(0), "disconnected");
+    EXPECT_EQ(seen, L"\\\\srv\\caf\x00E9");
+    EXPECT_EQ(log, "cancel ");
+    EXPECT_EQ(cancel_flags, DWORD(CONNECT_UPDATE_PROFILE));
+}
+
+TEST_F(CifsShareTest, ConflictIsRetriedTwentyTimesAndReported) {
+    const std::vector<DWORD> conflicts(21, 1219);
+    std::vector<DWORD> first_cancels_fail(20, 2250), last_cancel_fails(20, 0);
+    first_cancels_fail.back() = 0;
+    last_cancel_fails.back() = 2401;
+    const std::string pass = "add cancel sleep3000 ";
+    const std::string refused = "WNetAddConnection2 failed (error code = 1219)";
+    const std::string history = "Earlier attempt(s):" + refused;
+    const struct {
+        std::vector<DWORD> adds, cancels;
+        std::string outcome, log;
+    } cases[] = {
+        {{53}, {}, "WNetAddConnection2 failed (error code = 53) \n ", "add "},
+        {{1219, 1219, 1219, 1219, 0}, {0, 2250, 0, 0}, "connected", repeated(4, pass) + "add "},
+        {{1219, 86},
+         {0},
+         "WNetAddConnection2 failed (error code = 86) \n " + history,
+         pass + "add "},
+        {{1219, 1219, 86},
+         {0, 2250},
+         "WNetAddConnection2 failed (error code = 86) \n " + history +
+             "\nWNetCancelConnection2 failed (error code = 2250)",
+         pass + pass + "add "},
+        {conflicts, first_cancels_fail, refused + " \n " + history, repeated(20, pass) + "add "},
+        {conflicts, last_cancel_fails,
+         refused + " \n " + history + "\nWNetCancelConnection2 failed (error code = 2401)",
+         repeated(20, pass) + "add "},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(connect(c.adds, c.cancels), c.outcome);
+        EXPECT_EQ(log, c.log) << c.outcome;
+    }
+    EXPECT_EQ(disconnect(2250), "WNetCancelConnection2 failed (error code = 2250)");
+    EXPECT_EQ(disconnect(DWORD(-2)), "WNetCancelConnection2 failed (error code = -2)");
+}
+
+DWORD provider_code;
+std::string provider_text;
+
+DWORD WINAPI provider_words(DWORD* code, char* text, DWORD room, char* name, DWORD name_room) {
+    if (room != 256 || name_room != 256) return ERROR_INVALID_PARAMETER;
+    *code = provider_code;
+    std::memcpy(text, provider_text.data(), std::min<std::size_t>(room, provider_text.size()));
+    std::strcpy(name, "Test Net");
+    return NO_ERROR;
+}
+
+TEST_F(CifsShareTest, ProvidersOwnErrorIsToldInItsWords) {
+    {  // the provider above has none
+        char text[256], name[256];
+        DWORD code;
+        const DWORD unknown = WNetGetLastErrorA(&code, text, sizeof text, name, sizeof name);
+        ASSERT_NE(unknown, DWORD(NO_ERROR));
+        const std::string refusal =
+            "WNetGetLastError failed (error code = " + std::to_string(unknown) + ")";
+        EXPECT_EQ(connect({1208}, {}), refusal + " \n ");
+        EXPECT_EQ(disconnect(1208), refusal);
+    }
+    const ImportPatch patch("WNetGetLastErrorA", provider_words);
+    provider_code = 7;
+    provider_text = "Kein Zugang f\xFCr %s.\r\n";
+    provider_text += '\0';
+    EXPECT_EQ(connect({1208}, {}),
+              "WNetAddConnection2 failed (error code = 7). Kein Zugang f\xC3\xBCr %s.\r\n \n ");
+    EXPECT_EQ(disconnect(1208),
+              "WNetCancelConnection2 failed (error code = 7). Kein Zugang f\xC3\xBCr %s.\r\n");
+
+    // The longest there is: a description without an end, of characters that take three bytes.
+    provider_code = 0x80000000;
+    provider_text = std::string(256, '\x80');
+    const std::string euros = repeated(255, "\xE2\x82\xAC");
+    const std::string longest =
+        "WNetAddConnection2 failed (error code = -2147483648). " + euros +
+        " \n Earlier attempt(s):WNetAddConnection2 failed (error code = 1219)\n"
+        "WNetCancelConnection2 failed (error code = -2147483648). " +
+        euros;
+    EXPECT_EQ(connect({1219, 1208}, {1208}), longest);
+    EXPECT_LT(longest.size(), sizeof message);
+}
+
+wchar_t* WINAPI no_memory(const wchar_t*) {
+    return nullptr;
+}
+int WINAPI no_conversion(UINT, DWORD, const char*, int, wchar_t*, int) {
+    return 0;
+}
+
+TEST_F(CifsShareTest, FailuresBeforeTheCallAreReportedAsTheCalls) {
+    {
+        const ImportPatch patch("SysAllocString", no_memory);
+        EXPECT_EQ(connect({}, {}), "WNetAddConnection2 failed (error code = 14) \n ");
+        EXPECT_EQ(UTIL_DisconnectCifsShare(share, message), -1);
+        EXPECT_STREQ(message, "WNetCancelConnection2 failed (error code = 14)");
+        EXPECT_EQ(UTIL_ConnectCifsShare(share, "u", "p", nullptr), -1) << "the text is not wanted";
+    }
+    {
+        const ImportPatch patch("MultiByteToWideChar", no_conversion);
+        EXPECT_EQ(connect({}, {}), "WNetAddConnection2 failed (error code = 1113) \n ");
+        EXPECT_EQ(UTIL_DisconnectCifsShare(share, message), -1);
+        EXPECT_STREQ(message, "WNetCancelConnection2 failed (error code = 1113)");
+    }
+    EXPECT_EQ(UTIL_ConnectCifsShare(nullptr, "u", "p", message), -1);
+    EXPECT_STREQ(message, "WNetAddConnection2 failed (error code = 67) \n ");
+    EXPECT_EQ(UTIL_DisconnectCifsShare(nullptr, message), -1);
+    EXPECT_STREQ(message, "WNetCancelConnection2 failed (error code = 67)");
+}
+
+// --- the provider is the process's from its start on, so it is registered before ---
+
+// Enters the provider into the machine's registry and takes it out again.
+class Registration {
+  public:
+    Registration() {
+        char file[MAX_PATH];
+        GetModuleFileNameA(nullptr, file, sizeof file);
+        const std::string path = std::string(file);
+        const std::string folder = path.substr(0, path.rfind('\\') + 1);
+        DWORD size = sizeof m_order;
+        m_had_order = RegGetValueA(HKEY_LOCAL_MACHINE, order_key, "ProviderOrder", RRF_RT_REG_SZ,
+                                   nullptr, m_order, &size) == 0 &&
+                      std::strcmp(m_order, util_test::network_provider) != 0;
+        set(order_key, "ProviderOrder", util_test::network_provider);
+        const std::string key = service_key() + "\\NetworkProvider";
+        const DWORD network_class = 2;
+        RegSetKeyValueA(HKEY_LOCAL_MACHINE, key.c_str(), "Class", REG_DWORD, &network_class,
+                        sizeof network_class);
+        set(key.c_str(), "Name", "Test Net");
+        set(key.c_str(), "ProviderPath", folder + util_test::network_provider + ".dll");
+    }
+    ~Registration() {
+        if (m_had_order) {
+            set(order_key, "ProviderOrder", m_order);
+        } else {
+            RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, order_key, "ProviderOrder");
+        }
+        RegDeleteTreeA(HKEY_LOCAL_MACHINE, service_key().c_str());
+    }
+
+  private:
+    static constexpr char order_key[] =
+        "System\\CurrentControlSet\\Control\\NetworkProvider\\Order";
+    static std::string service_key() {
+        return std::string("System\\CurrentControlSet\\Services\\") + util_test::network_provider;
+    }
+    static void set(const char* key, const char* name, const std::string& text) {
+        RegSetKeyValueA(HKEY_LOCAL_MACHINE, key, name, REG_SZ, text.c_str(),
+                        static_cast<DWORD>(text.size() + 1));
+    }
+
+    char m_order[1024];
+    bool m_had_order;
+};
+
+int run_again_with_provider() {
+    const Registration registration;
+    SetEnvironmentVariableA("UTIL_TEST_PROVIDER", "registered");
+    std::string command_line = GetCommandLineA();
+    STARTUPINFOA start = {};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process;
+    if (!CreateProcessA(nullptr, command_line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                        &start, &process)) {
+        return 1;
+    }
+    WaitForSingleObject(process.hProcess, INFINITE);
+    DWORD code = 1;
+    GetExitCodeProcess(process.hProcess, &code);
+    return static_cast<int>(code);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (!GetModuleHandleA(util_test::network_provider)) {
+        if (GetEnvironmentVariableA("UTIL_TEST_PROVIDER", nullptr, 0) == 0) {
+            return run_again_with_provider();
+        }
+        std::fprintf(stderr, "the system did not load the network provider\n");
+        return 1;
+    }
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,105 @@
+#include "util/host/cifs_share.h"
+
+#include "util/internal/windows.h"
+// after the platform's header
+#include <comdef.h>
+#include <winnetwk.h>
+
+#include <cstring>
+#include <string>
+
+#include "util/internal/ansi_text.h"
+#include "util/portable/utf8.h"
+#include "util/text/byte_string.h"
+
+namespace {
+
+constexpr char add_call[] = "WNetAddConnection2";
+constexpr char cancel_call[] = "WNetCancelConnection2";
+constexpr int most_retries = 20;
+constexpr DWORD pause_ms = 3000;
+
+String plain_text(const char* call, DWORD code) {
+    return String::format("%s failed (error code = %ld)", call, static_cast<long>(code));
+}
+
+// To be asked right after the call that failed: the provider's words are the thread's last ones.
+String error_text(const char* call, DWORD code) {
+    if (code != ERROR_EXTENDED_ERROR) return plain_text(call, code);
+    DWORD provider_code = 0;
+    char description[256] = {};
+    char provider[256] = {};
+    const DWORD result = WNetGetLastErrorA(&provider_code, description, sizeof description,
+                                           provider, sizeof provider);
+    if (result != NO_ERROR) return plain_text("WNetGetLastError", result);
+    description[sizeof description - 1] = '\0';
+    std::string words;
+    util::ansi_to_utf8(description, words);
+    return plain_text(call, provider_code) + ". " + String(words);
+}
+
+// A null text stays a null wide one, which has a meaning of its own to the network calls.
+bool to_wide(const char* text, _bstr_t& wide) {
+    return !text || UTIL_Utf8ToWideChar(text, &wide);
+}
+
+DWORD cancel(const char* share) {
+    if (!share) return ERROR_BAD_NET_NAME;  // not every platform looks
+    _bstr_t wide;
+    if (!to_wide(share, wide)) return ERROR_NO_UNICODE_TRANSLATION;
+    return WNetCancelConnection2W(wide, CONNECT_UPDATE_PROFILE, FALSE);
+}
+
+DWORD connect(const char* share, const char* user, const char* password) {
+    if (!share) return ERROR_BAD_NET_NAME;
+    _bstr_t wide_share, wide_user, wide_password;
+    if (!to_wide(share, wide_share) || !to_wide(user, wide_user) ||
+        !to_wide(password, wide_password)) {
+        return ERROR_NO_UNICODE_TRANSLATION;
+    }
+    NETRESOURCEW record = {};
+    record.dwScope = RESOURCE_GLOBALNET;
+    record.dwType = RESOURCETYPE_DISK;
+    record.dwUsage = RESOURCEUSAGE_CONNECTABLE;
+    record.lpRemoteName = wide_share;
+    return WNetAddConnection2W(&record, wide_password, wide_user, 0);
+}
+
+bool disconnect(const char* share, String& failure) {
+    const DWORD result = cancel(share);
+    if (result == NO_ERROR) return true;
+    failure = error_text(cancel_call, result);
+    return false;
+}
+
+int fail(char* message, const char* text) {
+    if (message) std::strcpy(message, text);
+    return -1;
+}
+
+}  // namespace
+
+int UTIL_ConnectCifsShare(char const* share, char const* user, char const* password,
+                          char* message) try {
+    String history;
+    DWORD result = connect(share, user, password);
+    for (int retry = 0; result == ERROR_SESSION_CREDENTIAL_CONFLICT && retry < most_retries;
+         ++retry) {
+        history = "Earlier attempt(s):" + error_text(add_call, result);
+        String failure;
+        if (!disconnect(share, failure)) history += "\n" + failure;
+        Sleep(pause_ms);
+        result = connect(share, user, password);
+    }
+    if (result == NO_ERROR) return 0;
+    return fail(message, error_text(add_call, result) + " \n " + history);
+} catch (...) {
+    return fail(message, "WNetAddConnection2 failed (error code = 14) \n ");
+}
+
+int UTIL_DisconnectCifsShare(char const* share, char* message) try {
+    String failure;
+    return disconnect(share, failure) ? 0 : fail(message, failure);
+} catch (...) {
+    return fail(message, "WNetCancelConnection2 failed (error code = 14)");
+}
