@@ -3,8 +3,8 @@
 #define UTIL_UTIL_H
 
 #include "util/files/files.h"
-#include "util/poll/poll.h"
 #include "util/host/host.h"
+#include "util/poll/poll.h"
 #include "util/portable/portable.h"
 #include "util/text/text.h"
 #include "util/version.h"

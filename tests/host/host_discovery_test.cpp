@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <new>
 
 #include "support/handle_count.h"
@@ -51,7 +52,7 @@ class HostDiscoveryTest : public testing::Test {
     static void put(const std::string& name, const std::string& value) {
         _putenv((name + "=" + value).c_str());
     }
-    void answer(const std::string& text) { put("NSLOOKUP_ANSWER", scratch.write("answer", text)); }
+    void answer(const std::string& text) { put("NSLOOKUP_ANSWER", scratch.file("answer", text)); }
     int enumerate() { return enumerate(scratch.path()); }
     int enumerate(const std::string& directory) {
         hosts.clear();
@@ -169,10 +170,10 @@ TEST_F(HostDiscoveryTest, DomainIsTheConfiguredOneElseTheComputers) {
 
 TEST_F(HostDiscoveryTest, WorkFilesAreMadeInTheDirectoryAndStayThere) {
     for (const char* name : {"plain", "with blanks & such", "caf\xC3\xA9"}) {
-        const std::string directory = scratch.make_directory(name);
+        const std::string directory = scratch.directory(name);
         for (const char* end : {"", "\\"}) {
-            scratch.write(name + "\\nslookupOutput.txt"s,
-                          "old A 10.0.0.1\r\n" + std::string(999, 'x'));
+            scratch.file(name + "\\nslookupOutput.txt"s,
+                         "old A 10.0.0.1\r\n" + std::string(999, 'x'));
             EXPECT_EQ(enumerate(directory + end), 0);
             EXPECT_EQ(hosts, Hosts{"host1"}) << name << end;
             const std::string question = "ls -t A Example.Test\nexit";
@@ -187,13 +188,13 @@ TEST_F(HostDiscoveryTest, WithoutAnAnswerThereAreNoHosts) {
     const auto finds_none = [this](const std::string& directory) {
         return enumerate(directory) == 0 && hosts.empty() && message == no_hosts("Example.Test");
     };
-    EXPECT_TRUE(finds_none(scratch.path("missing")));
-    EXPECT_TRUE(finds_none(scratch.path("a\"b")));
-    EXPECT_TRUE(finds_none(scratch.make_directory("\xE2\x86\x92"))) << "not in the ANSI page";
+    EXPECT_TRUE(finds_none(scratch / "missing"));
+    EXPECT_TRUE(finds_none(scratch / "a\"b"));
+    EXPECT_TRUE(finds_none(scratch.directory("\xE2\x86\x92"))) << "not in the ANSI page";
 
     // What an earlier call has left is no answer to this one.
-    const std::string directory = scratch.make_directory("used");
-    const auto leave_answer = [&] { scratch.write("used\\nslookupOutput.txt", "old A 1.2.3.4"); };
+    const std::string directory = scratch.directory("used");
+    const auto leave_answer = [&] { scratch.file("used\\nslookupOutput.txt", "old A 1.2.3.4"); };
     leave_answer();
     put("PATH", "C:\\windows");
     EXPECT_TRUE(finds_none(directory)) << "no tool";
@@ -202,8 +203,8 @@ TEST_F(HostDiscoveryTest, WithoutAnAnswerThereAreNoHosts) {
     put("ComSpec", "C:\\missing.exe");
     EXPECT_TRUE(finds_none(directory)) << "no command processor";
     put("ComSpec", processor);
-    std::filesystem::remove(scratch.path("used\\nslookupInput.txt"));
-    scratch.make_directory("used\\nslookupInput.txt");
+    std::filesystem::remove(scratch / "used\\nslookupInput.txt");
+    scratch.directory("used\\nslookupInput.txt");
     leave_answer();
     EXPECT_TRUE(finds_none(directory)) << "no question";
     EXPECT_EQ(scratch.read("used\\nslookupOutput.txt"), "old A 1.2.3.4");

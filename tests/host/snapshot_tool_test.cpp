@@ -38,8 +38,8 @@ TEST(SnapshotToolTest, IsTheFirstPlaceThatHasIt) {
     _putenv(("PATH=%SystemRoot%;;" + scratch.path()).c_str());
     EXPECT_EQ(found(-1), "");
 
-    const Planted on_path(fs::u8path(scratch.path("vexsnap.exe")));
-    EXPECT_EQ(found(0), scratch.path("vexsnap.exe"));
+    const Planted on_path(fs::u8path(scratch / "vexsnap.exe"));
+    EXPECT_EQ(found(0), scratch / "vexsnap.exe");
 
     const char* const win2k = "C:\\Program Files\\Vorn\\Halcyra Vexsnap for Win2K\\vexsnap.exe";
     const Planted old_install(win2k);

@@ -22,9 +22,7 @@ std::string exiting_with(int code) {
 }
 
 TEST(System2Test, GivesTheWholeExitCode) {
-    for (int code = 0; code <= 255; ++code)
-        EXPECT_EQ(ksl_system2(exiting_with(code).c_str()), code);
-    for (int code : {-1, 259, 70000, INT_MIN})
+    for (int code : {0, 1, 3, 127, 128, 254, 255, -1, 259, 70000, INT_MIN})
         EXPECT_EQ(ksl_system2(exiting_with(code).c_str()), code);
 }
 
