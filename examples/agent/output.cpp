@@ -32,7 +32,7 @@ Output::Output() : m_console_page(GetConsoleOutputCP()) {
     for (std::FILE* stream : {stdout, stderr}) {
         // The same bytes everywhere: lines end in a line feed, also in a file.
         _setmode(_fileno(stream), _O_BINARY);
-        std::setvbuf(stream, nullptr, _IOFBF, 32 * 1024);
+        std::setvbuf(stream, nullptr, _IOFBF, std::size_t{32} * 1024);
     }
 }
 

@@ -21,7 +21,7 @@ bool same_file(const String& a, const String& b) {
 // XrDirectory gives an unreadable directory an empty listing, as if it were empty.
 bool is_readable(const String& directory) {
     std::error_code error;
-    fs::directory_iterator(native(directory), error);
+    const fs::directory_iterator opened(native(directory), error);
     return !error;
 }
 

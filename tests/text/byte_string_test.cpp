@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstdlib>
 #include <functional>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -100,7 +101,10 @@ TEST(StringTest, ComparesContentsNotPointers) {
     EXPECT_TRUE(String("a") < String("\xE9") && String("a") < "ab" && "B" < String("a"))
         << "bytes compare as unsigned";
     EXPECT_TRUE(String("a") < "b"s && "a"s < String("b"));
+    EXPECT_TRUE(String("b") > String("a") && String("b") >= "b" && "a"s <= String("a"));
+    EXPECT_TRUE(String("x") == std::string_view("x") && 'x' == String("xyz"));
     EXPECT_EQ(std::unordered_set<String>({a, b}).size(), 1u);
+    EXPECT_EQ((std::set<std::vector<String>>{{"a"}, {"a"}}).size(), 1u);
 }
 
 TEST(StringTest, JoinsAndPrints) {

@@ -37,6 +37,11 @@ int reporting_length(char* buffer, size_t size, size_t, const char* fmt, _locale
     return vsnprintf(buffer, size, fmt, args);
 }
 
+// As the runtime counts a text of more than INT_MAX bytes.
+int uncountable(const char*, va_list) {
+    return -1;
+}
+
 void* failing_new(size_t) {
     throw std::bad_alloc();
 }
@@ -117,6 +122,17 @@ TEST_F(FormatGrowthTest, LockIsFreeAfterAFormatterOrAnAllocationRaises) {
     EXPECT_EQ(text, "42");
     EXPECT_EQ(buffer_size(), size_t(huge) - 1) << "a failed growth leaves the size";
     EXPECT_EQ(String::format("%*s", huge, "").size(), size_t(huge));
+}
+
+TEST_F(FormatGrowthTest, TextsLongerThanAnIntAreRefusedAtOnce) {
+    const int too_long = static_cast<int>(buffer_size());
+    {
+        ImportPatch patch("_vscprintf", uncountable);
+        EXPECT_THROW(String::format("%*s", too_long, ""), std::bad_alloc);
+    }
+    SetLastError(77);
+    EXPECT_EQ(String::format("%*s", too_long, "").size(), size_t(too_long));
+    EXPECT_EQ(GetLastError(), 77u) << "growing leaves the last error alone";
 }
 
 TEST_F(FormatGrowthTest, HostProgramsLocaleChangesNothing) {

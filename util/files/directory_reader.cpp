@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "util/portable/utf8_files.h"
 
@@ -26,7 +27,10 @@ bool DirectoryReader::next() {
         m_first_pending = false;
         return true;
     }
-    return UTF8_FindNextFile(m_search.get(), &m_data, m_name) != 0;
+    if (UTF8_FindNextFile(m_search.get(), &m_data, m_name)) return true;
+    // The platform never gives this code here; the name could not be converted for want of memory.
+    if (GetLastError() == ERROR_INVALID_NAME) throw std::bad_alloc();
+    return false;
 }
 
 std::vector<String> drive_roots() {

@@ -16,7 +16,8 @@ class DirectoryReader {
 
     bool is_open() const { return static_cast<bool>(m_search); }
 
-    // Moves to the next name, the first one included; false at the end.
+    // Moves to the next name, the first one included; false at the end, and when the search breaks
+    // off. Raises std::bad_alloc.
     bool next();
 
     const char* name() const { return m_name; }

@@ -29,7 +29,7 @@ String search(const String& name, const std::vector<String>& directories, String
     for (std::size_t i = 0; i < directories.size(); ++i) {
         const String& directory = directories[i];  // never empty: the split drops those
         if (directory.view().front() == '%') continue;
-        const String candidate = join(directory, name);
+        String candidate = join(directory, name);
         if (!Tools::fileExists(candidate)) continue;
         if (search_list) {
             String rest;

@@ -49,6 +49,10 @@ Transfer ReadAhead::read(char* to, std::uint64_t count) {
                              to + ready, count - ready);
     // Bytes followed by the end of the file are a short read, which is no failure.
     if (rest.at_end && rest.moved == 0 && ready > 0) rest.done = true;
+    if (!rest.done && rest.moved == 0) {
+        m_begin -= ready;  // as if the read had failed as a whole
+        return rest;
+    }
     rest.moved += ready;
     return rest;
 }

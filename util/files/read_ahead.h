@@ -10,8 +10,8 @@ namespace util {
 
 // The bytes of a descriptor from its position on, for the length of one operation. Where `seekable`
 // allows it, they are read a chunk at a time and what was not taken is given back by seeking when
-// this object goes, so that the position is exact for everyone who shares the descriptor. Nothing
-// is kept between operations: another handle may have changed the file by then.
+// this object goes, so that the position afterwards is exact for everyone who shares the
+// descriptor. Nothing is kept between operations: another handle may have changed the file by then.
 //
 // A chunk may touch bytes beyond those wanted, and fail for it (a lock, say); reading then goes on
 // byte by byte, so that result and code are those of a reader that never looks ahead.

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <cstring>
 #include <iterator>
 #include <memory>
 #include <utility>
@@ -57,7 +58,9 @@ Status status_of(const String& directory, const util::DirectoryReader& reader) {
     const bool described = !(found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) &&
                            found.nFileSizeHigh == 0 && found.nFileSizeLow <= LONG_MAX;
     // A path of one character always gets a separator: "\" gives "\\name", which names a server.
-    const bool joins_plainly = directory.size() > 1;
+    // And a path too long for the status call on Windows has none.
+    const bool joins_plainly =
+        directory.size() > 1 && directory.size() + 1 + std::strlen(reader.name()) < MAX_PATH;
     if (described && joins_plainly) return status_from_search(found);
 
     const bool separated = directory.size() > 1 && directory.view().back() == '\\';
@@ -152,6 +155,7 @@ int XrDirectory::getFreeSpace(double* kilobytes) const {
     std::uint64_t available = 0;
     std::uint64_t total = 0;
     std::uint64_t free = 0;
+    if (!kilobytes) return -1;
     *kilobytes = 0;
     if (!UTF8_GetDiskFreeSpaceEx(m_path, &available, &total, &free)) return -1;
     *kilobytes = static_cast<double>(available) * 0.0009765625;

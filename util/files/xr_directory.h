@@ -49,11 +49,11 @@ class UTIL_API XrDirectory {
     // first for a fresh listing. The list and its entries stay owned by this object.
     // An entry whose status cannot be had has mode and size 0. When the directory cannot be read,
     // prints "Failed to open directory: " and the path to standard output and returns what there
-    // is.
+    // is. A search that the platform breaks off gives what was found until then.
     List* getDirectoryList(bool include_hidden, bool refresh);
 
     // Stores the kilobytes (1024 bytes) free for the caller and returns 0; stores 0 and returns -1
-    // when the platform cannot tell.
+    // when the platform cannot tell; -1 for a null pointer.
     int getFreeSpace(double* kilobytes) const;
 
     static bool IsDirectory(const String& path);

@@ -80,6 +80,7 @@ XrFile::XrFile(const char* name, const char* mode) : XrFile() {
 XrFile::XrFile(const XrFile& other) = default;
 
 XrFile& XrFile::operator=(const XrFile& other) {
+    std::string name = other.m_name;
     m_fd = ksl_dup(other.m_fd);
     if (m_fd < 0) {
         fail_and_invalidate(last_error());
@@ -90,7 +91,7 @@ XrFile& XrFile::operator=(const XrFile& other) {
     m_seekable = other.m_seekable;
     m_flags = other.m_flags;
     m_error_code = other.m_error_code;
-    m_name = other.m_name;
+    m_name.swap(name);
     return *this;
 }
 
@@ -123,6 +124,7 @@ int XrFile::m_open_file() {
     constexpr int owner_access = _S_IREAD | _S_IWRITE;
     int code = 0;
     for (int attempt = 0; attempt < attempts; ++attempt) {
+        SetLastError(0);
         m_fd = UTF8_open(m_name.c_str(), m_flags, (m_flags & _O_CREAT) ? owner_access : 0);
         code = last_error();
         if (m_fd != -1) {
@@ -131,6 +133,7 @@ int XrFile::m_open_file() {
             m_seekable = is_untranslated_disk_file(m_fd, m_flags);
             return 0;
         }
+        if (code == 0) code = errno;  // what only the runtime refused
         if (code != ERROR_TOO_MANY_OPEN_FILES) break;
     }
     fail_and_invalidate(code);

@@ -15,15 +15,20 @@
 //
 // Two styles of failure are kept apart. Read, Readln, Write, reading a number and Close only set
 // the error. IsEmpty, Eof, Seek, SeekToBegin, a failed open, reading a string's bad length and a
-// failed assignment also clear isValid(), while the descriptor stays with the object until Close()
-// or the destructor.
+// failed assignment also clear isValid(). After a failed position or length the descriptor stays
+// with the object: Close() or the destructor gives it back, but Open() on an object that is not
+// valid leaves it behind. This is meant; call Close() first.
 //
-// Error codes are the platform's last error after a failed or empty transfer, errno after a short
-// one, and -1 for the object's own: a null buffer, an empty name, a bad length record, no memory
-// for a record, a failed seek back in Eof().
+// Error codes: of a transfer that moved nothing, and of Readln, Seek and Close, the platform's last
+// error; of any other failed transfer errno; -1 for the object's own failures: a null buffer, an
+// empty name, a bad length record, no memory for a record, a failed seek back in Eof().
 //
-// Threads: one object belongs to one thread at a time. Raises std::bad_alloc when a name or a text
-// cannot be allocated, and what UTF8_open raises when it has no memory.
+// Positions and sizes are 32 bits: Seek, Tell, Size, IsEmpty and Eof serve files below 2 GB. Larger
+// files can be read and written in sequence. One transfer moves at most 2^31 - 1 bytes.
+//
+// Threads: one object, and all objects that share a position because one was assigned or copied
+// from another, belong to one thread at a time. Raises std::bad_alloc when a name or a text cannot
+// be allocated, and what UTF8_open raises when it has no memory.
 //
 //     XrFile file("C:\\agent\\state.rec", "w");
 //     file << 42 << "ab";                 // bytes: '4' '2' 0 '3' 0 'a' 'b' 0
@@ -52,8 +57,8 @@ class UTIL_API XrFile {
     virtual ~XrFile();
 
     // Opens the file, closing a valid one first. Returns 0; the platform's error code when the open
-    // fails (2: no such file); -1 when the name is empty. When the platform runs out of handles
-    // (code 4) the open is tried seven times in all.
+    // fails (2: no such file), or errno where the platform was not asked; -1 when the name is
+    // empty. When the platform runs out of handles (code 4) the open is tried seven times in all.
     //
     // mode is searched for letters; order and repetition do not matter:
     //   r  read only                 w  write, create, truncate       a  write, create, append
@@ -116,7 +121,8 @@ class UTIL_API XrFile {
     // In binary mode a number is its decimal text and a zero byte; a text is the number length + 1,
     // then its bytes and a zero byte. In text mode both are the bare characters; an empty text is
     // then a transfer of nothing, which is recorded as a failure. Null is the empty text. Texts end
-    // at their first NUL, but a std::string is written at its full size.
+    // at their first NUL, but a std::string is written at its full size. Each operator is one
+    // transfer. A char is written as its number.
     XrFile& operator<<(int value);
     XrFile& operator<<(long value);
     XrFile& operator<<(unsigned short value);

@@ -1,10 +1,12 @@
-// Not installed. Clean-up that no caller can notice.
+// Not installed. Work that no caller can notice.
 #ifndef UTIL_INTERNAL_KEPT_ERRORS_H
 #define UTIL_INTERNAL_KEPT_ERRORS_H
 
 #include <cerrno>
 
+#ifdef _WIN32
 #include "util/internal/windows.h"
+#endif
 
 namespace util {
 
@@ -12,17 +14,26 @@ namespace util {
 // never replace what the call before has left for the caller.
 class KeptErrors {
   public:
+#ifdef _WIN32
     KeptErrors() : m_errno(errno), m_last_error(GetLastError()) {}
     ~KeptErrors() {
         errno = m_errno;
         SetLastError(m_last_error);
     }
+#else
+    KeptErrors() : m_errno(errno) {}
+    ~KeptErrors() {
+        errno = m_errno;
+    }
+#endif
     KeptErrors(const KeptErrors&) = delete;
     KeptErrors& operator=(const KeptErrors&) = delete;
 
   private:
-    int m_errno;
-    DWORD m_last_error;
+    const int m_errno;
+#ifdef _WIN32
+    const DWORD m_last_error;
+#endif
 };
 
 }  // namespace util

@@ -4,6 +4,7 @@
 #include <ostream>
 #include <utility>
 
+#include "util/internal/byte_set.h"
 #include "util/internal/decimal.h"
 #include "util/text/position_error.h"
 
@@ -119,11 +120,13 @@ String String::to_upper() const {
 String String::trim(const char* set) const {
     const std::string_view named = util::view_of(set);
     // With its closing NUL: a NUL byte belongs to every set.
-    const std::string members(named.data(), named.size() + 1);
-    const auto begin = m_text.find_first_not_of(members);
-    if (begin == std::string::npos) return String();
-    const auto end = m_text.find_last_not_of(members) + 1;
-    return String(m_text.data() + begin, end - begin);
+    const util::ByteSet members({named.data(), named.size() + 1});
+    std::string_view kept = view();
+    while (!kept.empty() && members.has(kept.front()))
+        kept.remove_prefix(1);
+    while (!kept.empty() && members.has(kept.back()))
+        kept.remove_suffix(1);
+    return String(kept.data(), kept.size());
 }
 
 bool String::isAscii() const {

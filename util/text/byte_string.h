@@ -7,7 +7,11 @@
 #include <iosfwd>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
+#if __cplusplus >= 202002L
+#include <compare>
+#endif
 
 #include "util/export.h"
 #include "util/text/ext_string.h"
@@ -23,8 +27,8 @@ class ExtTime;  // util/text/date.h
 // two at once. Formatting, and construction from numbers, may be called from any thread.
 //
 // Failure: positions beyond the length raise std::out_of_range with exactly the message
-// "invalid string position"; memory exhaustion raises std::bad_alloc. Null C strings are the empty
-// text everywhere.
+// "invalid string position"; memory exhaustion raises std::bad_alloc, and a size that no string can
+// have std::length_error. Null C strings are the empty text everywhere.
 //
 // Embedded NULs, meant as they are: to_lower, to_upper, isAscii, squeeze_spaces, assignment,
 // appending, replacing a text, replaceXML and placeXML work on the NUL-terminated view and drop
@@ -160,7 +164,7 @@ class UTIL_API String : public extstl::ExtString {
     //     String::format("%s-%03d", "disk", 7)   // "disk-007"
     static String format(const char* fmt, ...) UTIL_PRINTF_FORMAT(1, 2);
 
-    // The same for arguments already taken; args is used up as by vprintf.
+    // The same for arguments already taken; args stays the caller's to end.
     static String va_format(const char* fmt, va_list args);
 
     // The NUL-terminated view with its ASCII letters mapped; this object stays as it is.
@@ -205,61 +209,78 @@ class UTIL_API String : public extstl::ExtString {
     String squeeze_spaces();
 };
 
-// Comparison by contents, over the full stored length and with bytes taken as unsigned; never by
-// pointer. A null C string compares like "".
-inline bool operator==(const String& a, const String& b) {
-    return a.view() == b.view();
-}
-inline bool operator!=(const String& a, const String& b) {
-    return a.view() != b.view();
-}
-inline bool operator<(const String& a, const String& b) {
-    return a.view() < b.view();
+namespace util {
+
+// Two texts of which one is a String (or derives from it) and the other that or any of the
+// standard's: const char*, std::string, std::string_view.
+template <typename T>
+inline constexpr bool is_string = std::is_base_of_v<String, T>;
+template <typename T>
+inline constexpr bool is_text = is_string<T> || std::is_convertible_v<const T&, std::string_view>;
+template <typename A, typename B>
+using if_texts =
+    std::enable_if_t<(is_string<A> && is_text<B>) || (is_text<A> && is_string<B>), int>;
+
+// The bytes to compare: of a C string those before its NUL, and none of a null one.
+template <typename T>
+std::string_view view_of(const T& text) {
+    if constexpr (is_string<T>) {
+        return text.view();
+    } else if constexpr (std::is_convertible_v<const T&, const char*>) {
+        const char* const s = text;
+        return s ? std::string_view(s) : "";
+    } else {
+        return text;
+    }
 }
 
-namespace util {
-inline std::string_view view_of(const char* s) {
-    return s ? std::string_view(s) : "";
-}
 }  // namespace util
 
-inline bool operator==(const String& a, const char* b) {
-    return a.view() == util::view_of(b);
+// Comparison by contents, over the full stored length and with bytes taken as unsigned; never by
+// pointer. A null C string compares like "". (A single character is compared by the members above,
+// which see the first byte only.)
+template <typename A, typename B, util::if_texts<A, B> = 0>
+bool operator==(const A& a, const B& b) {
+    return util::view_of(a) == util::view_of(b);
 }
-inline bool operator!=(const String& a, const char* b) {
-    return a.view() != util::view_of(b);
+template <typename A, typename B, util::if_texts<A, B> = 0>
+bool operator!=(const A& a, const B& b) {
+    return util::view_of(a) != util::view_of(b);
 }
-inline bool operator<(const String& a, const char* b) {
-    return a.view() < util::view_of(b);
+template <typename A, typename B, util::if_texts<A, B> = 0>
+bool operator<(const A& a, const B& b) {
+    return util::view_of(a) < util::view_of(b);
 }
-inline bool operator==(const char* a, const String& b) {
-    return util::view_of(a) == b.view();
+template <typename A, typename B, util::if_texts<A, B> = 0>
+bool operator>(const A& a, const B& b) {
+    return util::view_of(a) > util::view_of(b);
 }
-inline bool operator!=(const char* a, const String& b) {
-    return util::view_of(a) != b.view();
+template <typename A, typename B, util::if_texts<A, B> = 0>
+bool operator<=(const A& a, const B& b) {
+    return util::view_of(a) <= util::view_of(b);
 }
-inline bool operator<(const char* a, const String& b) {
-    return util::view_of(a) < b.view();
+template <typename A, typename B, util::if_texts<A, B> = 0>
+bool operator>=(const A& a, const B& b) {
+    return util::view_of(a) >= util::view_of(b);
 }
+#if defined(__cpp_lib_three_way_comparison)
+template <typename A, typename B, util::if_texts<A, B> = 0>
+std::strong_ordering operator<=>(const A& a, const B& b) {
+    return util::view_of(a) <=> util::view_of(b);
+}
+#endif
 
-inline bool operator==(const String& a, const std::string& b) {
-    return a.view() == b;
+// The other way round for a character; a number is no text to compare with.
+inline int operator==(char c, const String& s) {
+    return s == c;
 }
-inline bool operator!=(const String& a, const std::string& b) {
-    return a.view() != b;
+inline int operator!=(char c, const String& s) {
+    return s != c;
 }
-inline bool operator<(const String& a, const std::string& b) {
-    return a.view() < b;
-}
-inline bool operator==(const std::string& a, const String& b) {
-    return a == b.view();
-}
-inline bool operator!=(const std::string& a, const String& b) {
-    return a != b.view();
-}
-inline bool operator<(const std::string& a, const String& b) {
-    return a < b.view();
-}
+bool operator==(const String&, int) = delete;
+bool operator!=(const String&, int) = delete;
+bool operator==(int, const String&) = delete;
+bool operator!=(int, const String&) = delete;
 
 // a's every byte, then b appended as += does: String("a") + "b" is "ab".
 inline String operator+(String a, const String& b) {
@@ -269,6 +290,9 @@ inline String operator+(String a, const char* b) {
     return a += b;
 }
 inline String operator+(const char* a, const String& b) {
+    return String(a) += b;
+}
+inline String operator+(char a, const String& b) {
     return String(a) += b;
 }
 inline String operator+(String a, char b) {

@@ -51,11 +51,13 @@ void ExtString::lower() {
 
 std::uint64_t ExtString::find(const std::string& what, std::uint64_t pos, int ignore_case) const {
     if (!ignore_case) return m_text.find(what, pos);
-    ExtString folded_text(m_text);
-    ExtString folded_what(what);
-    folded_text.upper();
-    folded_what.upper();
-    return folded_text.m_text.find(folded_what.m_text, pos);
+    if (pos > size()) return npos;
+    const auto begin = m_text.begin() + static_cast<std::ptrdiff_t>(pos);
+    const auto found =
+        std::search(begin, m_text.end(), what.begin(), what.end(),
+                    [](char a, char b) { return util::to_upper(a) == util::to_upper(b); });
+    if (found == m_text.end() && !what.empty()) return npos;
+    return static_cast<std::uint64_t>(found - m_text.begin());
 }
 
 }  // namespace extstl

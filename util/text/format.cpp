@@ -5,7 +5,9 @@
 #include <cstdio>
 #include <memory>
 #include <mutex>
+#include <new>
 
+#include "util/internal/kept_errors.h"
 #include "util/text/byte_string.h"
 
 namespace {
@@ -48,24 +50,14 @@ class Arguments {
     va_list m_list;
 };
 
-class KeepErrno {
-  public:
-    KeepErrno() : m_saved(errno) { errno = 0; }
-    ~KeepErrno() { errno = m_saved; }
-    KeepErrno(const KeepErrno&) = delete;
-    KeepErrno& operator=(const KeepErrno&) = delete;
-
-  private:
-    const int m_saved;
-};
-
 class FormatBuffer {
   public:
     // The buffer's text up to its NUL; "" when the runtime rejects the format. A failed allocation
     // leaves the buffer as it was, so the next call works.
     String format(const char* fmt, va_list args) {
         if (!m_buffer) resize(m_size);
-        const KeepErrno keep;
+        const util::KeptErrors kept;
+        errno = 0;
         int length = format_once(fmt, args);
         if (length != truncated && static_cast<std::size_t>(length) > m_size) {
             resize((static_cast<std::size_t>(length) / m_step + 1) * m_step);
@@ -73,6 +65,7 @@ class FormatBuffer {
         } else if (length == truncated && errno == 0) {
             Arguments copy(args);
             const int needed = needed_length(fmt, copy.list());
+            if (needed < 0) throw std::bad_alloc();  // more than an int can count
             while (length == truncated && errno == 0) {
                 grow_beyond(needed);
                 length = format_once(fmt, args);
@@ -107,7 +100,7 @@ class FormatBuffer {
                 step = large_increment;
             }
             size += step;
-        } while (needed >= 0 && size <= static_cast<std::size_t>(needed));
+        } while (size <= static_cast<std::size_t>(needed));
         resize(size);
         m_step = step;
     }
