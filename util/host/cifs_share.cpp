@@ -52,7 +52,9 @@ DWORD cancel(const char* share) {
 
 DWORD connect(const char* share, const char* user, const char* password) {
     if (!share) return ERROR_BAD_NET_NAME;
-    _bstr_t wide_share, wide_user, wide_password;
+    _bstr_t wide_share;
+    _bstr_t wide_user;
+    _bstr_t wide_password;
     if (!to_wide(share, wide_share) || !to_wide(user, wide_user) ||
         !to_wide(password, wide_password)) {
         return ERROR_NO_UNICODE_TRANSLATION;
@@ -72,8 +74,8 @@ bool disconnect(const char* share, String& failure) {
     return false;
 }
 
-int fail(char* message, const char* text) {
-    if (message) std::strcpy(message, text);
+int fail(char* message, const String& text) {
+    if (message) std::memcpy(message, text.c_str(), text.size() + 1);
     return -1;
 }
 

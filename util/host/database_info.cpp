@@ -15,7 +15,7 @@ bool is_network_path(std::string_view path) {
     if (path.substr(0, 2) != "\\\\") return false;
     path.remove_prefix(2);
     const std::size_t host = path.find('\\');
-    if (host == 0 || host == path.npos) return false;
+    if (host == 0 || host == std::string_view::npos) return false;
     path.remove_prefix(host + 1);
     return !path.empty() && path.front() != '\\';
 }

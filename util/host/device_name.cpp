@@ -1,12 +1,11 @@
 #include "util/host/device_name.h"
 
+#include <algorithm>
 #include <cstring>
-#include <initializer_list>
+#include <iterator>
 
 bool UTIL_isBKDevice(const char* text) {
-    if (!text) return false;
-    for (const char* spelling : {"Talvora", "talvora", "TalVora", "TALVORA"}) {
-        if (std::strstr(text, spelling)) return true;
-    }
-    return false;
+    constexpr const char* spellings[] = {"Talvora", "talvora", "TalVora", "TALVORA"};
+    return text && std::any_of(std::begin(spellings), std::end(spellings),
+                               [text](const char* s) { return std::strstr(text, s) != nullptr; });
 }

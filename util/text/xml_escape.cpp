@@ -21,7 +21,7 @@ constexpr Entity entities[] = {
 // What each byte is escaped to; empty for the bytes that stay.
 class EscapeTable {
   public:
-    constexpr EscapeTable() : m_texts() {
+    constexpr EscapeTable() {
         for (const Entity& entity : entities) {
             if (entity.written) m_texts[static_cast<unsigned char>(entity.character)] = entity.text;
         }
