@@ -101,6 +101,10 @@ void text(std::string_view input) {
     const std::string few = parameters.short_text();
     const std::string bytes = parameters.rest();
 
+    const std::string needle = up_to_nul(few);
+    for (const std::size_t from : {std::size_t{0}, few.size()}) {
+        require(String(bytes).first(needle.c_str(), from) == bytes.find(needle, from), "first");
+    }
     check_split(bytes, few);
     check_split_by_tag(bytes, few);
     check_trim(bytes, few);

@@ -19,7 +19,7 @@ UTIL_EXTERN_C_BEGIN
 //
 // Returns 0; -1 when size is too small, when the socket library does not start with version 2.0 or
 // when it has no name, and then buf is as it was. A null buf gives -1 with errno 22, before
-// anything is started; errno is left alone otherwise.
+// anything is started; errno is not set otherwise.
 //
 //     char name[256] = "";
 //     ksl_gethostname(name, sizeof name);   // 0, name is "alpha"
@@ -36,7 +36,7 @@ UTIL_API int ksl_gethostname(char* buf, unsigned int size);
 //
 // Returns 0; -1 when the name cannot be had or looked up, or when the lookup gives anything but
 // IPv4 addresses, and then *count is 0 and the records are zeroes. A null count or records, or a
-// negative max, gives -1 with errno 22 and writes nothing; errno is left alone otherwise.
+// negative max, gives -1 with errno 22 and writes nothing; errno is not set otherwise.
 //
 //     char records[4 * 21];
 //     int count;

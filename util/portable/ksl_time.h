@@ -19,10 +19,10 @@ UTIL_EXTERN_C_BEGIN
 //     11  numbers with ":" between               tm_hour, tm_min, tm_sec
 //     20  calendar year                          tm_year
 //
-// Names are read in exactly that case, numbers as scanf's "%d" does. Nothing is reported: what is
-// not there or cannot be read leaves its field as it was, so fill the record beforehand. Then
-// tm_yday is computed from the fields, and tm_isdst is -1 (unknown). A null argument changes
-// nothing.
+// Names are read in exactly that case, numbers as scanf's "%d" does (wrapping modulo 2^32). Nothing
+// is reported: what is not there or cannot be read leaves its field as it was, so fill the record
+// beforehand. Then tm_yday is computed from the fields, and tm_isdst is -1 (unknown). A null
+// argument changes nothing.
 //
 // tm_yday takes the leap year from tm_year, the years since 1900, not from the calendar year; this
 // is meant. 2000 (100) is a common year; 1900 (0) and 2300 (400) count one more day in every
@@ -31,7 +31,7 @@ UTIL_EXTERN_C_BEGIN
 UTIL_API void ksl_strptime(const char* text, std::tm* out);
 
 // Local broken-down time of *t. 0, or the runtime's error code: 22 (EINVAL) for times before 1970
-// or after the year 3000 and for null arguments.
+// or beyond the year 3000 and for null arguments.
 UTIL_API int ksl_localtime(const std::int64_t* t, std::tm* out);
 
 // Local time of *t as "%Y %m %d %H:%M:%S", such as "2010 03 07 14:05:09", into a buffer of size

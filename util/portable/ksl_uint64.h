@@ -20,6 +20,9 @@ struct u_hyper {
 //     size += ksl_uint64_c("0x1f");
 //     size.to_decimal();                // "4294967327"
 //
+// Other integers convert by way of the halves: ksl_uint64_c(low, high). Only int and long have a
+// constructor of their own, and a character converts as its code: '1' is 49.
+//
 // Status: one word for the whole process, read by status(). 0 is no error; only construction from
 // text sets another code. "Status 0" below marks what resets it; every other operation leaves it
 // as it is. A compound assignment does what its plain operator does.
@@ -114,9 +117,9 @@ class UTIL_API ksl_uint64_c {
     char* to_decimal() const;
 
     // The text in buf, cut to size - 1 characters and NUL-terminated; returns buf. Besides, the
-    // last of the size bytes is set to NUL, except for zero, which writes just "0". 12345 into 3
-    // bytes gives "12". 21 bytes hold every value. A null buf or a size below 1 writes nothing.
-    // Status 0.
+    // last of the size bytes is set to NUL, except for zero, which writes just "0" (and of it
+    // only the NUL into a single byte). 12345 into 3 bytes gives "12". 21 bytes hold every value. A
+    // null buf or a size below 1 writes nothing. Status 0.
     char* to_decimal_r(char* buf, int size) const;
 
   private:

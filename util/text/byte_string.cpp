@@ -6,6 +6,7 @@
 
 #include "util/internal/byte_set.h"
 #include "util/internal/decimal.h"
+#include "util/internal/find_text.h"
 #include "util/text/position_error.h"
 
 const String String::eol("\n");
@@ -65,7 +66,7 @@ int String::operator!=(char c) const {
 }
 
 std::uint64_t String::first(const char* s, std::uint64_t pos) const {
-    return m_text.find(s ? s : "", pos);
+    return util::find_text(view(), util::view_of(s), pos);
 }
 
 std::uint64_t String::first(char c, std::uint64_t pos) const {

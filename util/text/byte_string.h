@@ -124,7 +124,7 @@ class UTIL_API String : public extstl::ExtString {
 
     // The same with SCOPE_ALL on a copy; this object stays as it is. String("a-b").replace("-", "")
     // is "ab".
-    String replace(const char* from, const char* to) const;
+    [[nodiscard]] String replace(const char* from, const char* to) const;
 
     // Write & < > " ' as &amp; &lt; &gt; &quot; &apos; in this object, up to its first NUL, and
     // return a copy. Meant as it is: double quotes around the whole of two bytes or more stay as

@@ -155,9 +155,9 @@ ExtTime::ExtTime(const ExtTime& other)
               other.m_label) {}
 
 ExtTime& ExtTime::operator=(const ExtTime& other) {
+    m_label = other.m_label;  // first, as the only one that can fail
     m_fields = other.m_fields;
     m_time = other.m_time;
-    m_label = other.m_label;
     return *this;
 }
 

@@ -14,9 +14,10 @@ namespace extstl {
 // a date made or assigned from an ExtTime follows it too. Fields out of range carry over, as the
 // runtime's mktime does it: ExtDate(31, 2, 2010) is 3 March 2010.
 //
-// A date before 1970 or after 3000 is not valid: its time is -1, its fields stay as they were
-// given, and its text is "". Values are independent and may be used from any thread, one object
-// from one thread at a time. Memory exhaustion raises std::bad_alloc; nothing else is raised.
+// A date whose local time lies before 1970-01-01 00:00:00 UTC or beyond what the runtime reckons
+// (the end of the year 3000) is not valid: its time is -1, its fields stay as they were given, and
+// its text is "". Values are independent and may be used from any thread, one object from one
+// thread at a time. Memory exhaustion raises std::bad_alloc; nothing else is raised.
 class UTIL_API ExtDate {
   public:
     virtual ~ExtDate();
@@ -69,7 +70,8 @@ class UTIL_API ExtTime : public ExtDate {
     ExtTime(const ExtDate& date, int hour, int minute, int second, const ExtString& label);
 
     // Makes the time anew from date and time of day, so in the hour that daylight saving repeats
-    // the copy may be the other one; assignment copies everything as it is.
+    // the copy may be the other one; assignment keeps both as they are, and takes the label up to
+    // its first NUL, as assigning an ExtString does.
     ExtTime(const ExtTime& other);
     ExtTime& operator=(const ExtTime& other);
 

@@ -2,6 +2,7 @@
 #include <stdexcept>
 
 #include "util/internal/byte_set.h"
+#include "util/internal/find_text.h"
 #include "util/text/byte_string.h"
 
 namespace {
@@ -53,7 +54,7 @@ std::vector<String> String::split_by_tag(const String& tag) const {
         return pieces;
     }
     std::size_t begin = 0;
-    for (std::size_t at; (at = m_text.find(tag.str(), begin)) != std::string::npos;) {
+    for (std::size_t at; (at = util::find_text(view(), tag.view(), begin)) != std::string::npos;) {
         pieces.emplace_back(m_text.data() + begin, at - begin);
         begin = at + tag.size();
     }

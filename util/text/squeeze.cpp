@@ -15,6 +15,7 @@ String String::squeeze_spaces() {
             squeezed += ' ';
         }
     }
+    String copy(squeezed);  // made first: when it fails, this object is as it was
     m_text = std::move(squeezed);
-    return *this;
+    return copy;
 }

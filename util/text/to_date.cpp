@@ -9,10 +9,10 @@ extstl::ExtTime read_time(const String& text) {
     if (fields.size() < 5) return extstl::ExtTime();
 
     const bool has_seconds = fields.size() > 5 && util::is_digit(fields[5].c_str()[0]);
-    extstl::ExtString label;
+    std::string label;
     if (fields.size() > (has_seconds ? 6u : 5u)) {
         const std::vector<String> words = text.split(" ", true);
-        if (words.size() == 3) label = words[2];
+        if (words.size() == 3) label = words[2].str();
     }
     const extstl::ExtDate date(fields[2].to_int(), fields[1].to_int(), fields[0].to_int());
     return extstl::ExtTime(date, fields[3].to_int(), fields[4].to_int(),

@@ -77,8 +77,9 @@ String String::replaceXML() {
         }
     }
     if (quoted) escaped += '"';
+    String copy(escaped);  // made first: when it fails, this object is as it was
     m_text = std::move(escaped);
-    return *this;
+    return copy;
 }
 
 String String::placeXML() {
@@ -90,19 +91,20 @@ String String::placeXML() {
     const bool quoted = has_outer_quotes(view());
     std::string_view unread = visible_inside(view());
 
-    // In place: no entity is shorter than its character, so writing never overtakes reading.
-    std::size_t written = quoted ? 1 : 0;
+    std::string decoded;
+    decoded.reserve(unread.size() + (quoted ? 2 : 0));  // no entity is shorter than its character
+    if (quoted) decoded += '"';
     while (!unread.empty()) {
         const std::size_t plain = std::min(unread.find('&'), unread.size());
-        std::char_traits<char>::move(&m_text[written], unread.data(), plain);
-        written += plain;
+        decoded.append(unread, 0, plain);
         unread.remove_prefix(plain);
         if (unread.empty()) break;
         const Entity* entity = entity_at(unread);
-        m_text[written++] = entity ? entity->character : '&';
+        decoded += entity ? entity->character : '&';
         unread.remove_prefix(entity ? entity->text.size() : 1);
     }
-    if (quoted) m_text[written++] = '"';
-    m_text.resize(written);
-    return *this;
+    if (quoted) decoded += '"';
+    String copy(decoded);  // made first, as above
+    m_text = std::move(decoded);
+    return copy;
 }

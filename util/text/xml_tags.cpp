@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "util/internal/ascii.h"
+#include "util/internal/find_text.h"
 
 namespace {
 
@@ -12,21 +13,18 @@ constexpr int failed = -1;
 constexpr auto none = std::string_view::npos;
 
 int extract_tag(const String& document, const String& tag, String& value) {
-    const String name = String(tag).replaceXML();
+    const String opening = String(tag).replaceXML() + '>';
     const std::string_view text = document.view();
-    for (auto at = text.find(name.view()); at != none; at = text.find(name.view(), at + 1)) {
-        const auto close = at + name.size();
-        if (close == text.size() || text[close] != '>') continue;
-        const auto begin = close + 1;
-        const auto end = text.find('<', begin);
-        if (end == none) return failed;
-        String element;
-        element = document.substr(begin, end - begin);  // assigned: up to a NUL
-        element.placeXML();
-        value = std::move(element);
-        return done;
-    }
-    return failed;
+    const auto start = util::find_text(text, opening.view());
+    if (start == none) return failed;
+    const auto begin = start + opening.size();
+    const auto end = text.find('<', begin);
+    if (end == none) return failed;
+    String element;
+    element = document.substr(begin, end - begin);  // assigned: up to a NUL
+    element.placeXML();
+    value = std::move(element);
+    return done;
 }
 
 int extract_attribute(const String& document, const String& tag, const String& attribute,
