@@ -13,6 +13,7 @@
 #include <memory>
 #include <new>
 
+#include "util/files/open_descriptor.h"
 #include "util/files/read_ahead.h"
 #include "util/files/transfer.h"
 #include "util/internal/decimal.h"
@@ -120,24 +121,16 @@ int XrFile::Open(const std::string& name, const char* mode) {
 }
 
 int XrFile::m_open_file() {
-    constexpr int attempts = 7;
-    constexpr int owner_access = _S_IREAD | _S_IWRITE;
-    int code = 0;
-    for (int attempt = 0; attempt < attempts; ++attempt) {
-        SetLastError(0);
-        m_fd = UTF8_open(m_name.c_str(), m_flags, (m_flags & _O_CREAT) ? owner_access : 0);
-        code = last_error();
-        if (m_fd != -1) {
-            m_error = false;
-            m_is_open = true;
-            m_seekable = is_untranslated_disk_file(m_fd, m_flags);
-            return 0;
-        }
-        if (code == 0) code = errno;  // what only the runtime refused
-        if (code != ERROR_TOO_MANY_OPEN_FILES) break;
+    const util::OpenResult opened = util::open_descriptor(m_name.c_str(), m_flags);
+    m_fd = opened.descriptor;
+    if (m_fd == -1) {
+        fail_and_invalidate(opened.code);
+        return opened.code;
     }
-    fail_and_invalidate(code);
-    return code;
+    m_error = false;
+    m_is_open = true;
+    m_seekable = is_untranslated_disk_file(m_fd, m_flags);
+    return 0;
 }
 
 bool XrFile::Close() {

@@ -47,6 +47,14 @@ struct SearchTraits {
 };
 using ScopedSearch = ScopedHandle<SearchTraits>;
 
+// CreateFile's handle.
+struct KernelTraits {
+    using Handle = HANDLE;
+    static Handle invalid() { return INVALID_HANDLE_VALUE; }
+    static void close(Handle handle) { CloseHandle(handle); }
+};
+using KernelHandle = ScopedHandle<KernelTraits>;
+
 }  // namespace util
 
 #endif
