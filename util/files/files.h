@@ -4,6 +4,9 @@
 
 #include "util/files/file_attr.h"
 #include "util/files/path_lookup.h"
+#include "util/files/cleanup_directory.h"
+#include "util/files/create_directory.h"
+#include "util/files/prepare_directory.h"
 #include "util/files/ptr_sorted_vector.h"
 #include "util/files/xr_directory.h"
 #include "util/files/xr_directory_entry.h"

@@ -1,0 +1,48 @@
+#include "util/files/cleanup_directory.h"
+
+#include <cwchar>
+#include <string>
+
+#include "util/files/wide_path.h"
+#include "util/internal/scoped_handle.h"
+#include "util/internal/windows.h"
+
+namespace {
+
+bool is_self_or_parent(const wchar_t* name) {
+    return std::wcscmp(name, L".") == 0 || std::wcscmp(name, L"..") == 0;
+}
+
+// Deletes the files and counts the subdirectories; prefix is the directory with a backslash.
+int delete_files(std::wstring prefix) {
+    const std::size_t length = prefix.size();
+    prefix.reserve(length + MAX_PATH);  // no name is longer: nothing is raised once a file is gone
+    WIN32_FIND_DATAW found;
+    const util::ScopedSearch search(FindFirstFileW((prefix += L"*.*").c_str(), &found));
+    int subdirectories = 0;
+    for (BOOL more = bool(search); more; more = FindNextFileW(search.get(), &found)) {
+        if (is_self_or_parent(found.cFileName)) continue;
+        if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+            ++subdirectories;
+        } else {
+            prefix.replace(length, std::wstring::npos, found.cFileName);
+            DeleteFileW(prefix.c_str());
+        }
+    }
+    return subdirectories;
+}
+
+}  // namespace
+
+int UTIL_cleanupDir(const char* path, int removeDir) {
+    // An empty path would mean the root of the current drive, which nobody means.
+    if (!path || !*path) return 0;
+    try {
+        const std::wstring wide = util::wide_path(path);
+        const int subdirectories = delete_files(wide + L"\\");
+        if (removeDir) RemoveDirectoryW(wide.c_str());
+        return subdirectories;
+    } catch (...) {
+        return 0;
+    }
+}

@@ -1,0 +1,39 @@
+#include "util/files/create_directory.h"
+
+#include "util/internal/windows.h"
+// after the platform's header
+#include <shlobj.h>
+
+#include <string>
+
+#include "util/files/wide_path.h"
+#include "util/internal/ansi_text.h"
+#include "util/internal/scoped_handle.h"
+
+unsigned long UTIL_makeNewNTDir(const String& path, bool* created) {
+    constexpr DWORD no_sharing = 0;
+    try {
+        const std::wstring wide = util::wide_path(path);
+        const util::KernelHandle existing(CreateFileW(wide.c_str(), GENERIC_READ, no_sharing,
+                                                      nullptr, OPEN_EXISTING,
+                                                      FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+        if (existing) return ERROR_ALREADY_EXISTS;
+        if (GetLastError() == ERROR_SHARING_VIOLATION) return 0;
+        if (!CreateDirectoryW(wide.c_str(), nullptr)) return GetLastError();
+        if (created) *created = true;
+        return 0;
+    } catch (...) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return ERROR_NOT_ENOUGH_MEMORY;
+    }
+}
+
+int UTIL_CreateDirectory(const char* path) {
+    try {
+        std::string ansi;
+        if (!util::utf8_to_ansi(path, ansi)) return -1;
+        return SHCreateDirectoryExA(nullptr, ansi.c_str(), nullptr) == ERROR_SUCCESS ? 0 : -1;
+    } catch (...) {
+        return -1;
+    }
+}

@@ -1,0 +1,32 @@
+// Creating directories: one that may be there already, or one with all its parents.
+#ifndef UTIL_FILES_CREATE_DIRECTORY_H
+#define UTIL_FILES_CREATE_DIRECTORY_H
+
+#include "util/export.h"
+#include "util/text/byte_string.h"
+
+UTIL_EXTERN_C_BEGIN
+
+// Creates one directory; its parent must exist. Returns 0 and sets *created to true when it did;
+// 183 when a file or a directory of that name exists; else the platform's code of the failed
+// creation, or 8 when memory runs out. created may be null, and is never set to false.
+//
+// A name whose holder lets nobody else open it gives 0 without setting *created, not 183; this is
+// meant. Whether the name is in use is asked by opening it without sharing for a moment.
+//
+// path is UTF-8. Any thread may call it; nothing is raised.
+//     bool created = false;
+//     UTIL_makeNewNTDir("C:\\mnt", &created)   // 0 and true, the next time 183
+UTIL_API unsigned long UTIL_makeNewNTDir(const String& path, bool* created);
+
+// Creates a directory and all its missing parents: 0, or -1 for every other outcome, also when it
+// exists already; this is meant. The platform wants a full path with backslashes ("C:\a\b"), which
+// it is given in the process's ANSI code page: one that the page cannot hold exactly gives -1.
+//
+// path is UTF-8; null gives -1. Any thread may call it; nothing is raised.
+//     UTIL_CreateDirectory("C:\\mnt\\a\\b")   // 0, the next time -1
+UTIL_API int UTIL_CreateDirectory(const char* path);
+
+UTIL_EXTERN_C_END
+
+#endif
