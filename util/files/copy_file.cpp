@@ -1,0 +1,69 @@
+#include "util/files/copy_file.h"
+
+#include "util/internal/windows.h"
+// after the platform's header
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+
+#include "util/files/open_descriptor.h"
+#include "util/files/transfer.h"
+#include "util/internal/scoped_handle.h"
+#include "util/portable/ksl_descriptor.h"
+#include "util/portable/utf8_files.h"
+
+namespace {
+
+struct DescriptorTraits {
+    using Handle = int;
+    static Handle invalid() { return -1; }
+    static void close(Handle descriptor) { ksl_close(descriptor); }
+};
+using Descriptor = util::ScopedHandle<DescriptorTraits>;
+
+// The status record has room for the low half of the size alone.
+std::uint64_t whole_size(int descriptor, const struct _stat64i32& status) {
+    const auto high_half = static_cast<std::uint64_t>(_filelengthi64(descriptor)) >> 32;
+    return high_half << 32 | static_cast<std::uint32_t>(status.st_size);
+}
+
+bool copy_bytes(int from, int to, std::uint64_t count) {
+    constexpr std::uint64_t chunk = 256 * 1024;
+    const std::unique_ptr<char[]> buffer(new char[std::min(count, chunk)]);
+    while (count > 0) {
+        const auto read =
+            util::transfer([from](char* at, unsigned n) { return ksl_read(from, at, n); },
+                           buffer.get(), std::min(count, chunk));
+        if (!read.done) return false;  // also when the source ends too early
+        const auto written =
+            util::transfer([to](const char* at, unsigned n) { return ksl_write(to, at, n); },
+                           buffer.get(), read.moved);
+        if (!written.done || written.moved != read.moved) return false;
+        count -= read.moved;
+    }
+    return true;
+}
+
+}  // namespace
+
+int UTIL_copy(const char* source, const char* destination, char keepMode) {
+    constexpr int reading = _O_RDONLY | _O_BINARY;
+    constexpr int overwriting = _O_WRONLY | _O_CREAT | _O_TRUNC | _O_BINARY;
+    try {
+        const Descriptor from(util::open_descriptor(source, reading).descriptor);
+        const Descriptor to(util::open_descriptor(destination, overwriting).descriptor);
+        struct _stat64i32 status;
+        if (!from || !to || UTF8_stat(source, &status) != 0 ||
+            !copy_bytes(from.get(), to.get(), whole_size(from.get(), status))) {
+            return -1;
+        }
+        if (keepMode == 1) UTF8_chmod(destination, status.st_mode);
+        return 0;
+    } catch (...) {
+        return -1;
+    }
+}
