@@ -8,6 +8,7 @@
 #include "util/files/copy_file.h"
 #include "util/files/create_directory.h"
 #include "util/files/delete_file.h"
+#include "util/files/lock_file.h"
 #include "util/files/prepare_directory.h"
 #include "util/files/ptr_sorted_vector.h"
 #include "util/files/xr_directory.h"
