@@ -1,0 +1,171 @@
+#include "util/files/lock_file.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <random>
+
+#include "support/handle_count.h"
+#include "support/import_patch.h"
+#include "support/scratch_directory.h"
+#include "support/second_process.h"
+#include "util/files/xr_file.h"
+
+using util_test::handle_count;
+using util_test::ImportPatch;
+using util_test::ScratchDirectory;
+using util_test::SecondProcess;
+using util_test::Signal;
+
+namespace {
+
+std::vector<DWORD> pauses;
+void WINAPI recorded_pause(DWORD ms) {
+    pauses.push_back(ms);
+}
+
+int locks_to_fail;
+BOOL WINAPI failing_lock(HANDLE file, DWORD flags, DWORD, DWORD low, DWORD high, OVERLAPPED* at) {
+    const OVERLAPPED zero = {};
+    EXPECT_EQ(flags, DWORD(LOCKFILE_EXCLUSIVE_LOCK)) << "waits";
+    EXPECT_TRUE(low == 1 && high == 0 && std::memcmp(at, &zero, sizeof zero) == 0);
+    at->Offset = 5;  // to be cleared for the next attempt
+    return --locks_to_fail < 0 && (at->Offset = 0, LockFileEx(file, flags, 0, low, high, at));
+}
+
+BOOL WINAPI failing_unlock(HANDLE, DWORD, DWORD, DWORD, OVERLAPPED*) {
+    return FALSE;
+}
+
+class LockFileTest : public testing::Test {
+  protected:
+    bool lock() { return UTIL_LockFilePrivate(m_scratch.path(), &m_handle, &m_record); }
+    bool unlock() { return UTIL_UnLockFilePrivate(m_handle, &m_record); }
+
+    ScratchDirectory m_scratch;
+    HANDLE m_handle = nullptr;
+    OVERLAPPED m_record;
+};
+
+TEST_F(LockFileTest, CreatesTheFileAndGivesTheHandleBack) {
+    const long handles = handle_count();
+    std::memset(&m_record, 0xAA, sizeof m_record);
+    EXPECT_TRUE(lock());
+    EXPECT_EQ(m_scratch.read("lockfile.lck"), "") << "others may open it";
+    EXPECT_EQ(handle_count(), handles + 1);
+    EXPECT_TRUE(unlock());
+    EXPECT_TRUE(lock());
+    EXPECT_TRUE(unlock());
+    EXPECT_EQ(handle_count(), handles);
+    EXPECT_EQ(m_scratch.read("lockfile.lck"), "");
+
+    EXPECT_TRUE(UTIL_UnLockFilePrivate(INVALID_HANDLE_VALUE, nullptr));
+    EXPECT_FALSE(UTIL_UnLockFilePrivate(nullptr, &m_record));
+    EXPECT_FALSE(UTIL_LockFilePrivate(m_scratch.path(), nullptr, &m_record));
+    EXPECT_FALSE(UTIL_LockFilePrivate(m_scratch.path(), &m_handle, nullptr));
+    EXPECT_EQ(m_handle, INVALID_HANDLE_VALUE);
+}
+
+TEST_F(LockFileTest, FiveAttemptsWithFourPauses) {
+    const ImportPatch pause("Sleep", recorded_pause);
+    pauses.clear();
+    const long handles = handle_count();
+    EXPECT_FALSE(UTIL_LockFilePrivate(m_scratch.path("missing"), &m_handle, &m_record));
+    EXPECT_EQ(pauses, std::vector<DWORD>(4, 1000000));
+    EXPECT_EQ(m_handle, INVALID_HANDLE_VALUE);
+
+    const ImportPatch patch("LockFileEx", failing_lock);
+    for (int failures = 0; failures <= 5; ++failures) {
+        pauses.clear();
+        locks_to_fail = failures;
+        EXPECT_EQ(lock(), failures < 5) << failures;
+        EXPECT_EQ(pauses.size(), static_cast<size_t>(std::min(failures, 4)));
+        EXPECT_EQ(m_handle == INVALID_HANDLE_VALUE, failures == 5);
+        EXPECT_TRUE(unlock());
+        EXPECT_EQ(handle_count(), handles);
+    }
+}
+
+TEST_F(LockFileTest, AFailedReleaseStillClosesTheHandle) {
+    const ImportPatch patch("UnlockFileEx", failing_unlock);
+    const long handles = handle_count();
+    for (OVERLAPPED* record : {&m_record, static_cast<OVERLAPPED*>(nullptr)}) {
+        ASSERT_TRUE(lock()) << "closing has released it";
+        EXPECT_FALSE(UTIL_UnLockFilePrivate(m_handle, record));
+        EXPECT_EQ(handle_count(), handles);
+    }
+}
+
+TEST_F(LockFileTest, TheSecondProcessWaitsForEveryKindOfEnd) {
+    for (const char* holder_ends : {"release", "hold", "killed"}) {
+        Signal end, go;
+        go.set();
+        SecondProcess holder(*holder_ends == 'r' ? "release" : "hold", m_scratch.path(), end);
+        ASSERT_TRUE(holder.ready.wait());
+        SecondProcess waiter("release", m_scratch.path(), go);
+        EXPECT_FALSE(waiter.ready.wait(200)) << "the lock is taken";
+        if (*holder_ends == 'k') {
+            holder.kill();
+        } else {
+            end.set();
+            EXPECT_EQ(holder.wait(), 0u);
+        }
+        EXPECT_TRUE(waiter.ready.wait()) << holder_ends;
+        EXPECT_EQ(waiter.wait(), 0u);
+    }
+}
+
+int number_in(const std::string& path) {
+    int number = -1;  // stays when there is none
+    XrFile(path.c_str(), "r") >> number;
+    return number;
+}
+
+TEST_F(LockFileTest, ProcessesTakeTurns) {
+    constexpr int rounds = 100;
+    const std::string file = m_scratch.write("n", std::string(1, '\0'));
+    const std::string arguments = m_scratch.path() + " " + file + " " + std::to_string(rounds);
+    Signal go;
+    SecondProcess a("count", arguments, go), b("count", arguments, go), c("count", arguments, go);
+    ASSERT_TRUE(a.ready.wait() && b.ready.wait() && c.ready.wait());
+    go.set();
+    for (SecondProcess* process : {&a, &b, &c})
+        EXPECT_EQ(process->wait(), 0u);
+    EXPECT_EQ(number_in(file), 3 * 2 * rounds) << "no addition is lost";
+}
+
+TEST_F(LockFileTest, KilledHoldersLeaveTheLockToTheNextAtOnce) {
+    constexpr int rounds = 30;
+    const unsigned seed = std::random_device()();
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    int while_held = 0, losses = 0;
+    long long longest = 0;
+    for (int round = 0; round < rounds; ++round) {
+        const std::string file = m_scratch.write("n", std::string(1, '\0'));
+        Signal go;
+        SecondProcess victim("count", m_scratch.path() + " " + file + " 1000000000", go);
+        ASSERT_TRUE(victim.ready.wait());
+        go.set();
+        Sleep(random() % 20);
+        victim.kill();
+        if (number_in(file) % 2 != 0) ++while_held;
+
+        using Clock = std::chrono::steady_clock;
+        const auto asked = Clock::now();
+        const bool locked = lock();
+        const std::chrono::duration<double, std::milli> wait = Clock::now() - asked;
+        longest = std::max<long long>(longest, std::llround(wait.count()));
+        if (!locked || wait.count() > 1000) ++losses;
+        EXPECT_TRUE(unlock());
+    }
+    std::printf("kill test, locking: %d rounds, %d hit a holder, longest wait %lld ms, %d losses\n",
+                rounds, while_held, longest, losses);
+    EXPECT_EQ(losses, 0);
+    EXPECT_GE(while_held, rounds / 10);
+}
+
+}  // namespace
