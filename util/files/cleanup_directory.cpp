@@ -13,21 +13,23 @@ bool is_self_or_parent(const wchar_t* name) {
     return std::wcscmp(name, L".") == 0 || std::wcscmp(name, L"..") == 0;
 }
 
-// Deletes the files and counts the subdirectories; prefix is the directory with a backslash.
-int delete_files(std::wstring prefix) {
-    const std::size_t length = prefix.size();
-    prefix.reserve(length + MAX_PATH);  // no name is longer: nothing is raised once a file is gone
+// Deletes the files and counts the subdirectories; path ends in a backslash.
+int delete_files(std::wstring path) {
+    const std::size_t prefix = path.size();
+    path.reserve(prefix + MAX_PATH);  // no name is longer: nothing is raised once a file is gone
+    path += L"*.*";
     WIN32_FIND_DATAW found;
-    const util::ScopedSearch search(FindFirstFileW((prefix += L"*.*").c_str(), &found));
+    const util::ScopedSearch search(FindFirstFileW(path.c_str(), &found));
     int subdirectories = 0;
     for (BOOL more = bool(search); more; more = FindNextFileW(search.get(), &found)) {
         if (is_self_or_parent(found.cFileName)) continue;
         if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
             ++subdirectories;
-        } else {
-            prefix.replace(length, std::wstring::npos, found.cFileName);
-            DeleteFileW(prefix.c_str());
+            continue;
         }
+        path.resize(prefix);
+        path += found.cFileName;
+        DeleteFileW(path.c_str());
     }
     return subdirectories;
 }

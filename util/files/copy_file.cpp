@@ -32,7 +32,7 @@ std::uint64_t whole_size(int descriptor, const struct _stat64i32& status) {
 }
 
 bool copy_bytes(int from, int to, std::uint64_t count) {
-    constexpr std::uint64_t chunk = 256 * 1024;
+    constexpr std::uint64_t chunk = 262144;
     const std::unique_ptr<char[]> buffer(new char[std::min(count, chunk)]);
     while (count > 0) {
         const auto read =

@@ -20,7 +20,8 @@ UTIL_EXTERN_C_BEGIN
 //      message, failedPath and kind 1 say so, as a warning: the directories are created without a
 //      record, and the result can still be 0.
 //   3. "C:\a\b" is prepared as "C:\", "C:\a\", "C:\a\b\", each with UTIL_makeNewNTDir. A directory
-//      that is there, or that its holder lets nobody open, is passed over.
+//      that is there, or that its holder lets nobody open, is passed over. How
+//      long a path may be is for the platform to say; one that it refuses is a failure of kind 3.
 //
 //   kind  failedPath         message
 //   1     the tracking file  "Failed to open the file ...", a warning; gives way to a failure
