@@ -20,16 +20,15 @@ UTIL_EXTERN_C_BEGIN
 //      message, failedPath and kind 1 say so, as a warning: the directories are created without a
 //      record, and the result can still be 0.
 //   3. "C:\a\b" is prepared as "C:\", "C:\a\", "C:\a\b\", each with UTIL_makeNewNTDir. A directory
-//      that is there, or that its holder lets nobody open, is passed over. How
-//      long a path may be is for the platform to say; one that it refuses is a failure of kind 3.
+//      that is there, or that its holder lets nobody open, is passed over. How long a path may be
+//      is for the platform to say; one that it refuses is a failure of kind 3.
 //
 //   kind  failedPath         message
 //   1     the tracking file  "Failed to open the file ...", a warning; gives way to a failure
 //   2     the directory      "Failed to create the directory ... A file with the same name exists.
 //                            Please remove the file and try again\n"; the result is 183
 //   3     the directory      "Failed to create the directory ... Please create required
-//   directory(s)
-//                            manually and try again.\n"; the result is the platform's code
+//                            directory(s) manually and try again.\n"; the platform's code
 //
 // When the result is not 0 the system's text for the last error, in UTF-8, is appended to message;
 // for a file in the way it need not speak of the file. When the first directory gives 3 (no such
