@@ -46,8 +46,8 @@ std::vector<String> changed_since(const Inventory& inventory) {
     std::vector<String> changed;
     for (const Entry& entry : inventory.entries) {
         Entry now;
-        read_status(join(inventory.root, entry.path), now);
-        if (!is_same(now, entry)) changed.push_back(entry.path);
+        const bool known = read_status(join(inventory.root, entry.path), now);
+        if (!known || !is_same(now, entry)) changed.push_back(entry.path);
     }
     return changed;
 }
@@ -77,6 +77,7 @@ void print_largest(const std::vector<Entry>& entries) {
     std::partial_sort(files.begin(), shown, files.end(), [](const Entry* a, const Entry* b) {
         return a->size != b->size ? a->size > b->size : a->path < b->path;
     });
+    if (files.empty()) return;
     print("largest files");
     for (auto file = files.begin(); file != shown; ++file) {
         // Names come last: their width on the screen is not the number of their bytes.
@@ -90,6 +91,7 @@ const char* type_text(const String& type) {
     if (type == "nfs") return "network";
     if (type == "cdfs") return "CD-ROM";
     if (type == "ramdisk") return "RAM disk";
+    if (type.empty()) return "no disk";
     return type == "removabl" ? "removable" : "unknown";
 }
 

@@ -85,7 +85,10 @@ void Walk::list(const String& root, const String& directory, std::vector<String>
             left_out.push_back(entry.path);
             continue;
         }
-        if (!read_status(path, entry)) unreadable.push_back(entry.path);
+        if (!read_status(path, entry)) {
+            unreadable.push_back(entry.path);
+            continue;
+        }
         if (entry.is_directory()) pending.push_back(entry.path);
         entries.push_back(std::move(entry));
         progress(entries.size());

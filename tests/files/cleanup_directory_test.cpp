@@ -17,20 +17,20 @@ size_t entries(const std::string& path) {
 
 TEST(CleanupDirectoryTest, DeletesFilesAndCountsSubdirectories) {
     ScratchDirectory scratch;
-    const std::string directory = scratch.make_directory("d");
-    const std::string sub = scratch.make_directory("d\\sub");
-    scratch.make_directory("d\\.sub2");
-    scratch.write("d\\sub\\inner", "");
-    scratch.write("d\\.a", "");
-    scratch.write("d\\gr\xC3\xBC\xE6\x96\x87", "x");
-    scratch.write("d\\" + std::string(200, 'l'), "x");
-    SetFileAttributesA(scratch.write("d\\read-only", "").c_str(), FILE_ATTRIBUTE_READONLY);
+    const std::string directory = scratch.directory("d");
+    const std::string sub = scratch.directory("d\\sub");
+    scratch.directory("d\\.sub2");
+    scratch.file("d\\sub\\inner", "");
+    scratch.file("d\\.a", "");
+    scratch.file("d\\gr\xC3\xBC\xE6\x96\x87", "x");
+    scratch.file("d\\" + std::string(200, 'l'), "x");
+    SetFileAttributesA(scratch.file("d\\read-only", "").c_str(), FILE_ATTRIBUTE_READONLY);
     EXPECT_EQ(UTIL_cleanupDir(directory.c_str(), 1), 2);
     EXPECT_EQ(entries(directory), 3u) << "two subdirectories and the read-only file";
     EXPECT_EQ(entries(sub), 1u) << "not entered";
     EXPECT_EQ(UTIL_cleanupDir(sub.c_str(), 0), 0);
     EXPECT_EQ(entries(sub), 0u);
-    scratch.write("d\\sub\\again", "");
+    scratch.file("d\\sub\\again", "");
     EXPECT_EQ(UTIL_cleanupDir((sub + "\\").c_str(), -1), 0);
     EXPECT_FALSE(XrDirectory::IsDirectory(sub)) << "any flag but 0 removes";
 }
@@ -43,8 +43,8 @@ HANDLE WINAPI failing_search(LPCWSTR, WIN32_FIND_DATAW*) {
 
 TEST(CleanupDirectoryTest, RemovesWhatItCannotListButNeverTheDriveOfAnEmptyPath) {
     ScratchDirectory scratch;
-    const std::string directory = scratch.make_directory("d");
-    EXPECT_EQ(UTIL_cleanupDir(scratch.path("missing").c_str(), 1), 0);
+    const std::string directory = scratch.directory("d");
+    EXPECT_EQ(UTIL_cleanupDir((scratch / "missing").c_str(), 1), 0);
     const ImportPatch patch("FindFirstFileW", failing_search);
     EXPECT_EQ(UTIL_cleanupDir("", 1), 0);
     EXPECT_EQ(UTIL_cleanupDir(nullptr, 1), 0);

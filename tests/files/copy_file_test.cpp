@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <functional>
 
 #include "support/handle_count.h"
@@ -55,8 +56,8 @@ class CopyFileTest : public testing::Test {
         return UTIL_copy(m_source.c_str(), m_target.c_str(), keep_mode);
     }
     ScratchDirectory m_scratch;
-    const std::string m_source = m_scratch.path("gr\xC3\xBC\xE6\x96\x87");
-    const std::string m_target = m_scratch.path("target");
+    const std::string m_source = m_scratch / "gr\xC3\xBC\xE6\x96\x87";
+    const std::string m_target = m_scratch / "target";
 };
 
 TEST_F(CopyFileTest, MovesChunksOf256KiB) {
@@ -75,8 +76,8 @@ TEST_F(CopyFileTest, MovesChunksOf256KiB) {
     copy();
     const long handles = util_test::handle_count();
     for (const auto& c : cases) {
-        m_scratch.write("gr\xC3\xBC\xE6\x96\x87", bytes(c.size));
-        m_scratch.write("target", "a longer text than the shortest case");
+        m_scratch.file("gr\xC3\xBC\xE6\x96\x87", bytes(c.size));
+        m_scratch.file("target", "a longer text than the shortest case");
         reads.clear();
         EXPECT_EQ(copy(), 0) << c.size;
         EXPECT_TRUE(m_scratch.read("target") == bytes(c.size)) << c.size;
@@ -89,7 +90,7 @@ TEST_F(CopyFileTest, ASourceThatChangesMeanwhile) {
     const ImportPatch patch("_wstat64", changing_stat);
     const size_t size = chunk + 100;
     for (size_t changed : {size + 1, 2 * size, size - 1, size_t{chunk}, size_t{7}, size_t{0}}) {
-        m_scratch.write("gr\xC3\xBC\xE6\x96\x87", bytes(size));
+        m_scratch.file("gr\xC3\xBC\xE6\x96\x87", bytes(size));
         meanwhile = [&] {
             std::filesystem::resize_file(std::filesystem::u8path(m_source), changed);
         };
@@ -100,17 +101,17 @@ TEST_F(CopyFileTest, ASourceThatChangesMeanwhile) {
 }
 
 TEST_F(CopyFileTest, OntoItselfEmptiesTheFile) {
-    m_scratch.write("target", "bytes");
+    m_scratch.file("target", "bytes");
     EXPECT_EQ(UTIL_copy(m_target.c_str(), m_target.c_str(), 1), 0);
     EXPECT_EQ(m_scratch.read("target"), "");
 }
 
 TEST_F(CopyFileTest, Refusals) {
-    m_scratch.write("target", "bytes");
+    m_scratch.file("target", "bytes");
     EXPECT_EQ(copy(), -1);
     EXPECT_EQ(m_scratch.read("target"), "") << "opened before the missing source is noticed";
-    m_scratch.write("gr\xC3\xBC\xE6\x96\x87", bytes(10));
-    const std::string directory = m_scratch.make_directory("directory");
+    m_scratch.file("gr\xC3\xBC\xE6\x96\x87", bytes(10));
+    const std::string directory = m_scratch.directory("directory");
     EXPECT_EQ(UTIL_copy(directory.c_str(), m_target.c_str(), 0), -1);
     for (const char* place : {directory.c_str(), "Q:\\x", "", static_cast<const char*>(nullptr)}) {
         EXPECT_EQ(UTIL_copy(m_source.c_str(), place, 0), -1);
@@ -119,7 +120,7 @@ TEST_F(CopyFileTest, Refusals) {
 }
 
 TEST_F(CopyFileTest, NoRoomAtTheDestination) {
-    m_scratch.write("gr\xC3\xBC\xE6\x96\x87", bytes(10));
+    m_scratch.file("gr\xC3\xBC\xE6\x96\x87", bytes(10));
     if (_access("Z:\\dev\\full", 0) == 0) {  // a place under Wine that is always full
         EXPECT_EQ(UTIL_copy(m_source.c_str(), "Z:\\dev\\full", 0), -1);
     }
@@ -132,13 +133,13 @@ TEST_F(CopyFileTest, NoRoomAtTheDestination) {
 }
 
 TEST_F(CopyFileTest, SizesBeyond32BitsAreNotCutOff) {
-    m_scratch.write("gr\xC3\xBC\xE6\x96\x87", "12345");
+    m_scratch.file("gr\xC3\xBC\xE6\x96\x87", "12345");
     const ImportPatch patch("_filelengthi64", huge);
     EXPECT_EQ(copy(), -1) << "5 of 2^32 + 5 bytes are not the whole";
 }
 
 TEST_F(CopyFileTest, KeepsTheModeForExactlyOne) {
-    m_scratch.write("gr\xC3\xBC\xE6\x96\x87", "x");
+    m_scratch.file("gr\xC3\xBC\xE6\x96\x87", "x");
     _wchmod(std::filesystem::u8path(m_source).c_str(), _S_IREAD);
     for (int flag : {0, 2, -1, 127, 1}) {
         EXPECT_EQ(copy(static_cast<char>(flag)), 0);

@@ -12,10 +12,10 @@ namespace {
 
 TEST(MakeNewNtDirTest, TellsNewFromExistingFromInUse) {
     ScratchDirectory scratch;
-    scratch.make_directory("here");
-    scratch.write("file", "");
-    const HANDLE held = CreateFileA(scratch.make_directory("held").c_str(), GENERIC_READ, 0,
-                                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    scratch.directory("here");
+    scratch.file("file", "");
+    const HANDLE held = CreateFileA(scratch.directory("held").c_str(), GENERIC_READ, 0, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     const struct {
         const char* name;
         unsigned long result;
@@ -35,26 +35,26 @@ TEST(MakeNewNtDirTest, TellsNewFromExistingFromInUse) {
     const long handles = util_test::handle_count();
     for (const auto& c : cases) {
         bool created = false;
-        EXPECT_EQ(UTIL_makeNewNTDir(scratch.path(c.name), &created), c.result) << c.name;
+        EXPECT_EQ(UTIL_makeNewNTDir(scratch / c.name, &created), c.result) << c.name;
         EXPECT_EQ(created, c.created) << c.name;
     }
     bool untouched = true;
-    EXPECT_EQ(UTIL_makeNewNTDir(scratch.path("here"), &untouched), 183u);
+    EXPECT_EQ(UTIL_makeNewNTDir(scratch / "here", &untouched), 183u);
     EXPECT_TRUE(untouched);
-    EXPECT_EQ(UTIL_makeNewNTDir(scratch.path("unasked"), nullptr), 0u);
+    EXPECT_EQ(UTIL_makeNewNTDir(scratch / "unasked", nullptr), 0u);
     EXPECT_EQ(util_test::handle_count(), handles);
     CloseHandle(held);
 }
 
 TEST(CreateDirectoryTest, MakesParentsAndRefusesTheRest) {
     ScratchDirectory scratch;
-    EXPECT_EQ(UTIL_CreateDirectory(scratch.path("a\\\xC3\xBC\\c").c_str()), 0);
-    EXPECT_TRUE(XrDirectory::IsDirectory(scratch.path("a\\\xC3\xBC\\c")));
-    scratch.write("file", "");
-    const std::string refused[] = {scratch.path("a"),             // exists
-                                   scratch.path("file"),          // is a file
-                                   scratch.path("x/y"),           // slashes
-                                   scratch.path("\xE2\x86\x92"),  // no such character in the page
+    EXPECT_EQ(UTIL_CreateDirectory((scratch / "a\\\xC3\xBC\\c").c_str()), 0);
+    EXPECT_TRUE(XrDirectory::IsDirectory(scratch / "a\\\xC3\xBC\\c"));
+    scratch.file("file", "");
+    const std::string refused[] = {scratch / "a",             // exists
+                                   scratch / "file",          // is a file
+                                   scratch / "x/y",           // slashes
+                                   scratch / "\xE2\x86\x92",  // no such character in the page
                                    "relative",
                                    "",
                                    "Q:\\missing"};

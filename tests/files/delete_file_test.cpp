@@ -8,8 +8,8 @@
 
 TEST(DeleteFileTest, ReadOnlyFilesNeedTheSecondForm) {
     util_test::ScratchDirectory scratch;
-    const std::string plain = scratch.write("gr\xC3\xBC\xE6\x96\x87", "");
-    const std::string guarded = scratch.write("guarded", "");
+    const std::string plain = scratch.file("gr\xC3\xBC\xE6\x96\x87", "");
+    const std::string guarded = scratch.file("guarded", "");
     SetFileAttributesA(guarded.c_str(), FILE_ATTRIBUTE_READONLY);
     EXPECT_EQ(UTIL_delete(plain.c_str()), 0);
     EXPECT_EQ(UTIL_delete(guarded.c_str()), -1);
@@ -21,5 +21,5 @@ TEST(DeleteFileTest, ReadOnlyFilesNeedTheSecondForm) {
         EXPECT_EQ(errno, ENOENT);
         EXPECT_EQ(remove(nullptr), -1);
     }
-    EXPECT_EQ(UTIL_delete_readonly(scratch.make_directory("directory").c_str()), -1);
+    EXPECT_EQ(UTIL_delete_readonly(scratch.directory("directory").c_str()), -1);
 }

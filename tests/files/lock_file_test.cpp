@@ -73,7 +73,7 @@ TEST_F(LockFileTest, FiveAttemptsWithFourPauses) {
     const ImportPatch pause("Sleep", recorded_pause);
     pauses.clear();
     const long handles = handle_count();
-    EXPECT_FALSE(UTIL_LockFilePrivate(m_scratch.path("missing"), &m_handle, &m_record));
+    EXPECT_FALSE(UTIL_LockFilePrivate(m_scratch / "missing", &m_handle, &m_record));
     EXPECT_EQ(pauses, std::vector<DWORD>(4, 1000000));
     EXPECT_EQ(m_handle, INVALID_HANDLE_VALUE);
 
@@ -126,7 +126,7 @@ int number_in(const std::string& path) {
 
 TEST_F(LockFileTest, ProcessesTakeTurns) {
     constexpr int rounds = 100;
-    const std::string file = m_scratch.write("n", std::string(1, '\0'));
+    const std::string file = m_scratch.file("n", std::string(1, '\0'));
     const std::string arguments = m_scratch.path() + " " + file + " " + std::to_string(rounds);
     Signal go;
     SecondProcess a("count", arguments, go), b("count", arguments, go), c("count", arguments, go);
@@ -145,7 +145,7 @@ TEST_F(LockFileTest, KilledHoldersLeaveTheLockToTheNextAtOnce) {
     int while_held = 0, losses = 0;
     long long longest = 0;
     for (int round = 0; round < rounds; ++round) {
-        const std::string file = m_scratch.write("n", std::string(1, '\0'));
+        const std::string file = m_scratch.file("n", std::string(1, '\0'));
         Signal go;
         SecondProcess victim("count", m_scratch.path() + " " + file + " 1000000000", go);
         ASSERT_TRUE(victim.ready.wait());

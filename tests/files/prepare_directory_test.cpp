@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <random>
 #include <set>
 
@@ -75,13 +76,13 @@ class PrepareDirectoryTest : public testing::Test {
 
     wchar_t m_start[MAX_PATH];
     ScratchDirectory m_scratch;
-    const std::string m_tracking = m_scratch.path("made\xE6\x96\x87.rec");
+    const std::string m_tracking = m_scratch / "made\xE6\x96\x87.rec";
     const ImportPatch m_system_text{"FormatMessageW", system_text};
 };
 
 TEST_F(PrepareDirectoryTest, CreatesAndRecordsWhatIsMissing) {
-    m_scratch.make_directory("a");
-    const std::string a = m_scratch.path("a\\");
+    m_scratch.directory("a");
+    const std::string a = m_scratch / "a\\";
     expect_silence(prepare(a + "b\\gr\xC3\xBC\xE6\x96\x87\\\\"));
     EXPECT_EQ(records(m_tracking), (Names{a + "b\\", a + "b\\gr\xC3\xBC\xE6\x96\x87\\"}));
     expect_silence(prepare(a + "b\\x"));
@@ -93,7 +94,7 @@ TEST_F(PrepareDirectoryTest, CreatesAndRecordsWhatIsMissing) {
 }
 
 TEST_F(PrepareDirectoryTest, FailuresSayWhatWhereAndWhy) {
-    m_scratch.write("file", "");
+    m_scratch.file("file", "");
     const std::string start = "Failed to create the directory ";
     const struct {
         const char* name;
@@ -110,15 +111,15 @@ TEST_F(PrepareDirectoryTest, FailuresSayWhatWhereAndWhy) {
          " Please create required directory(s) manually and try again.\n"},
     };
     for (const auto& c : cases) {
-        const Outcome o = prepare(m_scratch.path(c.name));
+        const Outcome o = prepare(m_scratch / c.name);
         EXPECT_EQ(o.result, c.result) << c.name;
         EXPECT_EQ(o.kind, c.kind) << c.name;
-        EXPECT_EQ(o.failed, m_scratch.path(c.failed)) << c.name;
-        EXPECT_EQ(o.message, start + m_scratch.path(c.failed) + c.text + text_of(c.result));
+        EXPECT_EQ(o.failed, m_scratch / c.failed) << c.name;
+        EXPECT_EQ(o.message, start + m_scratch / c.failed + c.text + text_of(c.result));
     }
-    EXPECT_EQ(records(m_tracking), Names{m_scratch.path("made\\")}) << "what was made stays";
+    EXPECT_EQ(records(m_tracking), Names{m_scratch / "made\\"}) << "what was made stays";
     String message, failed;
-    EXPECT_EQ(UTIL_prepareAndCreateDir(m_scratch.path("file"), message, "", failed, nullptr), 183u);
+    EXPECT_EQ(UTIL_prepareAndCreateDir(m_scratch / "file", message, "", failed, nullptr), 183u);
 }
 
 TEST_F(PrepareDirectoryTest, MissingRootsAndEmptyPathsAddTheSystemTextAlone) {
@@ -135,7 +136,7 @@ TEST_F(PrepareDirectoryTest, AnUnopenableTrackingFileIsAWarning) {
         std::string path;
         unsigned long result;
         std::string message;
-    } cases[] = {{m_scratch.path("new"), 0, warning}, {"Q:\\new", 3, warning + text_of(3)}};
+    } cases[] = {{m_scratch / "new", 0, warning}, {"Q:\\new", 3, warning + text_of(3)}};
     for (const auto& c : cases) {
         const Outcome o = prepare(c.path, m_scratch.path());
         EXPECT_EQ(o.result, c.result);
@@ -143,17 +144,17 @@ TEST_F(PrepareDirectoryTest, AnUnopenableTrackingFileIsAWarning) {
         EXPECT_EQ(o.failed, m_scratch.path());
         EXPECT_EQ(o.kind, 1);
     }
-    EXPECT_TRUE(XrDirectory::IsDirectory(m_scratch.path("new")));
-    EXPECT_EQ(prepare(m_scratch.path("a<b"), m_scratch.path()).kind, 3) << "takes its place";
+    EXPECT_TRUE(XrDirectory::IsDirectory(m_scratch / "new"));
+    EXPECT_EQ(prepare(m_scratch / "a<b", m_scratch.path()).kind, 3) << "takes its place";
 
-    String path = m_scratch.path("in-out"), message;
+    String path = m_scratch / "in-out", message;
     int kind;
     EXPECT_EQ(UTIL_prepareAndCreateDir(path, message, m_scratch.path(), path, &kind), 0u);
-    EXPECT_TRUE(XrDirectory::IsDirectory(m_scratch.path("in-out"))) << "read before it is told";
+    EXPECT_TRUE(XrDirectory::IsDirectory(m_scratch / "in-out")) << "read before it is told";
 }
 
 TEST_F(PrepareDirectoryTest, ADirectoryInUseIsPassedOver) {
-    const std::string held = m_scratch.make_directory("held");
+    const std::string held = m_scratch.directory("held");
     const HANDLE holder = CreateFileA(held.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                                       FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     ASSERT_NE(holder, INVALID_HANDLE_VALUE);
@@ -173,7 +174,7 @@ TEST_F(PrepareDirectoryTest, SharesAndRootedPathsAreRelativeAndSlashesSeparateNo
               (Names{"drive-less\\", "drive-less\\a\\", "server\\", "server\\share\\",
                      "server\\share\\dir\\", "rooted\\", "server/new\\"}));
     for (const std::string& directory : records(m_tracking))
-        EXPECT_TRUE(XrDirectory::IsDirectory(m_scratch.path(directory))) << directory;
+        EXPECT_TRUE(XrDirectory::IsDirectory(m_scratch / directory)) << directory;
 }
 
 int allocations_left = -1;  // no limit
@@ -188,7 +189,7 @@ TEST_F(PrepareDirectoryTest, OutOfMemoryAnywhereIsAFailureAndGivesEverythingBack
     const String tracking = m_tracking;
     long handles = 0;
     for (const char* name : {"first exceptions keep handles\\b", "a\\b"}) {
-        const String path = m_scratch.path(name);
+        const String path = m_scratch / name;
         handles = util_test::handle_count();  // of the last time
         int failures = -1;
         for (unsigned long result = 8; result == 8; ++failures) {
@@ -234,8 +235,8 @@ TEST_F(PrepareDirectoryTest, TwoProcessesAtOnceRecordEachDirectoryOnceBetweenThe
     constexpr int trees = 25;
     const std::string suffix = "\\a\\b\\c\\d";
     for (const char* second_record : {"2.rec", "1.rec"}) {
-        const std::string root = m_scratch.make_directory(second_record + std::string("-root"));
-        const Names files = {m_scratch.path("1.rec"), m_scratch.path(second_record)};
+        const std::string root = m_scratch.directory(second_record + std::string("-root"));
+        const Names files = {m_scratch / "1.rec", m_scratch / second_record};
         std::filesystem::remove(files[0]);
         Signal go;
         const auto arguments = [&](const std::string& file) {
@@ -266,7 +267,7 @@ TEST_F(PrepareDirectoryTest, KilledProcessesLeaveAtMostOneDirectoryUnrecorded) {
     constexpr int rounds = 20;
     using Clock = std::chrono::steady_clock;
     const auto began = Clock::now();
-    expect_silence(prepare(m_scratch.path("whole") + deep));
+    expect_silence(prepare(m_scratch / "whole" + deep));
     const auto whole = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - began);
     const Names tree = records(m_tracking);
     EXPECT_EQ(tree.size(), 31u);
@@ -277,8 +278,8 @@ TEST_F(PrepareDirectoryTest, KilledProcessesLeaveAtMostOneDirectoryUnrecorded) {
     std::mt19937 random(seed);
     int in_the_middle = 0, unrecorded = 0, losses = 0;
     for (int round = 0; round < rounds; ++round) {
-        const std::string prefix = m_scratch.path("killed" + std::to_string(round) + "-");
-        const std::string tracking = m_scratch.path(std::to_string(round) + ".rec");
+        const std::string prefix = m_scratch / "killed" + std::to_string(round) + "-";
+        const std::string tracking = m_scratch / std::to_string(round) + ".rec";
         Signal go;
         SecondProcess victim("prepare", tracking + " " + prefix + " 1 " + deep, go);
         ASSERT_TRUE(victim.ready.wait());

@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "support/built_file.h"
 #include "util/internal/windows.h"
 
 namespace util_test {
@@ -41,8 +42,8 @@ class Signal {
 class SecondProcess {
   public:
     explicit SecondProcess(const std::string& verb, const std::string& arguments, Signal& go)
-        : m_name("bin\\files_child.exe " + verb + " " + ready.name() + " " + go.name() + " " +
-                 arguments) {
+        : m_name(built_file("files_child.exe") + " " + verb + " " + ready.name() + " " + go.name() +
+                 " " + arguments) {
         STARTUPINFOA startup = {};
         startup.cb = sizeof startup;
         PROCESS_INFORMATION started;
