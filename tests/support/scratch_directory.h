@@ -63,8 +63,9 @@ class ScratchDirectory {
     }
     std::string file(const std::string& name, const std::string& content = "") const {
         const std::string path = *this / name;
-        const HANDLE made = CreateFileW(extended(path).c_str(), GENERIC_WRITE, 0, nullptr,
-                                        CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        const HANDLE made =
+            CreateFileW(extended(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                        nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
         DWORD written = 0;
         const bool complete =
             WriteFile(made, content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
