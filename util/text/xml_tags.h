@@ -23,7 +23,8 @@ UTIL_API int UTIL_addTag(String& document, const String& tag, const String& valu
 // memory runs out; nothing is raised.
 //
 // Meant as it is: what stands before the tag is not looked at, so "</k>" and "<disk>" also begin an
-// element "k"; a start tag with attributes does not; and nested elements are not supported.
+// element "k"; a start tag with attributes does not; and nested elements are not supported. Choose
+// names of which none ends another.
 //
 //     UTIL_extractTag("<k>1&lt;2</k>", "k", value)   // 0, and value is 1<2
 UTIL_API int UTIL_extractTag(const String& document, const String& tag, String& value);
