@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ctime>
 
+#include "drives.h"
 #include "inventory_file.h"
 #include "output.h"
 #include "tree.h"
@@ -86,26 +87,11 @@ void print_largest(const std::vector<Entry>& entries) {
     }
 }
 
-const char* type_text(const String& type) {
-    if (type == "rw") return "fixed";
-    if (type == "nfs") return "network";
-    if (type == "cdfs") return "CD-ROM";
-    if (type == "ramdisk") return "RAM disk";
-    if (type.empty()) return "no disk";
-    return type == "removabl" ? "removable" : "unknown";
-}
-
 void print_drives() {
-    int capacity = 26;  // a drive is a letter
-    std::vector<ksl_mount_record> drives(26);
-    const int count = ksl_getMntData(reinterpret_cast<char*>(drives.data()), &capacity);
     print("drives");
-    for (int i = 0; i < count; ++i) {
-        const ksl_mount_record& drive = drives[i];
-        double kilobytes = 0;
-        const bool known = XrDirectory(drive.root).getFreeSpace(&kilobytes) == 0;
-        print(String::format("  %-4s %-10s %-8s %9s free", drive.root, type_text(drive.type),
-                             drive.file_system, known ? size_text(kilobytes * 1024).c_str() : "?"));
+    for (const Drive& drive : drives()) {
+        print(String::format("  %-4s %-10s %-8s %9s free", drive.root.c_str(), drive.type.c_str(),
+                             drive.file_system.c_str(), drive.free.c_str()));
     }
 }
 
