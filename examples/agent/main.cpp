@@ -6,6 +6,8 @@
 #include "compare.h"
 #include "inventory.h"
 #include "output.h"
+#include "report.h"
+#include "watch.h"
 
 namespace {
 
@@ -20,6 +22,8 @@ const Verb verbs[] = {
     {"inventory", "[--skip NAME]... DIR FILE", "list the tree DIR into the inventory FILE",
      inventory},
     {"compare", "OLD NEW", "show what changed between two inventory files", compare},
+    {"report", "[--xml]", "check the configuration of this machine", report},
+    {"watch", "PORT", "answer status lines on a port of this machine (0: any free one)", watch},
 };
 
 String usage(const Verb& verb) {

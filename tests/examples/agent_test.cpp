@@ -1,12 +1,18 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <deque>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <map>
 #include <regex>
 #include <sstream>
 #include <vector>
 
+#include "poll/loopback.h"
+#include "support/private_registry.h"
 #include "support/scratch_directory.h"
 #include "util/internal/windows.h"
 #include "util/util.h"
@@ -50,17 +56,19 @@ std::string agent_path() {
 
 class AgentTest : public testing::Test {
   protected:
-    // Runs a program to its end; every word is quoted, so none may end in a backslash.
+    // Runs a program to its end, its output in "1.out", "2.out", ... Every word is quoted, so none
+    // may end in a backslash.
     Result run(const std::string& program, const std::vector<std::string>& words,
                const std::string& directory = ".") {
+        const std::string files = work / std::to_string(++m_runs);
         std::wstring line = L"\"" + to_wide(program) + L"\"";
         for (const std::string& word : words)
             line += L" \"" + to_wide(word) + L"\"";
         STARTUPINFOW start = {};
         start.cb = sizeof start;
         start.dwFlags = STARTF_USESTDHANDLES;
-        start.hStdOutput = output_file(work / "out");
-        start.hStdError = output_file(work / "err");
+        start.hStdOutput = output_file(files + ".out");
+        start.hStdError = output_file(files + ".err");
         PROCESS_INFORMATION child = {};
         Result result = {~0ul, "", ""};
         if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
@@ -74,8 +82,8 @@ class AgentTest : public testing::Test {
         }
         CloseHandle(start.hStdOutput);
         CloseHandle(start.hStdError);
-        result.out = content_of(work / "out");
-        result.err = content_of(work / "err");
+        result.out = content_of(files + ".out");
+        result.err = content_of(files + ".err");
         return result;
     }
 
@@ -83,6 +91,9 @@ class AgentTest : public testing::Test {
 
     ScratchDirectory tree;
     ScratchDirectory work;  // inventories and outputs
+
+  private:
+    std::atomic<int> m_runs{0};
 };
 
 std::string without_dates(const std::string& text) {
@@ -208,6 +219,12 @@ TEST_F(AgentTest, BadCallsGetOneMessage) {
         {{"compare", good}, "compare needs two inventory files\nusage: agent compare OLD NEW\n"},
         {{"compare", good, tree / "none"}, "cannot open '" + tree / "none" + "' (error 2)\n"},
         {{"compare", file, good}, "'" + file + "' is not an inventory\n"},
+        {{"report", "--html"}, "report takes nothing but --xml\nusage: agent report [--xml]\n"},
+        {{"watch"}, "watch needs a port\nusage: agent watch PORT\n"},
+        {{"watch", ""}, "'' is not a port\nusage: "},
+        {{"watch", "80x"}, "'80x' is not a port\nusage: "},
+        {{"watch", "65536"}, "'65536' is not a port\nusage: "},
+        {{"watch", "4294967297"}, "'4294967297' is not a port\nusage: "},
     };
     for (const auto& c : cases) {
         const Result result = agent(c.words);
@@ -285,6 +302,141 @@ TEST_F(AgentTest, CompareShowsWhatChanged) {
     const Result same = agent({"compare", after, after});
     EXPECT_EQ(same.status, 0u);
     EXPECT_TRUE(contains(same.out, "entries\n0 added, 0 removed, 0 changed\n")) << same.out;
+}
+
+bool has_machine_key(const char* path) {
+    HKEY key;
+    const bool found = RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_READ, &key) == 0;
+    if (found) RegCloseKey(key);
+    return found;
+}
+
+TEST_F(AgentTest, ReportShowsEachThingOrWhyNot) {
+    const char* const maker = "SOFTWARE\\Vorn";
+    if (has_machine_key(maker)) GTEST_SKIP() << "the machine's own key must not be touched";
+    const std::string bare = agent({"report"}).out;
+    EXPECT_FALSE(has_machine_key(maker)) << "a report made a key";
+    for (const char* name : {"Database Path", "EmailPickupDir"})
+        EXPECT_TRUE(contains(bare, "(the registry value \""s + name + "\" is not there)\n"));
+
+    const util_test::Key key(HKEY_LOCAL_MACHINE, maker + "\\Vorn Quillmark Tessaron\\Server"s);
+    const auto set = [&key](const char* name, const std::string& text) {
+        RegSetValueExA(key.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                       static_cast<DWORD>(text.size() + 1));
+    };
+    set("Database Path", "\\\\srv\\share\\a database");
+    set("DatabaseUsername", "srv\\agent");
+    set("DatabasePassword", "secret");
+    set("EmailPickupDir", "C:\\<mail> & \"more\"");
+    const std::string text = agent({"report"}).out;
+    const std::string xml = agent({"report", "--xml"}).out;
+    RegDeleteTreeA(HKEY_LOCAL_MACHINE, maker);
+
+    std::string rows;  // as the XML has them
+    for (const char* name :
+         {"platform", "version", "edition", "cluster", "emulation", "temporary directory",
+          "current directory", "host name", "volume manager release", "volume manager path",
+          "database location", "database user", "database password", "pickup directory",
+          "snapshot tool"}) {
+        const String tag = String(name).replace(" ", "_");
+        String value;
+        if (UTIL_extractTag(xml, tag, value) != 0) {
+            EXPECT_EQ(UTIL_extractTag(xml, tag + "_missing", value), 0) << name;
+            value = "(" + value + ")";
+        }
+        rows += String::format("  %-22s  %s\n", name, value.c_str());
+    }
+    const std::regex changing("  (drive|address) .*\n|.*DATE\n");
+    EXPECT_EQ(std::regex_replace(without_dates(text), changing, ""), rows);
+    EXPECT_TRUE(contains(rows,
+                         "  database location       \\\\srv\\share\\a database\n"
+                         "  database user           srv\\agent\n"
+                         "  database password       ********\n"
+                         "  pickup directory        C:\\<mail> & \"more\"\n"));
+    String drive;
+    EXPECT_EQ(UTIL_extractTag(xml, "drive_C", drive), 0);
+    EXPECT_TRUE(contains(text, "  drive C                 " + drive.str().substr(0, 5)));
+}
+
+class Client {
+  public:
+    explicit Client(int port) : m_socket(util_test::new_socket(SOCK_STREAM)) {
+        sockaddr_in address = {};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_port = htons(static_cast<unsigned short>(port));
+        EXPECT_EQ(connect(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address),
+                  0);
+    }
+    ~Client() { closesocket(m_socket); }
+
+    void say(const std::string& text) const {
+        send(m_socket, text.data(), static_cast<int>(text.size()), 0);
+    }
+    // The next line, or what came before the end of the connection and "END".
+    std::string hear() const {
+        std::string line;
+        for (char c; recv(m_socket, &c, 1, 0) == 1; line += c) {
+            if (c == '\n') return line;
+        }
+        return line + "END";
+    }
+    std::string ask(const std::string& text) const {
+        say(text + "\n");
+        return hear();
+    }
+
+  private:
+    SOCKET m_socket;
+};
+
+TEST_F(AgentTest, WatchServesManyClientsAtOnce) {
+    auto server = std::async(std::launch::async, [this] { return agent({"watch", "0"}); });
+    const std::string greeting = "listening on 127.0.0.1, port ";
+    while (!contains(content_of(work / "1.out"), "\n"))
+        ASSERT_EQ(server.wait_for(std::chrono::milliseconds(10)), std::future_status::timeout);
+    const int port = std::stoi(content_of(work / "1.out").substr(greeting.size()));
+
+    std::deque<Client> clients;
+    while (clients.size() < Poll::table_size_)
+        clients.emplace_back(port);
+    const Client one_too_many(port);
+    EXPECT_EQ(one_too_many.hear(), "busy");
+    EXPECT_EQ(one_too_many.hear(), "END");
+    for (const Client& client : clients)
+        client.say("echo cli");
+    for (std::size_t i = 0; i < clients.size(); ++i)
+        clients[i].say("ent " + std::to_string(i) + "\r\n");
+    for (std::size_t i = 0; i < clients.size(); ++i)
+        EXPECT_EQ(clients[i].hear(), "client " + std::to_string(i));
+
+    const std::string status = clients[0].ask("status");
+    EXPECT_TRUE(std::regex_match(status, std::regex("uptime [0-9]+ s, clients 64, lines 65")))
+        << status;
+    EXPECT_EQ(without_dates(clients[1].ask("time")), "DATE");
+    EXPECT_EQ(clients[1].ask("echo\necho  two"), "");
+    EXPECT_EQ(clients[1].hear(), " two");
+    EXPECT_EQ(clients[1].ask("echoes"), "unknown command; status, time, echo TEXT, bye, quit");
+    EXPECT_EQ(clients[2].ask(std::string(5000, 'x')), "line too long");
+    EXPECT_EQ(clients[2].hear(), "END");
+    EXPECT_EQ(clients[3].ask("bye\nquit"), "bye");
+    EXPECT_EQ(clients[3].hear(), "END");
+
+    while (clients.size() > 32)  // gone without a word
+        clients.pop_back();
+    int tries = 0;
+    while (!contains(clients[0].ask("status"), "clients 30,") && ++tries < 500)
+        Sleep(10);
+    EXPECT_LT(tries, 500);
+    EXPECT_EQ(Client(port).ask("echo new"), "new");
+    EXPECT_EQ(agent({"watch", std::to_string(port)}).err,
+              "agent: cannot listen on port " + std::to_string(port) + " (error 10048)\n");
+    EXPECT_EQ(clients[4].ask("quit"), "stopping");
+    EXPECT_EQ(clients[0].hear(), "END");
+    const Result result = server.get();
+    EXPECT_EQ(result.status, 0u);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out.find(greeting + std::to_string(port) + "\nstopped, lines "), 0u);
 }
 
 }  // namespace
