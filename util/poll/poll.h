@@ -6,11 +6,11 @@
 
 #include "util/export.h"
 
-// A table of up to 64 sources and the loop that serves them. A source is a connected socket,
-// given as an int, or 0 for the console's standard input; a listening socket is not served, as only
-// data and closing are waited for, nor is room to write announced. When a socket can be read or its
-// peer has closed, or when console input is there, its callback runs. With several ready at once
-// the lowest slot is served first, one per wait.
+// A table of up to 64 sources and the loop that serves them. A source is a connected socket, given
+// as an int, or 0 for the console's standard input. When a socket can be read or its peer has
+// closed, or when console input is there, its callback runs. With several ready at once the lowest
+// slot is served first, one per wait. A listening socket is not served, and room to write is not
+// announced: only data and closing are waited for.
 //
 // Ownership: sockets and callbacks stay the caller's and must outlive their registration. The
 // poller owns one event per socket, and takes over the console: removing 0, registering it again
