@@ -4,6 +4,7 @@
 
 #include "util/files/files.h"
 #include "util/host/host.h"
+#include "util/mail/mail.h"
 #include "util/poll/poll.h"
 #include "util/portable/portable.h"
 #include "util/text/text.h"

@@ -44,6 +44,9 @@ class PrivateRegistry {
         RegDeleteTreeA(HKEY_CURRENT_USER, m_path.c_str());
     }
 
+    // Of that key below HKEY_CURRENT_USER.
+    const std::string& path() const { return m_path; }
+
     void create(const std::string& key) { Key(HKEY_LOCAL_MACHINE, key); }
 
     // Stores exactly these bytes, in the ANSI code page when the type is a text's. (The platform

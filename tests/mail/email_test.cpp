@@ -1,0 +1,296 @@
+#include "util/mail/email.h"
+
+#include <io.h>
+
+#include <cerrno>
+#include <vector>
+
+#include "mail/mail_test.h"
+#include "support/import_patch.h"
+
+using namespace std::string_literals;
+using util_test::ImportPatch;
+using util_test::message;
+
+namespace {
+
+using Texts = std::multiset<std::string>;
+
+// --- fields -------------------------------------------------------------------------------------
+
+std::vector<String> fields(const email& mail) {
+    return {mail.getFrom(), mail.getTo(), mail.getSubject(), mail.getBody()};
+}
+
+TEST(EmailTest, TextsAreAddedOnceEachFieldWithItsSeparator) {
+    const std::vector<std::pair<const char*, const char*>> steps = {
+        {"", ""},
+        {"bob@x", "bob@x"},
+        {"", "bob@x"},
+        {"al@x", "bob@x|al@x"},
+        {"b@x", "bob@x|al@x"},  // anywhere in it counts
+        {"Al@x", "bob@x|al@x|Al@x"},
+    };
+    email mail;
+    for (const auto& [text, expected] : steps) {
+        mail.updateFrom(text);
+        mail.updateTo(text);
+        mail.updateSubject(text);
+        mail.updateBody(text);
+        const String joined(expected);
+        EXPECT_EQ(fields(mail),
+                  (std::vector<String>{joined.replace("|", ";"), joined.replace("|", ";"),
+                                       joined.replace("|", " "), joined.replace("|", "\r\n")}));
+    }
+}
+
+TEST(EmailTest, IsReadyWithFourFieldsAndElseSendsNothing) {
+    const util_test::ScratchDirectory scratch;
+    util_test::PrivateRegistry registry;
+    registry.set_text(util_test::server_key, "EmailPickupDir", scratch.path());
+    for (int missing = 0; missing < 16; ++missing) {
+        const auto field = [&](int n) { return missing & (1 << n) ? "" : "x"; };
+        email mail(field(0), field(1), field(2), field(3));
+        EXPECT_EQ(fields(mail), (std::vector<String>{field(0), field(1), field(2), field(3)}));
+        EXPECT_EQ(mail.isReady(), missing == 0);
+        EXPECT_EQ(mail.isNull(), missing != 0);
+        if (missing == 0) continue;
+        EXPECT_EQ(mail.send(), -1) << missing;
+        EXPECT_EQ(mail.GetLastErrorMessage(), "") << missing;
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(scratch.path()));
+}
+
+// --- sending ------------------------------------------------------------------------------------
+
+class SendMailTest : public util_test::MailTest {
+  protected:
+    // Sends to the list; also checks what the object says afterwards.
+    void send(const std::string& to, int result, const std::string& error) {
+        EXPECT_EQ(mail.send_mail("f", to, "s", "b"), result) << to;
+        EXPECT_EQ(mail.GetLastErrorMessage(), error) << to;
+    }
+    Texts messages_to(const std::vector<std::string>& recipients) {
+        Texts result;
+        for (const auto& recipient : recipients)
+            result.insert(message("f", recipient, "s", "b"));
+        return result;
+    }
+};
+
+TEST_F(SendMailTest, EachRecipientGetsAFileOfExactlyTheseBytes) {
+    const std::string subject = "gr\xC3\xBC\xC3\x9F \xE6\x97\xA5 %s";
+    const std::string body = "=3D \xF0\x9F\x98\x80\n.\r\n\r\nFrom \xFF\0x"s;
+    email notice("agent@x", "", subject, body);
+    notice.updateTo("a@x");
+    notice.updateTo("; \t;;\r\n b c@x\t ;");
+    EXPECT_EQ(notice.send(), 0);
+    EXPECT_EQ(notice.GetLastErrorMessage(), "");
+    EXPECT_EQ(contents("pickup"), (Texts{message("agent@x", "a@x", subject, body),
+                                         message("agent@x", "b c@x", subject, body)}));
+    for (const auto& [name, content] : files("pickup")) {
+        EXPECT_EQ(name.substr(0, 3), "tsr");
+        EXPECT_EQ(name.substr(name.size() - 5), ".tmp1");
+    }
+    EXPECT_EQ(contents("temp"), Texts());
+}
+
+TEST_F(SendMailTest, AListWithoutRecipientsSendsNothing) {
+    send("", 0, "Invalid To: list specified; To: list= ");
+    send(" ;\t;;", 0, "Invalid To: list specified; To: list= ");
+    EXPECT_EQ(contents("pickup"), Texts());
+}
+
+TEST_F(SendMailTest, AThousandRecipientsGetTheirMail) {
+    std::string to;
+    std::vector<std::string> recipients;
+    for (int n = 0; n < 1000; ++n)
+        to += recipients.emplace_back("r" + std::to_string(n)) + ";";
+    send(to, 0, "");
+    EXPECT_EQ(contents("pickup"), messages_to(recipients));
+    EXPECT_EQ(contents("temp"), Texts());
+}
+
+TEST_F(SendMailTest, DirectoriesMayHaveNamesOfTheAnsiPage) {
+    ASSERT_EQ(GetACP(), 1252u) << "the case is written for this page";
+    const util_test::EnvironmentChange change(
+        L"TMP", util_test::to_wide(scratch.directory("t\xC3\xA4")).c_str());
+    scratch.directory("caf\xC3\xA9");
+    registry.set_text(util_test::server_key, "EmailPickupDir", scratch / "caf\xE9");
+    send("a", 0, "");
+    EXPECT_EQ(contents("caf\xC3\xA9"), messages_to({"a"}));
+    EXPECT_EQ(contents("t\xC3\xA4"), Texts());
+}
+
+// --- where the messages go ----------------------------------------------------------------------
+
+std::vector<std::string> keys_opened, directories_used;
+
+LSTATUS WINAPI noting_open(HKEY root, const char* path, DWORD options, REGSAM access, HKEY* key) {
+    EXPECT_EQ(access, REGSAM{GENERIC_READ});
+    keys_opened.push_back(path);
+    return RegOpenKeyExA(root, path, options, access, key);
+}
+UINT WINAPI noting_name(const char* directory, const char* prefix, UINT number, char* name) {
+    EXPECT_EQ(prefix + std::to_string(number), "tsr0");
+    directories_used.push_back(directory);
+    return GetTempFileNameA(directory, prefix, number, name);
+}
+
+TEST_F(SendMailTest, ThePickupDirectoryIsTheFirstThatIsSet) {
+    using namespace util_test;
+    const std::string root = scratch.path();
+    scratch.directory("own");
+    scratch.directory("ex\\Mailroot\\vsi 1\\Pickup");
+    scratch.directory("web\\wwwroot2\\mailroot\\Pickup");
+    scratch.directory("web\\mailroot\\Pickup");
+    const std::vector<std::string> all = {server_key, exchange_key, web_key};
+    const struct {
+        std::string own, exchange, web, directory;
+        std::size_t keys;
+    } cases[] = {
+        {root + "\\own", root + "\\ex", root + "\\web", root + "\\own", 1},
+        {"", root + "\\ex", root + "\\web", root + "\\ex\\\\Mailroot\\vsi 1\\Pickup", 2},
+        {"", "", root + "\\wwwroot\\web\\wwwroot", root + "\\web\\\\mailroot\\Pickup\\", 3},
+        {"", "", root + "\\web\\wwwroot2", root + "\\web2\\\\mailroot\\Pickup\\", 3},
+        {"", "", root + "\\web\\WWWroot", root + "\\web\\WWWroot\\\\mailroot\\Pickup\\", 3},
+        {"", "", "", "", 3},
+    };
+    const ImportPatch open("RegOpenKeyExA", noting_open), name("GetTempFileNameA", noting_name);
+    for (const auto& c : cases) {
+        registry.set_text(server_key, "EmailPickupDir", c.own);
+        registry.set_text(exchange_key, "ExchangeServerAdmin", c.exchange);
+        registry.set_text(web_key, "PathWWWRoot", c.web);
+        keys_opened.clear();
+        directories_used.clear();
+        const bool arrives = mail.send_mail("f", "a", "s", "b") == 0;
+        ASSERT_EQ(directories_used.size(), 2u) << c.directory;
+        EXPECT_EQ(directories_used[0], temp + "\\");
+        EXPECT_EQ(directories_used[1], c.directory);
+        EXPECT_EQ(arrives, std::filesystem::exists(c.directory)) << c.directory;
+        keys_opened.resize(c.keys);  // the web server's is opened again in the end
+        EXPECT_EQ(keys_opened, std::vector(all.begin(), all.begin() + long(c.keys)));
+    }
+}
+
+UINT WINAPI name_in_current_directory(const char* directory, const char* prefix, UINT number,
+                                      char* name) {
+    return GetTempFileNameA(*directory ? directory : ".", prefix, number, name);
+}
+
+TEST_F(SendMailTest, WithoutAPickupDirectoryThePlatformDecides) {
+    registry.remove_value(util_test::server_key, "EmailPickupDir");
+    send("a;b", -1, "Win32 API GetTempFileName returned bad name, GetLastError = 267");
+    EXPECT_EQ(contents("temp"), messages_to({"a"}));
+
+    const ImportPatch patch("GetTempFileNameA", name_in_current_directory);
+    SetCurrentDirectoryA(pickup.c_str());
+    send("a;b", 0, "Unable to query the registry for the pickup directory");
+    EXPECT_EQ(contents("pickup"), messages_to({"a", "b"}));
+    SetCurrentDirectoryA("C:\\");
+}
+
+// --- failures -----------------------------------------------------------------------------------
+
+TEST_F(SendMailTest, ADirectoryThatTakesNoFileEndsIt) {
+    const std::string bad_name = "Win32 API GetTempFileName returned bad name, GetLastError = ";
+    const std::string deep = scratch.directory(std::string(200, 'd') + "\\" + std::string(60, 'e'));
+    const auto with_length = [&](std::size_t n) { return deep.substr(0, n); };
+    const struct {
+        std::string temp, error;
+    } cases[] = {
+        {scratch / "missing", bad_name + "267"},
+        {scratch.file("file"), bad_name + "267"},
+        {with_length(246), bad_name + "111"},  // and a backslash
+        {with_length(253), bad_name + "111"},
+        {with_length(254), bad_name + "267"},  // no room in the buffer
+        {with_length(258), bad_name + "267"},
+        {with_length(259), "Win32 API GetTempPath returned failure, GetLastError = 206"},
+    };
+    for (const auto& c : cases) {
+        const util_test::EnvironmentChange change(L"TMP", util_test::to_wide(c.temp).c_str());
+        send("a;b", -1, c.error);
+    }
+    for (const std::string& missing : {scratch / "missing", with_length(247)}) {
+        registry.set_text(util_test::server_key, "EmailPickupDir", missing);
+        send("a;b", -1, bad_name + (missing.size() > 246 ? "111" : "267"));
+        EXPECT_EQ(contents("temp"), messages_to({"a"})) << "kept, and nothing for b";
+        empty("temp");
+    }
+    EXPECT_EQ(contents("pickup"), Texts());
+}
+
+// Replacements that fail on their second use.
+int uses;
+
+bool fails() {
+    return ++uses == 2;
+}
+int second_open(const wchar_t* path, int flags, int mode) {
+    if (!fails()) return _wopen(path, flags, mode);
+    errno = EACCES;
+    return -1;
+}
+int second_write(int fd, const void* bytes, unsigned count) {
+    if (!fails()) return _write(fd, bytes, count);
+    _write(fd, bytes, count / 2);  // the disk is full
+    errno = ENOSPC;
+    return -1;
+}
+int second_rename(const char* from, const char* to) {
+    if (!fails()) return std::rename(from, to);
+    errno = EACCES;
+    return -1;
+}
+
+TEST_F(SendMailTest, ARecipientsFailureCountsOnlyWhenItIsTheLast) {
+    using Function = void (*)();
+    const std::string whole = message("f", "b", "s", "b");
+    const struct {
+        const char* call;
+        Function replacement;
+        std::string error, left;
+    } failures[] = {
+        {"_wopen", reinterpret_cast<Function>(second_open), "Unable to open the file ", ""},
+        {"_write", reinterpret_cast<Function>(second_write), "Unable to open the file ",
+         whole.substr(0, whole.size() / 2)},
+        {"rename", reinterpret_cast<Function>(second_rename), "", whole},
+    };
+    for (const auto& f : failures) {
+        const ImportPatch patch(f.call, f.replacement);
+        for (const bool is_last : {false, true}) {
+            uses = 0;
+            email notice("f", is_last ? "a;b" : "a;b;c", "s", "b");
+            EXPECT_EQ(notice.send(), is_last ? -1 : 0) << f.call;
+            const auto left = files("temp");
+            ASSERT_EQ(left.size(), 1u) << f.call;
+            EXPECT_EQ(left.begin()->second, f.left) << f.call;
+            EXPECT_EQ(notice.GetLastErrorMessage(),
+                      f.error.empty() ? "" : f.error + temp + "\\" + left.begin()->first);
+            EXPECT_EQ(contents("pickup"),
+                      is_last ? messages_to({"a"}) : messages_to({"a", "c"}));
+            empty("temp");
+            empty("pickup");
+        }
+    }
+}
+
+TEST_F(SendMailTest, MessagesWaitForAServiceThatIsNotThere) {
+    service->stop();
+    send("a", -1, "IIS is not running.");
+    registry.remove_value(util_test::web_key, "InstallPath");
+    send("b", -1, "IIS is not running.");
+    service->start();
+    send("c;", -1, "IIS is not installed.");
+    EXPECT_EQ(contents("pickup"), messages_to({"a", "b", "c"}));
+
+    registry.set_text(util_test::web_key, "InstallPath", "C:\\inetsrv");
+    send("d", 0, "IIS is not installed.");  // kept
+    const email copy(mail);
+    email assigned;
+    assigned = mail;
+    EXPECT_EQ(copy.GetLastErrorMessage(), "IIS is not installed.");
+    EXPECT_EQ(assigned.GetLastErrorMessage(), "IIS is not installed.");
+}
+
+}  // namespace

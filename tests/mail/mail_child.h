@@ -1,0 +1,83 @@
+// The stand-in for the machine's mail service, and what the two sides of the kill test agree on.
+#ifndef UTIL_TESTS_MAIL_MAIL_CHILD_H
+#define UTIL_TESTS_MAIL_MAIL_CHILD_H
+
+#include <stdexcept>
+#include <string>
+
+#include "support/built_file.h"
+#include "util/internal/service.h"
+
+namespace util_test {
+
+constexpr int drop_batch = 10;
+
+inline std::string drop_recipient(int n) {
+    return "r" + std::to_string(n);
+}
+
+// Long enough for writing it to take its time.
+inline std::string drop_body() {
+    std::string body;
+    for (int line = 0; line < 30000; ++line)
+        body += std::to_string(line) + "\r\n";
+    return body + "end";
+}
+
+// A service IISADMIN for as long as this lives, stopped at first. One that a test left behind when
+// it died is removed.
+class MailService {
+  public:
+    MailService() : m_manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS)) {
+        m_service.reset(OpenServiceA(m_manager.get(), name, SERVICE_ALL_ACCESS));
+        if (m_service) remove();
+        const std::string command = "\"" + built_file("mail_child.exe") + "\" service";
+        // One that was deleted goes when its process has ended.
+        for (int tries = 0; tries < 500 && !m_service; ++tries, Sleep(10)) {
+            m_service.reset(CreateServiceA(m_manager.get(), name, name, SERVICE_ALL_ACCESS,
+                                           SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START,
+                                           SERVICE_ERROR_IGNORE, command.c_str(), nullptr, nullptr,
+                                           nullptr, nullptr, nullptr));
+        }
+        if (!m_service) throw std::runtime_error("no service IISADMIN");
+    }
+    ~MailService() { remove(); }
+
+    void start() {
+        StartServiceA(m_service.get(), 0, nullptr);
+        wait_for(SERVICE_RUNNING);
+    }
+    void pause() {
+        SERVICE_STATUS status;
+        ControlService(m_service.get(), SERVICE_CONTROL_PAUSE, &status);
+        wait_for(SERVICE_PAUSED);
+    }
+    void stop() {
+        SERVICE_STATUS status;
+        if (ControlService(m_service.get(), SERVICE_CONTROL_STOP, &status))
+            wait_for(SERVICE_STOPPED);
+    }
+
+  private:
+    static constexpr char name[] = "IISADMIN";
+
+    void remove() {
+        stop();
+        DeleteService(m_service.get());
+        m_service.reset();
+    }
+    void wait_for(DWORD state) {
+        SERVICE_STATUS status = {};
+        for (int tries = 0; tries < 500; ++tries, Sleep(10)) {
+            if (QueryServiceStatus(m_service.get(), &status) && status.dwCurrentState == state)
+                return;
+        }
+        throw std::runtime_error("IISADMIN does not reach state " + std::to_string(state));
+    }
+
+    util::ScopedService m_manager, m_service;
+};
+
+}  // namespace util_test
+
+#endif

@@ -1,0 +1,98 @@
+#include "util/mail/mail_service.h"
+
+#include "mail/mail_test.h"
+#include "support/import_patch.h"
+
+using namespace std::string_literals;
+using util_test::AccessLimit;
+using util_test::ImportPatch;
+
+namespace {
+
+class MailServiceTest : public util_test::MailTest {};
+
+TEST_F(MailServiceTest, InstalledWithATextOfAtMost260BytesThatIsNotEmpty) {
+    const struct {
+        DWORD type;
+        std::string stored;
+        bool installed;
+    } cases[] = {
+        {REG_SZ, "C:\\inetsrv\0"s, true},
+        {REG_EXPAND_SZ, "%none%\0"s, true},
+        {REG_SZ, std::string(259, 'x') + '\0', true},
+        {REG_SZ, std::string(260, 'x') + '\0', false},
+        {REG_SZ, "C:\\inetsrv", false},
+        {REG_SZ, "\0"s, false},
+        {REG_SZ, "\0x\0"s, false},
+        {REG_SZ, "", false},
+        {REG_BINARY, "C:\\inetsrv\0"s, false},
+        {REG_MULTI_SZ, "C:\\inetsrv\0\0"s, false},
+    };
+    for (const auto& c : cases) {
+        registry.set(util_test::web_key, "InstallPath", c.type, c.stored);
+        EXPECT_EQ(MailInstalled(), c.installed) << c.type << " " << c.stored;
+    }
+    registry.set_text(util_test::web_key, "InstallPath", "C:\\inetsrv");
+    {
+        const AccessLimit readers(util_test::web_key, KEY_READ | WRITE_DAC);
+        EXPECT_TRUE(MailInstalled());
+    }
+    {
+        const AccessLimit nobody(util_test::web_key, WRITE_DAC);
+        EXPECT_FALSE(MailInstalled());
+    }
+    registry.clear();
+    EXPECT_FALSE(MailInstalled());
+}
+
+TEST_F(MailServiceTest, RunningInThatStateOnly) {
+    EXPECT_TRUE(MailRunning());
+    service->pause();
+    EXPECT_FALSE(MailRunning());
+    service->stop();
+    EXPECT_FALSE(MailRunning());
+    service.reset();
+    EXPECT_FALSE(MailRunning());
+    service = std::make_unique<util_test::MailService>();
+    EXPECT_FALSE(MailRunning());
+    service->start();
+    EXPECT_TRUE(MailRunning());
+}
+
+int open_handles, step, failing_step;
+
+bool fails() {
+    return ++step == failing_step;
+}
+SC_HANDLE counted(SC_HANDLE handle) {
+    open_handles += handle != nullptr;
+    return handle;
+}
+SC_HANDLE WINAPI open_manager(const char* machine, const char* database, DWORD access) {
+    EXPECT_TRUE(!machine && !database && access == 0xF003F);
+    return counted(fails() ? nullptr : OpenSCManagerA(machine, database, access));
+}
+SC_HANDLE WINAPI open_service(SC_HANDLE manager, const char* name, DWORD access) {
+    EXPECT_TRUE(name == "IISADMIN"s && access == 0xF01FF);
+    return counted(fails() ? nullptr : OpenServiceA(manager, name, access));
+}
+BOOL WINAPI query(SC_HANDLE service, SERVICE_STATUS* status) {
+    return QueryServiceStatus(service, status) && !fails();
+}
+BOOL WINAPI close_handle(SC_HANDLE handle) {
+    --open_handles;
+    return CloseServiceHandle(handle);
+}
+
+TEST_F(MailServiceTest, AskingNeedsFullAccessAndGivesEverythingBack) {
+    const ImportPatch manager("OpenSCManagerA", open_manager),
+        service_patch("OpenServiceA", open_service), status("QueryServiceStatus", query),
+        close("CloseServiceHandle", close_handle);
+    for (failing_step = 1; failing_step <= 4; ++failing_step) {
+        step = 0;
+        EXPECT_EQ(MailRunning(), failing_step == 4) << failing_step;
+        EXPECT_EQ(open_handles, 0) << failing_step;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,276 @@
+// How messages get into the pickup directory: whole, and none at another's cost.
+#include "util/mail/message_drop.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <random>
+#include <set>
+#include <thread>
+#include <vector>
+
+#include "mail/mail_test.h"
+#include "support/import_patch.h"
+
+using util_test::ImportPatch;
+using util_test::message;
+
+namespace {
+
+std::string message_to(const std::string& recipient) {
+    return message("f", recipient, "s", "b");
+}
+
+class MessageDropTest : public util_test::MailTest {
+  protected:
+    int send(const std::string& to) { return mail.send_mail("f", to, "s", "b"); }
+};
+
+// --- names --------------------------------------------------------------------------------------
+
+using Files = std::map<std::string, std::string>;
+
+// The first name that is free, as the platform may choose it.
+UINT WINAPI first_free_name(const char* directory, const char*, UINT, char* name) {
+    for (UINT number = 1;; ++number) {
+        const std::string path = std::string(directory) + "\\n" + std::to_string(number);
+        const HANDLE file =
+            CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+        if (file == INVALID_HANDLE_VALUE) {
+            if (GetLastError() != ERROR_FILE_EXISTS) return 0;
+            continue;
+        }
+        CloseHandle(file);
+        std::strcpy(name, path.c_str());
+        return number;
+    }
+}
+
+TEST_F(MessageDropTest, ANameThatIsTakenIsPassedOver) {
+    const ImportPatch names("GetTempFileNameA", first_free_name);
+    scratch.file("pickup\\n11", "old");
+    scratch.directory("pickup\\n31");
+    EXPECT_EQ(send("a;b"), 0);
+    std::filesystem::remove(scratch / "pickup\\n31");
+    EXPECT_EQ(files("pickup"),
+              (Files{{"n11", "old"}, {"n21", message_to("a")}, {"n41", message_to("b")}}));
+    EXPECT_EQ(files("temp"), Files());
+}
+
+int faster_senders;
+
+int rename_too_late(const char* from, const char* to) {
+    if (faster_senders-- > 0) {
+        EXPECT_EQ(GetFileAttributesA(std::string(to, std::strlen(to) - 1).c_str()),
+                  INVALID_FILE_ATTRIBUTES)
+            << "the placeholder goes before the move";
+        CloseHandle(CreateFileA(to, GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    }
+    return std::rename(from, to);
+}
+
+TEST_F(MessageDropTest, ANameThatAnotherSenderTakesMeanwhileIsPassedOver) {
+    const ImportPatch names("GetTempFileNameA", first_free_name);
+    const ImportPatch move("rename", rename_too_late);
+    faster_senders = 2;
+    EXPECT_EQ(send("a"), 0);
+    EXPECT_EQ(files("pickup"), (Files{{"n11", ""}, {"n21", ""}, {"n31", message_to("a")}}));
+}
+
+UINT WINAPI only_name(const char* directory, const char*, UINT, char* name) {
+    std::strcpy(name, (std::string(directory) + "\\n1").c_str());
+    return 1;
+}
+
+TEST_F(MessageDropTest, TheSearchForANameEnds) {
+    scratch.file("pickup\\n11", "old");
+    const ImportPatch names("GetTempFileNameA", only_name);
+    EXPECT_EQ(send("a"), -1);
+    EXPECT_EQ(mail.GetLastErrorMessage(),
+              "Win32 API GetTempFileName returned bad name, GetLastError = 80");
+    EXPECT_EQ(files("pickup"), (Files{{"n11", "old"}}));
+    EXPECT_EQ(files("temp"), (Files{{"n1", message_to("a")}}));
+}
+
+TEST_F(MessageDropTest, SendersAtTheSameTimeLoseNothing) {
+    constexpr int senders = 4, each = 40;
+    handles = -1;  // the runtime keeps its threads' for a while
+    std::multiset<std::string> expected;
+    std::vector<std::thread> threads;
+    std::string lists[senders];
+    for (int n = 0; n < senders * each; ++n) {
+        const std::string recipient = "r" + std::to_string(n);
+        lists[n % senders] += recipient + ";";
+        expected.insert(message_to(recipient));
+    }
+    for (const std::string& list : lists)
+        threads.emplace_back([&list] { EXPECT_EQ(email().send_mail("f", list, "s", "b"), 0); });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(contents("pickup"), expected);
+    EXPECT_EQ(files("temp"), Files());
+}
+
+// --- a directory that goes, memory that runs out ------------------------------------------------
+
+int moves_left;
+
+int rename_into_vanishing_directory(const char* from, const char* to) {
+    if (moves_left-- > 0) return std::rename(from, to);
+    std::filesystem::remove_all(std::filesystem::path(to).parent_path());
+    return std::rename(from, to);
+}
+
+TEST_F(MessageDropTest, APickupDirectoryThatVanishesHalfWayLeavesTheRestInTheTemporaryOne) {
+    const ImportPatch move("rename", rename_into_vanishing_directory);
+    moves_left = 1;
+    EXPECT_EQ(send("a;b;c;d"), -1);
+    EXPECT_EQ(mail.GetLastErrorMessage(),
+              "Win32 API GetTempFileName returned bad name, GetLastError = 267");
+    EXPECT_EQ(contents("temp"), (std::multiset<std::string>{message_to("b"), message_to("c")}));
+
+    scratch.directory("pickup");
+    moves_left = 1;
+    email other;
+    EXPECT_EQ(other.send_mail("f", "a;b", "s", "b"), -1);
+    EXPECT_EQ(other.GetLastErrorMessage(), "") << "it vanished behind the name";
+}
+
+int until_failure;  // 0: no allocation fails (any more)
+
+void* failing_malloc(std::size_t size) {
+    if (until_failure > 0 && --until_failure == 0) return nullptr;
+    return std::malloc(size);
+}
+wchar_t* WINAPI failing_wide(const wchar_t* text) {
+    using Allocate = wchar_t* WINAPI(const wchar_t*);
+    if (until_failure > 0 && --until_failure == 0) return nullptr;
+    static auto* const real = reinterpret_cast<Allocate*>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA("oleaut32.dll"), "SysAllocString")));
+    return real(text);
+}
+
+TEST_F(MessageDropTest, ExhaustedMemoryIsRaisedAndLeavesNothingHalfDone) {
+    const String from("f"), to("a"), subject("s"), body("b");
+    const ImportPatch narrow("libstdc++-6.dll", "malloc", failing_malloc),
+        wide("SysAllocString", failing_wide);
+    bool failed = true;
+    for (int n = 1; failed; ++n) {
+        bool raised = false;
+        until_failure = n;
+        try {
+            mail.send_mail(from, to, subject, body);
+        } catch (const std::bad_alloc&) {
+            raised = true;
+        }
+        failed = until_failure == 0;
+        until_failure = 0;
+        EXPECT_LE(raised, failed) << n;
+        for (const auto& [name, content] : files("pickup"))
+            EXPECT_EQ(content, message_to("a")) << name << " after " << n;
+        empty("pickup");
+        if (n == 1) handles = util_test::handle_count();  // raising takes some for good
+        EXPECT_TRUE(failed || n > 10);
+    }
+}
+
+// --- kills --------------------------------------------------------------------------------------
+
+// A process that drops messages, and how many it has finished.
+class Dropper {
+  public:
+    explicit Dropper(const std::string& registry) {
+        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+        HANDLE output;
+        CreatePipe(&m_input, &output, &inherited, 1 << 16);
+        STARTUPINFOA start = {};
+        start.cb = sizeof start;
+        start.dwFlags = STARTF_USESTDHANDLES;
+        start.hStdOutput = output;
+        PROCESS_INFORMATION made = {};
+        std::string command =
+            "\"" + util_test::built_file("mail_child.exe") + "\" drop " + registry;
+        CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
+                       &made);
+        CloseHandle(output);
+        CloseHandle(made.hThread);
+        m_process = made.hProcess;
+    }
+    ~Dropper() {
+        CloseHandle(m_process);
+        CloseHandle(m_input);
+    }
+
+    bool finish_one() {
+        char byte;
+        DWORD read;
+        return ReadFile(m_input, &byte, 1, &read, nullptr) && read == 1;
+    }
+    void kill() {
+        TerminateProcess(m_process, 1);
+        WaitForSingleObject(m_process, INFINITE);
+    }
+
+  private:
+    HANDLE m_process, m_input;
+};
+
+class KillTest : public MessageDropTest {
+  protected:
+    // Counts what stands in the pickup directory as whole messages, by recipient.
+    void look(std::set<std::string>& seen, bool killed) {
+        static const std::string body = util_test::drop_body();
+        for (const auto& entry : std::filesystem::directory_iterator(pickup)) {
+            const std::string name = entry.path().filename().string();
+            if (name.back() != '1') {
+                EXPECT_TRUE(!killed || std::filesystem::is_empty(entry.path())) << name;
+                continue;
+            }
+            if (!names.insert(name).second && !killed) continue;
+            const std::string content = scratch.read("pickup\\" + name);
+            const std::size_t start = content.find("To: ") + 4;
+            const std::string to = content.substr(start, content.find('\r', start) - start);
+            EXPECT_TRUE(content == message("f", to, "s", body))
+                << name << " of " << content.size() << " bytes is not whole";
+            seen.insert(to);
+        }
+    }
+    std::set<std::string> names;
+};
+
+TEST_F(KillTest, NothingHalfWrittenShowsWhenTheSenderIsKilledAndNothingSentIsLost) {
+    constexpr int rounds = 40;
+    constexpr unsigned seed = 20;
+    std::mt19937 random(seed);
+    int in_the_middle = 0, lost = 0;
+    std::size_t dropped = 0;
+    for (int round = 0; round < rounds; ++round) {
+        std::set<std::string> seen;
+        names.clear();
+        Dropper dropper(registry.path());
+        ASSERT_TRUE(dropper.finish_one());
+        const ULONGLONG end = GetTickCount64() + random() % 30;
+        do {
+            look(seen, false);
+        } while (GetTickCount64() < end);
+        dropper.kill();
+        look(seen, true);
+
+        int finished = 1;
+        while (dropper.finish_one())
+            ++finished;
+        for (int n = 0; n < finished * util_test::drop_batch; ++n)
+            lost += !seen.count(util_test::drop_recipient(n));
+        const bool placeholder_left = files("pickup").size() > seen.size();
+        if (placeholder_left || !std::filesystem::is_empty(temp)) ++in_the_middle;
+        dropped += seen.size();
+        empty("pickup");
+        empty("temp");
+    }
+    std::printf("%d rounds, %d kills in the middle of a message, %d messages dropped, %d lost\n",
+                rounds, in_the_middle, int(dropped), lost);
+    EXPECT_EQ(lost, 0) << "seed " << seed;
+    EXPECT_GT(in_the_middle, 0) << "no kill hit";
+}
+
+}  // namespace

@@ -1,0 +1,34 @@
+// Not installed. The files of a message: where it is written, and where it is dropped.
+#ifndef UTIL_MAIL_MESSAGE_DROP_H
+#define UTIL_MAIL_MESSAGE_DROP_H
+
+#include <string>
+
+namespace util {
+
+// Paths are UTF-8; the calls that the platform offers for temporary names are its ANSI ones. Any
+// thread and any process may call these at the same time, also for the same directories. They raise
+// std::bad_alloc, and the platform's own error for lack of memory from the UTF-8 layer.
+
+// The directory for temporary files, into out: false, with the last error, when the platform names
+// none. out is "", which names no directory, when the path takes 255 bytes or more.
+bool temporary_directory(std::string& out);
+
+// Makes an empty file with a new name in the directory, as GetTempFileNameA does, and returns its
+// path; "" with the last error on failure. A directory of more than 246 bytes is too long (111).
+std::string create_temporary_file(const std::string& directory);
+
+enum class Drop { done, no_name, not_moved };
+
+// Moves a file into the directory, under a new name there with "1" behind it. Other files of the
+// directory are left alone: a name that is taken, by an old message or by another sender at the
+// very moment, is not used. An empty file keeps the name (without its "1") until just before the
+// move; none is left behind.
+//
+// no_name, with the last error, when the directory is missing or takes no file, and when thousands
+// of names in a row are taken. not_moved when the move fails. The file then stays where it was.
+Drop drop_message(const std::string& file, const std::string& directory);
+
+}  // namespace util
+
+#endif
