@@ -239,7 +239,7 @@ class KillTest : public MessageDropTest {
 };
 
 TEST_F(KillTest, NothingHalfWrittenShowsWhenTheSenderIsKilledAndNothingSentIsLost) {
-    constexpr int rounds = 40;
+    constexpr int rounds = 25;
     constexpr unsigned seed = 20;
     std::mt19937 random(seed);
     int in_the_middle = 0, lost = 0;
