@@ -3,6 +3,7 @@
 #include <io.h>
 
 #include <cerrno>
+#include <cstring>
 #include <vector>
 
 #include "mail/mail_test.h"
@@ -192,6 +193,12 @@ TEST_F(SendMailTest, WithoutAPickupDirectoryThePlatformDecides) {
 
 // --- failures -----------------------------------------------------------------------------------
 
+// Wants more room; what stands in the buffer means nothing then.
+DWORD WINAPI long_temporary_path(DWORD, char* buffer) {
+    std::strcpy(buffer, "C:\\");
+    return 256;
+}
+
 TEST_F(SendMailTest, ADirectoryThatTakesNoFileEndsIt) {
     const std::string bad_name = "Win32 API GetTempFileName returned bad name, GetLastError = ";
     const std::string deep = scratch.directory(std::string(200, 'd') + "\\" + std::string(60, 'e'));
@@ -210,6 +217,10 @@ TEST_F(SendMailTest, ADirectoryThatTakesNoFileEndsIt) {
     for (const auto& c : cases) {
         const util_test::EnvironmentChange change(L"TMP", util_test::to_wide(c.temp).c_str());
         send("a;b", -1, c.error);
+    }
+    {
+        const ImportPatch patch("GetTempPathA", long_temporary_path);
+        send("a", -1, bad_name + "267");
     }
     for (const std::string& missing : {scratch / "missing", with_length(247)}) {
         registry.set_text(util_test::server_key, "EmailPickupDir", missing);

@@ -25,7 +25,7 @@ void add(String& field, String const& text, const char* separator) {
 
 bool write_whole(const std::string& path, const std::string& text) {
     XrFile file(path.c_str(), "wb");
-    return file.isValid() && file.Write(text.data(), text.size()) && file.Close() && !file.Error();
+    return file.isValid() && file.Write(text.data(), text.size()) && file.Close();
 }
 
 }  // namespace
