@@ -278,8 +278,7 @@ TEST_F(SendMailTest, ARecipientsFailureCountsOnlyWhenItIsTheLast) {
             EXPECT_EQ(left.begin()->second, f.left) << f.call;
             EXPECT_EQ(notice.GetLastErrorMessage(),
                       f.error.empty() ? "" : f.error + temp + "\\" + left.begin()->first);
-            EXPECT_EQ(contents("pickup"),
-                      is_last ? messages_to({"a"}) : messages_to({"a", "c"}));
+            EXPECT_EQ(contents("pickup"), is_last ? messages_to({"a"}) : messages_to({"a", "c"}));
             empty("temp");
             empty("pickup");
         }

@@ -51,7 +51,8 @@ class MailTest : public testing::Test {
     // Names and contents.
     std::map<std::string, std::string> files(const std::string& directory) {
         std::map<std::string, std::string> result;
-        for (const auto& entry : std::filesystem::directory_iterator(to_wide(scratch / directory))) {
+        for (const auto& entry :
+             std::filesystem::directory_iterator(to_wide(scratch / directory))) {
             const std::string name = entry.path().filename().u8string();
             result[name] = scratch.read(directory + "\\" + name);
         }

@@ -43,8 +43,9 @@
 //
 //     email notice("agent@example.test", "", "disk full", "Volume D: has no room left.");
 //     notice.updateTo("admin@example.test");
-//     notice.updateTo("night@example.test");   // getTo() is "admin@example.test;night@example.test"
-//     if (notice.send() != 0) log(notice.GetLastErrorMessage());
+//     notice.updateTo("night@example.test");   // getTo() is
+//     "admin@example.test;night@example.test" if (notice.send() != 0)
+//     log(notice.GetLastErrorMessage());
 class UTIL_API email {
   public:
     email();  // five empty texts
@@ -89,8 +90,8 @@ class UTIL_API email {
     // - "Win32 API GetTempFileName returned bad name, GetLastError = %lu": the directory for
     //   temporary files or the pickup directory is missing, takes no file, is longer than 246 bytes
     //   (111) or is full (80). This recipient and all after it get nothing.
-    // - "Unable to query the registry for the pickup directory": the one above replaces it as soon
-    //   as the platform has refused the empty name of a directory.
+    // - "Unable to query the registry for the pickup directory": no value is set. The one above
+    //   takes its place at once, since the platform refuses a directory without a name.
     // - "Unable to open the file %s": this recipient's file cannot be opened, or not be written
     //   whole; the next one is tried.
     // - no text: this recipient's message could not be moved; the next one is tried.

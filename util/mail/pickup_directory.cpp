@@ -6,7 +6,7 @@
 namespace util {
 
 std::string pickup_directory() {
-    const std::string own =
+    std::string own =
         mail_setting("SOFTWARE\\Vorn\\Vorn Quillmark Tessaron\\Server", "EmailPickupDir");
     if (!own.empty()) return own;
 
