@@ -1,9 +1,9 @@
 // What the mail tests start.
 //
 //     mail_child service    a service that starts, pauses and stops as it is told
-//     mail_child drop KEY   drops messages for r0, r1, ... until it is killed, a batch at a time,
-//     and
-//                           writes a byte to its standard output after each; KEY stands in for
+//     mail_child drop KEY   drops batches of messages for r0, r1, ... until it is killed, and
+//     writes
+//                           a byte to its standard output after each batch; KEY stands in for
 //                           HKEY_LOCAL_MACHINE
 #include "mail/mail_child.h"
 

@@ -42,10 +42,9 @@
 // std::bad_alloc, and nothing else.
 //
 //     email notice("agent@example.test", "", "disk full", "Volume D: has no room left.");
-//     notice.updateTo("admin@example.test");
-//     notice.updateTo("night@example.test");   // getTo() is
-//     "admin@example.test;night@example.test" if (notice.send() != 0)
-//     log(notice.GetLastErrorMessage());
+//     notice.updateTo("admin@x.test");
+//     notice.updateTo("night@x.test");   // getTo() is "admin@x.test;night@x.test"
+//     if (notice.send() != 0) log(notice.GetLastErrorMessage());
 class UTIL_API email {
   public:
     email();  // five empty texts
