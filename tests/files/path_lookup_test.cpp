@@ -13,28 +13,22 @@
 using Tools::absolute_pathname;
 using Tools::FileAttr;
 using util_test::EnvironmentChange;
-using util_test::ImportPatch;
-using util_test::ScratchDirectory;
-using util_test::to_wide;
 
 namespace {
 
-// The tree t, and the current directory in t\a\deep. In the tables a "t" at the start of an element
+// The tree t; the current directory is t\a\deep. In the tables a "t" at the start of an element
 // or a result stands for the tree's own path.
 class PathLookupTest : public testing::Test {
   protected:
-    void SetUp() override {
-        GetCurrentDirectoryW(MAX_PATH, m_before);
+    PathLookupTest() {
         for (const char* directory : {"a\\deep", "b\\sub", "c", "\xE6\x97\xA5"})
             m_tree.directory(directory);
         for (const char* file : {"a\\xx", "a\\deep\\here", "a\\deep\\o..k", "b\\xx", "b\\sub\\y",
                                  "c\\xx", "top", "\xE6\x97\xA5\\\xC3\xA4"}) {
             m_tree.file(file);
         }
-        SetCurrentDirectoryW(to_wide(m_tree / "a\\deep").c_str());
+        SetCurrentDirectoryA((m_tree / "a\\deep").c_str());
     }
-    void TearDown() override { SetCurrentDirectoryW(m_before); }
-
     std::string in_tree(std::string text) const {
         text.insert(0, ";");
         for (std::size_t at = 0; (at = text.find(";t", at)) != std::string::npos;)
@@ -42,92 +36,61 @@ class PathLookupTest : public testing::Test {
         return text.substr(1);
     }
 
-    ScratchDirectory m_tree;
-    wchar_t m_before[MAX_PATH];
+    util_test::ScratchDirectory m_tree;
 };
 
 TEST_F(PathLookupTest, SearchTakesTheFirstHitAndRepeatsItsElement) {
-    const struct {
-        std::string name, list, result, list_after;
-    } cases[] = {
+    const std::string cases[][4] = {
+        // name, list, result, list after it
         {"xx", "t\\a;t\\b;t\\c", "t\\a\\xx", ";t\\a;t\\a"},
-        {"xx", "t;t\\b;t\\c", "t\\b\\xx", ";t\\b"},
         {"xx", "t;t\\c", "t\\c\\xx", ""},
-        {"xx", "t\\a", "t\\a\\xx", ""},
         {"xx", "t\\b\\;t\\a", "t\\b\\xx", ";t\\b\\"},                    // joined at once
         {"xx", "t\\b/;t\\a", "t\\b/xx", ";t\\b/"},                       //
         {"xx", "%SystemRoot%;t\\a;%A%;t\\b", "t\\a\\xx", ";t\\a;t\\a"},  // skipped, but counted
         {"xx", ";;t\\a;;t\\b;", "t\\a\\xx", ";t\\a"},                    // empty: neither
         {"sub\\y", "t\\a;t\\b", "t\\b\\sub\\y", ""},
-        {"sub", "t\\b", "t\\b\\sub", ""},  // a directory, too
-        {"\\xx", "t\\b", "t\\b\\\\xx", ""},
         {"\xC3\xA4", "t\\\xE6\x97\xA5", "t\\\xE6\x97\xA5\\\xC3\xA4", ""},
-        {"xx", "t\\missing;t", "", "t\\missing;t"},
-        {"here", "t\\a;t\\b", "", "t\\a;t\\b"},  // not where we are
-        {"deep\\here", "t\\b", "", "t\\b"},
-        {"xx", "%t%", "", "%t%"},
+        {"here", "t\\missing;t\\a", "", "t\\missing;t\\a"},  // not where we are
         {"xx", ";", "", ";"},
     };
-    for (const auto& c : cases) {
-        String list = in_tree(c.list);
-        EXPECT_EQ(absolute_pathname(c.name, list, FileAttr::no_read), in_tree(c.result)) << c.list;
-        EXPECT_EQ(list, in_tree(c.list_after)) << c.list;
+    for (const auto& [name, before, result, after] : cases) {
+        String list = in_tree(before);
+        EXPECT_EQ(absolute_pathname(name, list, FileAttr::no_read), in_tree(result)) << before;
+        EXPECT_EQ(list, in_tree(after)) << before;
     }
-}
 
-TEST_F(PathLookupTest, WithoutAListThePathVariableIsSearched) {
-    const std::string path = in_tree("t\\missing;t\\\xE6\x97\xA5;t\\b");
-    const std::string found = in_tree("t\\\xE6\x97\xA5\\\xC3\xA4");
-    const EnvironmentChange change(L"PATH", to_wide(path).c_str());
-    EXPECT_EQ(absolute_pathname("\xC3\xA4", FileAttr::any), found);
-    EXPECT_EQ(absolute_pathname("here", FileAttr::any), "");
+    const std::wstring path = util_test::to_wide(in_tree("t\\missing;t\\\xE6\x97\xA5;t\\b"));
+    const EnvironmentChange change(L"PATH", path.c_str());
+    EXPECT_EQ(absolute_pathname("sub\\y", FileAttr::any), in_tree("t\\b\\sub\\y"));
     String list;
-    EXPECT_EQ(absolute_pathname("\xC3\xA4", list, FileAttr::any), found);
+    EXPECT_EQ(absolute_pathname("\xC3\xA4", list, FileAttr::any), in_tree(cases[7][2]));
     EXPECT_EQ(list, in_tree(";t\\\xE6\x97\xA5")) << "rewritten from the variable's elements";
     const EnvironmentChange unset(L"PATH", nullptr);
-    EXPECT_EQ(absolute_pathname("\xC3\xA4", FileAttr::any), "");
+    EXPECT_EQ(absolute_pathname("here", FileAttr::any), "");
 }
 
 TEST_F(PathLookupTest, TheOtherFormsGiveWhatExistsAndLeaveTheListAlone) {
-    std::string beyond_the_root = in_tree("t").substr(3);
-    for (int i = 0; i < 40; ++i)
-        beyond_the_root.insert(0, "..\\");
-    const struct {
-        std::string name, result;
-    } cases[] = {
+    const std::string cases[][2] = {
         // From the current directory, t\a\deep.
         {"..\\xx", "t\\a\\xx"},
-        {"../xx", "t\\a\\xx"},
-        {"..\\..\\top", "t\\top"},
         {"../../b/sub/y", "t\\b\\sub\\y"},
-        {"..", "t\\a"},
         {"..\\", "t\\a\\deep\\..\\"},         // a single part, which is not ".."
         {"\\..\\\\xx", "t\\a\\xx"},           // empty parts are none
         {".\\..\\here", "t\\a\\deep\\here"},  // the "." is what goes
         {"..\\.\\xx", "t\\a\\.\\xx"},
-        {"no\\such\\..\\..\\here", "t\\a\\deep\\here"},
         {"o..k", "t\\a\\deep\\o..k"},  // no component
         {"..\\../xx", ""},             // only one of the two separates: t\a\../xx is t\xx
-        {"..\\deep/../xx", "t\\a\\deep/../xx"},
         {"..\\missing", ""},
-        {"a..b", ""},
-        {beyond_the_root, "t"},
+        {"..\\..\\..\\..\\..\\..\\..\\..\\..\\..\\..\\..\\windows", "C:\\windows"},
         // With a drive: as it is.
         {"t\\a\\..\\b\\xx", "t\\a\\..\\b\\xx"},
-        {"t\\a\\xx", "t\\a\\xx"},
         {"t\\a\\missing", ""},
-        {"Q:..\\xx", ""},
     };
-    for (const auto& c : cases) {
+    for (const auto& [name, result] : cases) {
         String list = in_tree("t\\a");
-        const std::string expected = in_tree(c.result);
-        EXPECT_EQ(absolute_pathname(in_tree(c.name), FileAttr::any), expected) << c.name;
-        EXPECT_EQ(absolute_pathname(in_tree(c.name), list, FileAttr::any), expected) << c.name;
-        EXPECT_EQ(list, in_tree("t\\a")) << c.name;
+        EXPECT_EQ(absolute_pathname(in_tree(name), list, FileAttr::any), in_tree(result)) << name;
+        EXPECT_EQ(list, in_tree("t\\a")) << name;
     }
-}
-
-TEST_F(PathLookupTest, NamesOfOneByteRaise) {
     for (const char* name : {"", "x"}) {
         try {
             absolute_pathname(name, FileAttr::any);
@@ -145,24 +108,17 @@ DWORD WINAPI give_module_name(HMODULE, char* buffer, DWORD size) {
 }
 
 TEST(FindLocationTest, IsTheProgramsDirectoryWhateverIsAsked) {
-    const std::string directory = util_test::built_file("");
-    EXPECT_EQ(Tools::find_location("x", FileAttr::any), directory);
-    EXPECT_EQ(Tools::find_location("", FileAttr::read | FileAttr::write), directory);
-
+    EXPECT_EQ(Tools::find_location("x", FileAttr::any), util_test::built_file(""));
     const std::string deep = "C:\\" + std::string(250, 'd') + "\\";
-    const struct {
-        std::string module, location;
-    } cases[] = {
-        {"C:\\agent\\bin\\agent.exe", "C:\\agent\\bin\\"},
+    const std::string cases[][2] = {
         {"C:\\\xE4/x\\agent.exe", "C:\\\xC3\xA4/x\\"},
         {"agent.exe", ""},
-        {"", ""},
         {deep + "agent.exe", deep},  // cut by the buffer
     };
-    const ImportPatch patch("GetModuleFileNameA", give_module_name);
-    for (const auto& c : cases) {
-        module_name = c.module;
-        EXPECT_EQ(Tools::find_location("", FileAttr::any), c.location) << c.module;
+    const util_test::ImportPatch patch("GetModuleFileNameA", give_module_name);
+    for (const auto& [module, location] : cases) {
+        module_name = module;
+        EXPECT_EQ(Tools::find_location("", FileAttr::any), location) << module;
     }
 }
 

@@ -23,24 +23,18 @@ CONFIGRET WINAPI rescan(DEVINST node, ULONG flags, HMACHINE machine) {
 }
 
 TEST(DeviceRescanTest, TheMessageNamesTheCallAndTheLastError) {
-    const struct {
-        CONFIGRET located, rescanned;
-        int result;
-        const char* message;
-    } cases[] = {
-        {0, 0, 0, "before"},
-        {19, 0, -1, "UTIL_SetupPnPRescan::CM_Locate_DevNode_Ex failed with error: 70"},
-        {0, 51, -1, "UTIL_SetupPnPRescan::CM_Reenumerate_DevNode_Ex failed with error: 4294967295"},
-    };
-    util_test::ImportPatch locate_patch("CM_Locate_DevNode_ExA", locate),
+    const util_test::ImportPatch locate_patch("CM_Locate_DevNode_ExA", locate),
         rescan_patch("CM_Reenumerate_DevNode_Ex", rescan);
-    for (const auto& c : cases) {
-        located = c.located;
-        rescanned = c.rescanned;
-        String message = "before";
-        EXPECT_EQ(UTIL_SetupPnPRescan(message), c.result);
-        EXPECT_EQ(message, c.message);
-    }
+    String message = "before";
+    EXPECT_EQ(UTIL_SetupPnPRescan(message), 0);
+    EXPECT_EQ(message, "before");
+    rescanned = 51;
+    EXPECT_EQ(UTIL_SetupPnPRescan(message), -1);
+    EXPECT_EQ(message,
+              "UTIL_SetupPnPRescan::CM_Reenumerate_DevNode_Ex failed with error: 4294967295");
+    located = 19;
+    EXPECT_EQ(UTIL_SetupPnPRescan(message), -1);
+    EXPECT_EQ(message, "UTIL_SetupPnPRescan::CM_Locate_DevNode_Ex failed with error: 70");
 }
 
 }  // namespace

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <new>
 
+#include "support/built_file.h"
 #include "support/handle_count.h"
 #include "support/import_patch.h"
 #include "support/private_registry.h"
@@ -35,208 +35,170 @@ std::string no_hosts(const std::string& domain) {
            "called ComputerDomainName and specify the correct domain name.";
 }
 
-using Hosts = std::list<String>;
-
 class HostDiscoveryTest : public testing::Test {
   protected:
     HostDiscoveryTest() {
         registry.set_text(server_key, "ComputerDomainName", "Example.Test");
-        char program[MAX_PATH];
-        GetModuleFileNameA(nullptr, program, sizeof program);
-        const std::string folder(program, std::strrchr(program, '\\') - program);
-        put("PATH", folder + "\\nslookup-tool;" + path);
+        _putenv(("PATH=" + util_test::built_file("nslookup-tool;") + path).c_str());
         answer("host1 A 10.0.0.5\r\n");
     }
-    ~HostDiscoveryTest() override { put("PATH", path); }
+    ~HostDiscoveryTest() override { _putenv(("PATH=" + path).c_str()); }
 
-    static void put(const std::string& name, const std::string& value) {
-        _putenv((name + "=" + value).c_str());
+    void answer(const std::string& text) {
+        _putenv(("NSLOOKUP_ANSWER=" + scratch.file("answer", text)).c_str());
     }
-    void answer(const std::string& text) { put("NSLOOKUP_ANSWER", scratch.file("answer", text)); }
-    int enumerate() { return enumerate(scratch.path()); }
     int enumerate(const std::string& directory) {
-        hosts.clear();
+        hosts = {"there before"};
         message = "untouched";
-        return UTIL_EnumHostsOnANetwork(hosts, directory, message);
+        const int result = UTIL_EnumHostsOnANetwork(hosts, directory, message);
+        EXPECT_EQ(hosts.front(), "there before");
+        hosts.pop_front();
+        return result;
     }
 
     const std::string path = std::getenv("PATH");
     util_test::PrivateRegistry registry;
     util_test::ScratchDirectory scratch;
-    Hosts hosts;
+    std::list<String> hosts;
     String message;
 };
 
 TEST_F(HostDiscoveryTest, HostsOfAddressRecordsAreAppendedInOrder) {
-    const struct {
-        std::string line;
-        String host;  // "" when the line is dropped
-    } cases[] = {
-        {"[dns.example.test]", ""},
-        {" host1                A      10.0.0.5", "host1"},
-        {"\thost2\tA\v192.168.255.1 ", "host2"},
-        {"HOST3 A 1-2/3x4", "HOST3"},
-        {"host4 A -1.+2.--3.4", ""},
-        {"host5 A -1.+2.-3.99999999999999999999", "host5"},
-        {"host6 A 1+2+3+4", "host6"},
-        {"host1 A 10.0.0.5", "host1"},
+    const std::string kept[][2] = {
+        {"\th1\tA\v192.168.255.1 ", "h1"},
+        {"h1     A       10.0.0.5", "h1"},
+        {"H3 A 1-2/3x4", "H3"},
+        {"h4 A -1.+2.-3.999999999999", "h4"},
         {"caf\xE9 A 10.0.0.5", "caf\xE9"},
-        {"", ""},
-        {"host", ""},
-        {"host A", ""},
-        {"host A 10.0.0.5 extra", ""},
-        {"host A 10.0.0.5 e f", ""},
-        {"host CNAME other", ""},
-        {"host a 10.0.0.5", ""},
-        {"host AA 10.0.0.5", ""},
-        {"host A 10.0.0", ""},
-        {"host A 10.0.0.", ""},
-        {"host A 10.0.0.5.", ""},
-        {"host A 10.0.0.5x", ""},
-        {"host A 10..0.5", ""},
-        {"host A .10.0.0.5", ""},
-        {"host A 10.0.0.-", ""},
-        {"host A 10", ""},
-        {"host A a.b.c.d", ""},
-        {"host A 10 . 0", ""},
-        {"example.test A 10.0.0.5", ""},
-        {"EXAMPLE.TEST A 10.0.0.5", ""},
-        {"example.test. A 10.0.0.5", "example.test."},
-        {"GC._msdcs A 10.0.0.5", ""},
         {"gc A 10.0.0.5", "gc"},
-        {"host A 10.0.0.5"s + '\0' + " extra", "host"},
+        {"example.test. A 1.0.0.5", "example.test."},
+        {"h5 A 1.0.0.5\0 extra"s, "h5"},
         // 1024 characters are a line; what is left of a longer one is the next
         {std::string(1013, 'h') + " A 10.0.0.5", std::string(1013, 'h')},
         {std::string(1024, 'h') + "left A 10.0.0.5", "left"},
-        {"host7 A 10.0.0.5", "host7"},
     };
     std::string text;
-    Hosts expected = {"there before"};
-    for (const auto& c : cases) {
-        text += c.line + "\r\n";
-        if (!c.host.empty()) expected.push_back(c.host);
+    for (const char* dropped : {"[dns]",
+                                "",
+                                "h",
+                                "h A",
+                                "h A 1.0.0.5 extra",
+                                "h A 1.0.0.5 e f",
+                                "h CNAME other",
+                                "h a 1.0.0.5",
+                                "h AA 1.0.0.5",
+                                "h A 1.0.0",
+                                "h A 1.0.0.",
+                                "h A 1.0.0.5.",
+                                "h A 1.0.0.5x",
+                                "h A 1..0.5",
+                                "h A .1.0.0.5",
+                                "h A 1.0.0.-",
+                                "h A 1",
+                                "h A 1 . 0",
+                                "h A -1.+2.--3.4",
+                                "EXAMPLE.TEST A 1.0.0.5",
+                                "GC._msdcs A 1.0.0.5"}) {
+        text += dropped + "\r\n"s;
     }
-    answer(text.substr(0, text.size() - 2));  // the last line has no end
-    hosts = {"there before"};
-    message = "untouched";
-    EXPECT_EQ(UTIL_EnumHostsOnANetwork(hosts, scratch.path(), message), 0);
+    std::list<String> expected;
+    for (const auto& [line, host] : kept) {
+        text += line + "\r\n";
+        expected.push_back(host);
+    }
+    answer(text + "last A 1.2.3.4");
+    expected.push_back("last");
+    EXPECT_EQ(enumerate(scratch.path()), 0);
     EXPECT_EQ(hosts, expected);
     EXPECT_EQ(message, "untouched");
-
-    answer("host A 10.0.0.5 extra\r\n");
-    const long handles = util_test::handle_count();
-    EXPECT_EQ(enumerate(), 0);
-    EXPECT_EQ(util_test::handle_count(), handles);
-    EXPECT_EQ(hosts, Hosts());
-    EXPECT_EQ(message, no_hosts("Example.Test"));
 }
 
 TEST_F(HostDiscoveryTest, DomainIsTheConfiguredOneElseTheComputers) {
     const std::string none = "\x01";
-    const auto text = [](std::size_t length) { return std::string(length, 'd'); };
+    const std::string longest(1023, 'd'), computers(1500, 'c');
     const struct {
         DWORD type;
         std::string configured, computers;  // as stored, or none
         std::string asked;                  // the domain asked for, or none
     } cases[] = {
-        {REG_SZ, "own.test\0"s, "computer.test", "own.test"},
+        {REG_SZ, longest + '\0', computers, longest},
+        {REG_SZ, longest + "d\0"s, computers, computers},
         {REG_EXPAND_SZ, "%own%.test\0"s, none, "%own%.test"},
         {REG_SZ, "caf\xE9.test\0"s, none, "caf\xC3\xA9.test"},
         {REG_SZ, "", "computer.test", ""},
-        {REG_SZ, "\0"s, "computer.test", ""},
         {REG_SZ, "unended", "computer.test", "computer.test"},
         {REG_DWORD, "own\0"s, "computer.test", "computer.test"},
-        {REG_SZ, text(1023) + '\0', "computer.test", text(1023)},
-        {REG_SZ, text(1024) + '\0', "computer.test", "computer.test"},
         {REG_SZ, none, "computer.test", "computer.test"},
-        {REG_SZ, none, text(1500), text(1500)},
         {REG_SZ, none, "", none},
         {REG_SZ, none, none, none},
     };
     answer("");
     for (const auto& c : cases) {
         registry.clear();
-        if (c.configured != none) {
+        if (c.configured != none)
             registry.set(server_key, "ComputerDomainName", c.type, c.configured);
-        }
         if (c.computers != none) registry.set_text(computer_key, "Domain", c.computers);
-        EXPECT_EQ(enumerate(), c.asked == none ? -1 : 0) << c.configured << " " << c.computers;
-        EXPECT_EQ(message, c.asked == none ? no_domain : no_hosts(c.asked));
-        if (c.asked != none) {
-            EXPECT_EQ(scratch.read("nslookupInput.txt"), "ls -t A " + c.asked + "\nexit");
-        }
+        EXPECT_EQ(enumerate(scratch.path()), c.asked == none ? -1 : 0) << c.configured;
+        EXPECT_EQ(message, c.asked == none ? no_domain : no_hosts(c.asked)) << c.configured;
     }
 }
 
 TEST_F(HostDiscoveryTest, WorkFilesAreMadeInTheDirectoryAndStayThere) {
-    for (const char* name : {"plain", "with blanks & such", "caf\xC3\xA9"}) {
+    for (const std::string name : {"plain", "with blanks & such", "caf\xC3\xA9"}) {
         const std::string directory = scratch.directory(name);
-        for (const char* end : {"", "\\"}) {
-            scratch.file(name + "\\nslookupOutput.txt"s,
-                         "old A 10.0.0.1\r\n" + std::string(999, 'x'));
-            EXPECT_EQ(enumerate(directory + end), 0);
-            EXPECT_EQ(hosts, Hosts{"host1"}) << name << end;
-            const std::string question = "ls -t A Example.Test\nexit";
-            EXPECT_EQ(scratch.read(name + "\\nslookupInput.txt"s), question);
-            EXPECT_EQ(scratch.read(name + "\\nslookupOutput.txt"s),
-                      "> " + question + "\r\nhost1 A 10.0.0.5\r\n");
-        }
+        scratch.file(name + "\\nslookupOutput.txt", "old A 10.0.0.1\r\n" + std::string(999, 'x'));
+        const long handles = util_test::handle_count();
+        EXPECT_EQ(enumerate(directory + (name == "plain" ? "" : "\\")), 0);
+        EXPECT_EQ(util_test::handle_count(), handles);
+        EXPECT_EQ(hosts, std::list<String>{"host1"}) << name;
+        const std::string question = "ls -t A Example.Test\nexit";
+        EXPECT_EQ(scratch.read(name + "\\nslookupInput.txt"), question);
+        EXPECT_EQ(scratch.read(name + "\\nslookupOutput.txt"),
+                  "\n" + question + "\nhost1 A 10.0.0.5\r\n");
     }
 }
 
 TEST_F(HostDiscoveryTest, WithoutAnAnswerThereAreNoHosts) {
-    const auto finds_none = [this](const std::string& directory) {
-        return enumerate(directory) == 0 && hosts.empty() && message == no_hosts("Example.Test");
+    const auto expect_none = [this](const std::string& directory) {
+        EXPECT_EQ(enumerate(directory), 0) << directory;
+        EXPECT_TRUE(hosts.empty()) << directory;
+        EXPECT_EQ(message, no_hosts("Example.Test")) << directory;
     };
-    EXPECT_TRUE(finds_none(scratch / "missing"));
-    EXPECT_TRUE(finds_none(scratch / "a\"b"));
-    EXPECT_TRUE(finds_none(scratch.directory("\xE2\x86\x92"))) << "not in the ANSI page";
-
+    expect_none(scratch / "missing");
+    expect_none(scratch.directory("\xE2\x86\x92"));  // not in the ANSI page
     // What an earlier call has left is no answer to this one.
-    const std::string directory = scratch.directory("used");
-    const auto leave_answer = [&] { scratch.file("used\\nslookupOutput.txt", "old A 1.2.3.4"); };
-    leave_answer();
-    put("PATH", "C:\\windows");
-    EXPECT_TRUE(finds_none(directory)) << "no tool";
-    leave_answer();
+    scratch.directory("asked\\nslookupInput.txt");  // no question can be written
+    scratch.file("asked\\nslookupOutput.txt", "old A 1.2.3.4");
+    expect_none(scratch / "asked");
+    scratch.file("nslookupOutput.txt", "old A 1.2.3.4");
     const std::string processor = std::getenv("ComSpec");
-    put("ComSpec", "C:\\missing.exe");
-    EXPECT_TRUE(finds_none(directory)) << "no command processor";
-    put("ComSpec", processor);
-    std::filesystem::remove(scratch / "used\\nslookupInput.txt");
-    scratch.directory("used\\nslookupInput.txt");
-    leave_answer();
-    EXPECT_TRUE(finds_none(directory)) << "no question";
-    EXPECT_EQ(scratch.read("used\\nslookupOutput.txt"), "old A 1.2.3.4");
+    _putenv("ComSpec=C:\\missing.exe");
+    expect_none(scratch.path());
+    _putenv(("ComSpec=" + processor).c_str());
 }
 
 std::size_t refused_size;
 
+template <void* make(std::size_t)>
 void* refusing_new(std::size_t size) {
-    if (size == refused_size) throw std::bad_alloc();
-    return ::operator new(size);
-}
-void* refusing_array_new(std::size_t size) {
     if (size >= refused_size) throw std::bad_alloc();
-    return ::operator new[](size);
+    return make(size);
 }
 
 TEST_F(HostDiscoveryTest, ExhaustedMemoryIsReported) {
     registry.clear();
     registry.set_text(computer_key, "Domain", std::string(9000, 'd'));
-    {
-        const ImportPatch patch("_Znwy", refusing_new);
-        refused_size = 1024;
-        EXPECT_EQ(enumerate(), -1);
-        EXPECT_EQ(message, "Unable to allocate memory for the domain name");
-        refused_size = 9002;
-        EXPECT_EQ(enumerate(), -1);
-        EXPECT_EQ(message, "Unable to re-allocate memory for the domain name");
+    const ImportPatch one("_Znwy", refusing_new < ::operator new>);
+    const ImportPatch many("_Znay", refusing_new < ::operator new[]>);
+    for (const auto& [size, failure] : {
+             std::pair(1024u, "Unable to allocate memory for the domain name"),
+             {9002u, "Unable to re-allocate memory for the domain name"},
+             {9005u, "Unable to allocate memory for the nslookup command"},
+         }) {
+        refused_size = size;
+        EXPECT_EQ(enumerate("w"), -1);
+        EXPECT_EQ(message, failure);
     }
-    const ImportPatch patch("_Znay", refusing_array_new);
-    refused_size = 9000;
-    EXPECT_EQ(enumerate(), -1);
-    EXPECT_EQ(message, "Unable to allocate memory for the nslookup command");
 }
 
 }  // namespace

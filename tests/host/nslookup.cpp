@@ -5,23 +5,14 @@
 
 #include <cstdio>
 #include <cstdlib>
-
-namespace {
-
-void print_all(std::FILE* file) {
-    for (int c; file && (c = std::getc(file)) != EOF;)
-        std::putchar(c);
-}
-
-}  // namespace
+#include <initializer_list>
 
 int main() {
-    _setmode(_fileno(stdin), _O_BINARY);
     _setmode(_fileno(stdout), _O_BINARY);
-    std::fputs("> ", stdout);
-    print_all(stdin);
-    std::fputs("\r\n", stdout);
-    const char* const answer = std::getenv("NSLOOKUP_ANSWER");
-    print_all(answer ? std::fopen(answer, "rb") : nullptr);
+    for (std::FILE* file : {stdin, std::fopen(std::getenv("NSLOOKUP_ANSWER"), "rb")}) {
+        std::putchar('\n');
+        for (int c; (c = std::getc(file)) != EOF;)
+            std::putchar(c);
+    }
     return 1;
 }

@@ -6,54 +6,32 @@
 #include <filesystem>
 #include <fstream>
 
+#include "support/built_file.h"
 #include "support/scratch_directory.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-// A file, and the directories above it that were missing, for the time of the test.
-class Planted {
-  public:
-    explicit Planted(const fs::path& file) : m_first(file) {
-        for (fs::path parent = file; !fs::exists(parent); parent = parent.parent_path())
-            m_first = parent;
-        fs::create_directories(file.parent_path());
-        std::ofstream(file) << "x";
-    }
-    ~Planted() { fs::remove_all(m_first); }
-
-  private:
-    fs::path m_first;
-};
-
 TEST(SnapshotToolTest, IsTheFirstPlaceThatHasIt) {
     const util_test::ScratchDirectory scratch;
-    const std::string path = std::getenv("PATH");
-    const auto found = [](int result) {
-        String tool = "before";
-        EXPECT_EQ(UTIL_GetHalcVexsnapFileName(tool), result);
-        return tool;
-    };
+    const std::string path = std::getenv("PATH"), vendor = "C:\\Program Files\\Vorn";
+    ASSERT_FALSE(fs::exists(vendor)) << "would be removed";
     _putenv(("PATH=%SystemRoot%;;" + scratch.path()).c_str());
-    EXPECT_EQ(found(-1), "");
-
-    const Planted on_path(fs::u8path(scratch / "vexsnap.exe"));
-    EXPECT_EQ(found(0), scratch / "vexsnap.exe");
-
-    const char* const win2k = "C:\\Program Files\\Vorn\\Halcyra Vexsnap for Win2K\\vexsnap.exe";
-    const Planted old_install(win2k);
-    EXPECT_EQ(found(0), win2k);
-
-    const char* const current = "C:\\Program Files\\Vorn\\Halcyra Vexsnap\\vexsnap.exe";
-    const Planted install(current);
-    EXPECT_EQ(found(0), current);
-
-    char program[MAX_PATH];
-    GetModuleFileNameA(nullptr, program, sizeof program);
-    const fs::path beside = fs::path(program).replace_filename("tssnap.exe");
-    const Planted own(beside);
-    EXPECT_EQ(found(0), beside.u8string());
+    String tool = "before";
+    EXPECT_EQ(UTIL_GetHalcVexsnapFileName(tool), -1);
+    EXPECT_EQ(tool, "");
+    const std::string places[] = {
+        scratch / "vexsnap.exe", vendor + "\\Halcyra Vexsnap for Win2K\\vexsnap.exe",
+        vendor + "\\Halcyra Vexsnap\\vexsnap.exe", util_test::built_file("tssnap.exe")};
+    for (const std::string& place : places) {  // the last first
+        fs::create_directories(fs::path(place).parent_path());
+        std::ofstream(place) << "x";
+        EXPECT_EQ(UTIL_GetHalcVexsnapFileName(tool), 0);
+        EXPECT_EQ(tool, place);
+    }
+    fs::remove(places[3]);
+    fs::remove_all(vendor);
     _putenv(("PATH=" + path).c_str());
 }
 

@@ -6,12 +6,9 @@
 
 namespace {
 
-void WINAPI system_time(SYSTEMTIME* time) {
-    *time = {2011, 5, 2, 17, 12, 34, 56, 789};
-}
-
 TEST(TimeOfDayTest, SecondsOfTheMinute) {
-    util_test::ImportPatch patch("GetSystemTime", system_time);
+    const util_test::ImportPatch patch(
+        "GetSystemTime", +[](SYSTEMTIME* time) { *time = {2011, 5, 2, 17, 12, 34, 56, 789}; });
     UTIL_TimeOfDay now;
     EXPECT_EQ(UTIL_GetTimeOfDay(&now), 0);
     EXPECT_EQ(now.seconds, 56);
