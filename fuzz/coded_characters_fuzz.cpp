@@ -25,6 +25,15 @@ Block decode(const std::string& coded, int length) {
     return Block(out);
 }
 
+std::string plain_encode(const std::string& bytes) {
+    std::string coded;
+    for (const char c : bytes) {
+        if (c == 1 || c == 2) coded += '\2';
+        coded += c == 0 ? '\1' : c;
+    }
+    return coded;
+}
+
 // What a coded text stands for; false when a 02 is followed by neither 01 nor 02.
 bool plain_decode(const std::string& coded, std::string& bytes) {
     for (std::size_t i = 0; i < coded.size(); ++i) {
@@ -45,6 +54,7 @@ void coded_characters(std::string_view input) {
     if (bytes.size() > 2) {
         const int length = static_cast<int>(bytes.size()) - 2;  // two bytes beyond it are taken in
         const Block coded = encode(bytes, length);
+        require(coded.get() == plain_encode(bytes), "encoding");
         const Block back = decode(coded.get(), length);
         require(back != nullptr, "what was encoded decodes");
         require(std::memcmp(back.get(), bytes.data(), bytes.size()) == 0, "there and back");

@@ -46,22 +46,76 @@ Parsed plain_parse(const std::string& text) {
     return {digits.empty() ? 0 : std::strtoull(digits.c_str(), nullptr, 16), 0};
 }
 
+std::string hex_of(std::uint64_t v, std::size_t digits) {
+    std::string text;
+    for (; v > 0 || text.size() < digits; v >>= 4) {
+        text.insert(text.begin(), "0123456789abcdef"[v & 15]);
+    }
+    return text;
+}
+
+// What a caller's bytes hold afterwards: the text cut short, a NUL in the last byte of the size
+// given, and nothing else.
+std::string plain_cut(const std::string& text, std::size_t room, std::size_t size) {
+    std::string bytes(room, '#');
+    if (size > 0) {
+        bytes.replace(0, std::min(size - 1, text.size() + 1), text.c_str(),
+                      std::min(size - 1, text.size() + 1));
+        bytes[size - 1] = '\0';
+    }
+    return bytes;
+}
+
 void check_text(std::uint64_t v) {
     const ksl_uint64_c value = halves(v);
-    require(value.to_decimal() == std::to_string(v), "to_decimal");
-    require(native(ksl_uint64_c(value.to_decimal())) == v, "decimal there and back");
-    require(native(ksl_uint64_c(("x" + std::string(value.to_hex(0))).c_str())) == v,
-            "hexadecimal there and back");
-    for (unsigned size = 1; size < 24; ++size) {
-        char buffer[25];
-        std::memset(buffer, '#', sizeof buffer);
-        value.to_decimal_r(buffer, static_cast<int>(size));
-        require(std::to_string(v).substr(0, size - 1) == buffer, "to_decimal_r cuts");
-        require(buffer[size] == '#', "to_decimal_r stays inside");
-        value.to_hex_r(1, buffer, size);
-        require(std::string(value.to_hex(1)).substr(0, size - 1) == buffer, "to_hex_r cuts");
-        require(buffer[size] == '#', "to_hex_r stays inside");
+    const std::string decimal = std::to_string(v);
+    require(value.to_decimal() == decimal, "to_decimal");
+    require(value.to_hex(1) == hex_of(v, 16), "to_hex, full");
+    require(value.to_hex(0) == hex_of(v, 1), "to_hex");
+    require(native(ksl_uint64_c(decimal.c_str())) == v, "decimal there and back");
+    require(native(ksl_uint64_c(("x" + hex_of(v, 1)).c_str())) == v, "hexadecimal there and back");
+    constexpr std::size_t room = 25;
+    for (unsigned size = 0; size <= room; ++size) {
+        std::string bytes(room, '#');
+        value.to_decimal_r(bytes.data(), static_cast<int>(size));
+        const std::size_t used = v == 0 ? std::min(size, 2u) : size;  // zero is always two bytes
+        require(bytes == plain_cut(decimal, room, used), "to_decimal_r cuts");
+        bytes.assign(room, '#');
+        value.to_hex_r(1, bytes.data(), size);
+        require(bytes == plain_cut(hex_of(v, 16), room, size), "to_hex_r cuts, full");
+        bytes.assign(room, '#');
+        value.to_hex_r(0, bytes.data(), size);
+        require(bytes == plain_cut(hex_of(v, 9), room, size), "to_hex_r cuts");
     }
+}
+
+void check_arithmetic(std::uint64_t a, std::uint64_t b) {
+    const ksl_uint64_c x = halves(a), y = halves(b);
+    ksl_uint64_c sum(x), difference(x), product(x), quotient(x), up(x), down(x);
+    require(native(sum += y) == a + b, "sum");
+    require(native(difference -= y) == a - b, "difference");
+    require(native(product *= y) == a * b, "product");
+    if (b != 0) require(native(quotient /= y) == a / b, "quotient");
+    require(native(-x) == 0 - a, "negation");
+    require(native(++up) == a + 1 && native(--down) == a - 1, "one up, one down");
+    require(native(x.divide_by_10()) == a / 10, "divide_by_10");
+    require(x.mod_10() == static_cast<int>(a % 10), "mod_10");
+    require((x == y) == unsigned{a == b} && (x != y) == unsigned{a != b}, "equality");
+    require((x < y) == unsigned{a < b} && (x <= y) == unsigned{a <= b}, "order");
+    require((x > y) == unsigned{a > b} && (x >= y) == unsigned{a >= b}, "order");
+}
+
+void check_shifts(std::uint64_t v, int count) {
+    const bool out = count >= 64 || count <= -64;
+    ksl_uint64_c left = halves(v), right = halves(v);
+    require(native(left <<= count) == (out         ? 0
+                                       : count < 0 ? v >> -count
+                                                   : v << count),
+            "shift to the left");
+    require(native(right >>= count) == (out         ? 0
+                                        : count < 0 ? v << -count
+                                                    : v >> count),
+            "shift to the right");
 }
 
 }  // namespace
@@ -78,21 +132,16 @@ void uint64_parsing(std::string_view input) {
     require(native(parsed) == expected.value, "the value parsed");
     require(ksl_uint64_c::status() == expected.status, "the status of parsing");
 
+    constexpr std::uint64_t low_half = 0xFFFFFFFF;
+    const std::uint64_t shorter = b >> (count & 63);
+    for (const std::uint64_t v : {a, shorter, a & low_half, a | low_half}) {
+        check_arithmetic(v, b);
+        check_arithmetic(v, shorter);
+        check_arithmetic(v, v);
+        check_shifts(v, count);
+    }
     check_text(a);
-    require(native(halves(a) + halves(b)) == a + b, "sum");
-    require(native(halves(a) - halves(b)) == a - b, "difference");
-    require(native(halves(a) * halves(b)) == a * b, "product");
-    if (b != 0) require(native(halves(a) / halves(b)) == a / b, "quotient");
-    const bool out = count >= 64 || count <= -64;
-    require(native(halves(a) << count) == (out         ? 0
-                                           : count < 0 ? a >> -count
-                                                       : a << count),
-            "shift");
-    require(native(halves(a) >> count) == (out         ? 0
-                                           : count < 0 ? a << -count
-                                                       : a >> count),
-            "shift");
-    require((halves(a) < halves(b)) == (a < b) && (halves(a) == halves(b)) == (a == b), "order");
+    check_text(shorter);
 }
 
 }  // namespace util_fuzz

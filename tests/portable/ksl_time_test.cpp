@@ -35,24 +35,19 @@ TEST(KslStrptimeTest, ReadsFixedColumnsAndLeavesTheRest) {
         const char *text, *fields;
     } cases[] = {
         {"Wed Mar 03 10:11:12 2010", "3 2 3 10:11:12 110 61 -1"},
-        {"Sat Dec  1 00:00:00 2012\n", "6 11 1 0:0:0 112 335 -1"},
         {"wed MAR 03 10:11:12 2010", "91 5 3 10:11:12 110 153 -1"},
         {"Sun Jan 01 10:1x:12 2010", "0 0 1 10:1:96 110 0 -1"},
         {"Sun Jan 01 10:: 2 year", "0 0 1 10:95:96 97 0 -1"},
         {"Sun Jan 01 1: 2:+3  -100", "0 0 1 1:2:3 -2000 1 -1"},
         {"Sun Jan xx xx:11:12 ----", "0 0 93 94:95:96 97 92 -1"},
         {"Sun Jan    10:11:12 2010", "0 0 10 10:11:12 110 9 -1"},
-        {"Sun Jan 01710:8:9   2010", "0 0 1710 10:8:9 110 1709 -1"},
-        {"Sun Jan 4294967295", "0 0 -1 4967295:95:96 97 -2 -1"},
         {"Sun Ja", "0 5 93 94:95:96 97 243 -1"},
-        {"", "91 5 93 94:95:96 97 243 -1"},
+        {"--- Dec 2147483647", "91 11 2147483647 7483647:95:96 97 -2147483316 -1"},
+        {"--- --- -- --:--:-- -2147483648", "91 5 93 94:95:96 2147481748 244 -1"},
+        {nullptr, "91 5 93 94:95:96 97 98 99"},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(parsed(c.text), c.fields) << c.text;
-
-    std::tm t = untouched();
-    ksl_strptime(nullptr, &t);
-    EXPECT_EQ(shown(t), shown(untouched()));
+        EXPECT_EQ(parsed(c.text), c.fields) << c.fields;
     ksl_strptime("Sun Jan 01 10:11:12 2010", nullptr);
 }
 
@@ -63,8 +58,7 @@ TEST(KslStrptimeTest, TakesTheLeapYearFromTheYearsSince1900) {
     } cases[] = {{"Fri Mar 01 00:00:00 2024", 60},  {"Thu Feb 29 00:00:00 2024", 59},
                  {"Wed Mar 01 00:00:00 2000", 59},  {"Mon Jan 15 00:00:00 1900", 15},
                  {"Mon Jan 15 00:00:00 2300", 15},  {"Fri Mar 01 00:00:00 2100", 59},
-                 {"Fri Dec 31 00:00:00 1896", 365}, {"Thu Dec 31 00:00:00 2009", 364},
-                 {"Thu Jan 15 00:00:00 1500", 15}};
+                 {"Fri Dec 31 00:00:00 1896", 365}, {"Thu Dec 31 00:00:00 2009", 364}};
     for (const auto& c : cases) {
         std::tm t = untouched();
         ksl_strptime(c.text, &t);
@@ -72,37 +66,31 @@ TEST(KslStrptimeTest, TakesTheLeapYearFromTheYearsSince1900) {
     }
 }
 
-TEST(KslStrptimeTest, SurvivesAnyMonthAndAnyNumber) {
-    const struct {
-        int month, days_before;
-    } cases[] = {{INT_MIN, 0}, {-1, 0}, {11, 334}, {12, 365}, {INT_MAX, 365}};
-    for (const auto& c : cases) {
+TEST(KslStrptimeTest, SurvivesAnyMonth) {
+    const int cases[][2] = {{INT_MIN, 0}, {-1, 0}, {12, 365}, {INT_MAX, 365}};
+    for (const auto& [month, days_before] : cases) {
         std::tm t = untouched();
-        t.tm_mon = c.month;
+        t.tm_mon = month;
         ksl_strptime("Sun --- 01", &t);
-        EXPECT_EQ(t.tm_yday, c.days_before) << c.month;
+        EXPECT_EQ(t.tm_yday, days_before) << month;
     }
-    EXPECT_EQ(parsed("--- Dec 2147483647"), "91 11 2147483647 7483647:95:96 97 -2147483316 -1");
-    EXPECT_EQ(parsed("--- --- -- --:--:-- -2147483648"), "91 5 93 94:95:96 2147481748 244 -1");
 }
 
 TEST(KslCtimeTest, PrintsTheLocalTimeThatReadsBack) {
-    for (const std::int64_t t : {std::int64_t{1268000000}, std::int64_t{5000000000}}) {
-        char text[20], cut[19];
-        ASSERT_EQ(ksl_ctime(&t, text, sizeof text), 19);
-        std::tm read = {}, converted = {};
-        ASSERT_EQ(std::sscanf(text, "%4d %2d %2d %2d:%2d:%2d", &read.tm_year, &read.tm_mon,
-                              &read.tm_mday, &read.tm_hour, &read.tm_min, &read.tm_sec),
-                  6);
-        read.tm_year -= 1900;
-        read.tm_mon -= 1;
-        read.tm_isdst = -1;
-        EXPECT_EQ(std::mktime(&read), t) << text;
-        EXPECT_EQ(ksl_ctime(&t, cut, sizeof cut), 0);
-
-        ASSERT_EQ(ksl_localtime(&t, &converted), 0);
-        EXPECT_EQ(shown(converted), shown(read));
-    }
+    const std::int64_t t = 5000000000;
+    char text[20];
+    EXPECT_EQ(ksl_ctime(&t, text, 19), 0);
+    ASSERT_EQ(ksl_ctime(&t, text, sizeof text), 19);
+    std::tm read = {}, converted = {};
+    ASSERT_EQ(std::sscanf(text, "%4d %2d %2d %2d:%2d:%2d", &read.tm_year, &read.tm_mon,
+                          &read.tm_mday, &read.tm_hour, &read.tm_min, &read.tm_sec),
+              6);
+    read.tm_year -= 1900;
+    read.tm_mon -= 1;
+    read.tm_isdst = -1;
+    EXPECT_EQ(std::mktime(&read), t) << text;
+    ASSERT_EQ(ksl_localtime(&t, &converted), 0);
+    EXPECT_EQ(shown(converted), shown(read));
 }
 
 TEST(KslCtimeTest, PassesOnTheErrorCode) {
@@ -115,7 +103,6 @@ TEST(KslCtimeTest, PassesOnTheErrorCode) {
     EXPECT_EQ(ksl_ctime(&before_1970, text, sizeof text), 22);
     EXPECT_EQ(ksl_ctime(nullptr, text, sizeof text), 22);
     EXPECT_EQ(ksl_ctime(&good, nullptr, 32), 0);
-    EXPECT_EQ(ksl_ctime(&good, text, 0), 0);
 }
 
 }  // namespace
