@@ -103,26 +103,27 @@ TEST(KslCodedCharTest, EncodesTwoBytesBeyondTheLength) {
 }
 
 TEST(KslCodedCharTest, RefusesWithAMessageAndLeavesTheOutputAlone) {
+    const auto encode = ksl_unicode2CodedChar, decode = ksl_codedChar2Unicode;
     const struct {
+        int (*coder)(const void*, int, char**);
         const char* bytes;
         int length;
-        std::string encoding, decoding;  // the messages; "" for none asked for
+        std::string message;
     } cases[] = {
-        {nullptr, 1, "NULL pwch passed to ", "NULL pwch passed to "},
-        {"abc", 0, "Invalid length for ", "Invalid length for "},
-        {"abc", 134217727, "Error allocating memory for ", ""},
-        {"abc", INT_MAX, "Error allocating memory for ", "Error allocating memory for "},
-        {"\2\5", 2, "", "Invalid format for "},
-        {"a\2", 2, "", "Invalid format for "},
+        {encode, nullptr, 1, "NULL pwch passed to "},
+        {encode, "abc", 0, "Invalid length for "},
+        {encode, "abc", 134217727, "Error allocating memory for "},
+        {decode, nullptr, 1, "NULL pwch passed to "},
+        {decode, "abc", -1, "Invalid length for "},
+        {decode, "abc", INT_MAX, "Error allocating memory for "},
+        {decode, "\2\5", 2, "Invalid format for "},
+        {decode, "a\2", 2, "Invalid format for "},
     };
     for (const auto& c : cases) {
+        const char* name = c.coder == encode ? "ksl_unicode2CodedChar" : "ksl_codedChar2Unicode";
         char* out = nullptr;
-        const auto encode = [&] { EXPECT_EQ(ksl_unicode2CodedChar(c.bytes, c.length, &out), -1); };
-        const auto decode = [&] { EXPECT_EQ(ksl_codedChar2Unicode(c.bytes, c.length, &out), -1); };
-        if (!c.encoding.empty())
-            EXPECT_EQ(printed(encode), c.encoding + "ksl_unicode2CodedChar: 3\n");
-        if (!c.decoding.empty())
-            EXPECT_EQ(printed(decode), c.decoding + "ksl_codedChar2Unicode: 3\n");
+        EXPECT_EQ(printed([&] { EXPECT_EQ(c.coder(c.bytes, c.length, &out), -1); }),
+                  c.message + name + ": 3\n");
         EXPECT_EQ(out, nullptr);
     }
     EXPECT_EQ(ksl_unicode2CodedChar("abc", 1, nullptr), -1);

@@ -31,15 +31,10 @@ std::intptr_t find_first(const char* path) {
     return reinterpret_cast<std::intptr_t>(UTF8_FindFirstFile(path, &data, name));
 }
 
-int WINAPI unconvertible(UINT, DWORD, LPCCH, int, LPWSTR, int) {
-    return 0;
-}
-int WINAPI unconvertible_name(UINT, DWORD, LPCWCH, int, LPSTR, int, LPCCH, LPBOOL) {
-    return 0;
-}
-void* no_block(size_t, size_t) {
+// Stands for a conversion that fails and for a block that is refused.
+std::intptr_t nothing() {
     errno = ENOMEM;
-    return nullptr;
+    return 0;
 }
 void WINAPI disturbing_free(BSTR text) {
     SysFreeString(text);
@@ -47,111 +42,85 @@ void WINAPI disturbing_free(BSTR text) {
     SetLastError(88);
 }
 
-struct Row {
-    const char* name;
-    std::function<std::intptr_t(const char*)> call;
-    std::string path;  // one that makes the call fail
-    std::intptr_t result;
-    int unconverted;  // the code when the path cannot be converted, 77 for one left alone
-    int failed;       // the code when the platform's call fails
-};
-
 TEST(Utf8FilesTest, EachCallReportsEachFailureInItsOwnWay) {
     const ScratchDirectory scratch;
     const std::string& full = scratch.path();
-    const std::string file = scratch.file("file");
-    const std::string none = scratch / "none";
-    const std::string orphan = scratch / "none\\none";
+    const std::string file = scratch.file("file"), none = scratch / "none";
     struct _stat64i32 record;
     const auto open = [](auto path) { return UTF8_open(path, O_RDONLY, 0); };
+    const auto access = [](auto path) { return UTF8_access(path, 0); };
+    const auto chmod = [](auto path) { return UTF8_chmod(path, 0600); };
+    const auto stat = [&](auto path) { return UTF8_stat(path, &record); };
     const auto disk = [](auto path) { return UTF8_GetDiskFreeSpaceEx(path, {}, {}, {}); };
     const auto copy_over = [&](auto path) { return UTF8_CopyFile(path, file.c_str(), 0); };
     const auto copy_to = [&](auto path) { return UTF8_CopyFile(file.c_str(), path, 1); };
-    const Row by_errno[] = {
-        {"open", open, none, -1, EINVAL, ENOENT},
-        {"open nothing", open, "", -1, EINVAL, ENOENT},
-        {"access", [](auto path) { return UTF8_access(path, 0); }, none, -1, EINVAL, ENOENT},
-        {"unlink", UTF8_unlink, none, -1, 77, ENOENT},
-        {"chdir", UTF8_chdir, none, -1, 77, ENOENT},
-        {"chmod", [](auto path) { return UTF8_chmod(path, 0600); }, none, -1, 77, ENOENT},
-        {"mkdir, exists", UTF8_mkdir, full, -1, EINVAL, EINVAL},
-        {"mkdir, no parent", UTF8_mkdir, orphan, -1, EINVAL, EINVAL},
-        {"rmdir, missing", UTF8_rmdir, none, -1, EINVAL, EINVAL},
-        {"rmdir, not empty", UTF8_rmdir, full, -1, EINVAL, EINVAL},
-        {"rmdir, a file", UTF8_rmdir, file, -1, EINVAL, EINVAL},
-        {"stat", [&](auto path) { return UTF8_stat(path, &record); }, none, -1, any, ENOENT},
+    enum Report { by_errno, by_last_error };
+    const struct {
+        std::function<std::intptr_t(const char*)> call;
+        std::string path;  // one that makes the call fail
+        std::intptr_t result;
+        Report report;
+        int unconverted;  // the code when the path cannot be converted, 77 for one left alone
+        int failed;       // the code when the platform's call fails
+    } rows[] = {
+        {open, none, -1, by_errno, EINVAL, ENOENT},
+        {access, none, -1, by_errno, EINVAL, ENOENT},
+        {UTF8_unlink, none, -1, by_errno, 77, ENOENT},
+        {UTF8_chdir, none, -1, by_errno, 77, ENOENT},
+        {chmod, none, -1, by_errno, 77, ENOENT},
+        {UTF8_mkdir, full, -1, by_errno, EINVAL, EINVAL},
+        {UTF8_mkdir, none + "\\none", -1, by_errno, EINVAL, EINVAL},
+        {UTF8_rmdir, full, -1, by_errno, EINVAL, EINVAL},
+        {stat, none, -1, by_errno, any, ENOENT},
+        {find_first, none, -1, by_last_error, ERROR_INVALID_NAME, ERROR_FILE_NOT_FOUND},
+        {disk, "Q:\\", 0, by_last_error, any, ERROR_PATH_NOT_FOUND},
+        {copy_over, none, 0, by_last_error, any, ERROR_FILE_NOT_FOUND},
+        {copy_to, file, 0, by_last_error, any, ERROR_FILE_EXISTS},
     };
-    const Row by_last_error[] = {
-        {"find", find_first, none, -1, ERROR_INVALID_NAME, ERROR_FILE_NOT_FOUND},
-        {"find, no parent", find_first, orphan, -1, ERROR_INVALID_NAME, ERROR_PATH_NOT_FOUND},
-        {"disk", disk, "Q:\\", 0, any, ERROR_PATH_NOT_FOUND},
-        {"copy over", copy_over, none, 0, any, ERROR_FILE_NOT_FOUND},
-        {"copy onto", copy_to, file, 0, any, ERROR_FILE_EXISTS},
-    };
-    const auto check_all = [&](const char* why, bool converted, bool null) {
-        const auto check = [&](const Row& row, bool is_errno) {
+    const auto check_all = [&](const char* why, bool converted, bool null = false) {
+        for (const auto& row : rows) {
             errno = 77;
             SetLastError(77);
-            const auto result = row.call(null ? nullptr : row.path.c_str());
-            const int code = is_errno ? errno : static_cast<int>(GetLastError());
+            EXPECT_EQ(row.call(null ? nullptr : row.path.c_str()), row.result) << why;
+            const int code = row.report == by_errno ? errno : static_cast<int>(GetLastError());
             const int expected = converted ? row.failed : row.unconverted;
-            EXPECT_EQ(result, row.result) << row.name << ", " << why;
             EXPECT_TRUE(expected == any || code == expected)
-                << row.name << ", " << why << ": " << code;
-        };
-        for (const Row& row : by_errno)
-            check(row, true);
-        for (const Row& row : by_last_error)
-            check(row, false);
+                << why << ": " << code << " in row " << &row - rows;
+        }
     };
     check_all("null", false, true);
-    {
-        ImportPatch patch("MultiByteToWideChar", unconvertible);
-        check_all("refused by the platform", false, false);
-    }
-    {
-        ImportPatch patch("calloc", no_block);
-        check_all("no memory", false, false);
+    for (const char* refused : {"MultiByteToWideChar", "calloc"}) {
+        ImportPatch patch(refused, nothing);
+        check_all(refused, false);
     }
     ImportPatch patch("SysFreeString", disturbing_free);
-    check_all("by the call, whatever giving the path back leaves behind", true, false);
+    check_all("by the call, whatever giving the path back leaves behind", true);
 }
 
-const std::string names[] = {
-    "plain",
-    "r\xC3\xA9plica",
-    "\xE8\xA4\x87\xE8\xA3\xBD",
-    "d\xF0\x9F\x98\x80k",
-};
+const std::string names[] = {"plain", "r\xC3\xA9plica", "\xE8\xA4\x87", "d\xF0\x9F\x98\x80k"};
 
 TEST(Utf8FilesTest, WorksOnAnyNameAtAnyDepth) {
     const ScratchDirectory scratch;
-    std::string deep = scratch.path();
-    while (deep.size() < 400)
-        ASSERT_EQ(UTF8_mkdir((deep += "\\" + std::string(60, 'd')).c_str()), 0);
+    const std::string deep =
+        scratch.directory(std::string(200, 'd') + "\\" + std::string(200, 'd'));
     for (const std::string& parent : {scratch.path(), deep}) {
         for (const std::string& name : names) {
             const std::string directory = parent + "\\" + name;
-            const std::string file = directory + "\\" + name + ".dat";
-            const std::string copy = directory + "\\copy of " + name;
-            struct _stat64i32 record;
+            const std::string file = directory + "\\" + name, copy = file + ".copy";
             ASSERT_EQ(UTF8_mkdir(directory.c_str()), 0) << directory;
-            ASSERT_EQ(UTF8_lstat(directory.c_str(), &record), 0);
-            EXPECT_TRUE(record.st_mode & S_IFDIR);
             const int fd = UTF8_open(file.c_str(), O_CREAT | O_EXCL | O_RDWR, S_IWRITE);
             ASSERT_NE(fd, -1);
             EXPECT_EQ(_close(fd), 0);
-            EXPECT_EQ(UTF8_access(file.c_str(), 6), 0);
             EXPECT_EQ(UTF8_chmod(file.c_str(), S_IREAD), 0);
             EXPECT_EQ(UTF8_access(file.c_str(), 2), -1);
             EXPECT_EQ(UTF8_chmod(file.c_str(), S_IREAD | S_IWRITE), 0);
+            EXPECT_EQ(UTF8_access(file.c_str(), 6), 0);
             EXPECT_NE(UTF8_CopyFile(file.c_str(), copy.c_str(), 1), 0);
             EXPECT_NE(UTF8_CopyFile(file.c_str(), copy.c_str(), 0), 0) << "replaces";
             EXPECT_EQ(UTF8_chdir(directory.c_str()), 0);
-            EXPECT_EQ(UTF8_access((name + ".dat").c_str(), 0), 0);
-            EXPECT_EQ(UTF8_chdir("C:\\"), 0);
-            EXPECT_EQ(UTF8_unlink(file.c_str()), 0);
+            EXPECT_EQ(UTF8_unlink(name.c_str()), 0);
             EXPECT_EQ(UTF8_unlink(copy.c_str()), 0);
+            EXPECT_EQ(UTF8_chdir("C:\\"), 0);
             EXPECT_EQ(UTF8_rmdir(directory.c_str()), 0);
             EXPECT_EQ(UTF8_access(directory.c_str(), 0), -1);
         }
@@ -170,50 +139,33 @@ TEST(Utf8FilesTest, DiskSpaceIsThePlatforms) {
 
 TEST(Utf8FindTest, ListsNamesInUtf8) {
     const ScratchDirectory scratch;
-    for (const std::string& name : names)
+    std::set<std::string> expected = {".", ".."}, found;
+    for (const std::string& name : names) {
         scratch.file(name);
+        expected.insert(name);
+    }
     WIN32_FIND_DATAW data;
     char name[778];
-    std::multiset<std::string> found;
     void* search = UTF8_FindFirstFile((scratch / "*").c_str(), &data, name);
     ASSERT_NE(search, INVALID_HANDLE_VALUE);
     do {
-        found.insert(name);
+        EXPECT_TRUE(found.insert(name).second);
         EXPECT_EQ(util_test::to_wide(name), data.cFileName);
         std::memset(name, '#', sizeof name);
     } while (UTF8_FindNextFile(search, &data, name));
     EXPECT_EQ(GetLastError(), DWORD(ERROR_NO_MORE_FILES));
     EXPECT_EQ(name[0], '#') << "nothing is written at the end";
-    EXPECT_TRUE(FindClose(search));
-    std::multiset<std::string> expected(std::begin(names), std::end(names));
-    expected.insert({".", ".."});
     EXPECT_EQ(found, expected);
-}
-
-HANDLE WINAPI find_longest(LPCWSTR, WIN32_FIND_DATAW* data) {
-    std::fill_n(data->cFileName, 259, L'\x8907');
-    data->cFileName[259] = L'\0';
-    return reinterpret_cast<HANDLE>(1234);
-}
-
-TEST(Utf8FindTest, LongestNameTakesTheRoomThatIsPromised) {
-    ImportPatch patch("FindFirstFileW", find_longest);
-    WIN32_FIND_DATAW data;
-    std::string name(779, '#');
-    EXPECT_NE(UTF8_FindFirstFile("C:\\*", &data, name.data()), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(name.find('\0'), 777u);
-    EXPECT_EQ(name[778], '#');
+    EXPECT_TRUE(FindClose(search));
 }
 
 TEST(Utf8FindTest, NameThatCannotBeConvertedLeavesNoNewSearchOpen) {
     WIN32_FIND_DATAW data;
     char name[778];
     void* search = UTF8_FindFirstFile("C:\\*", &data, name);
-    ASSERT_NE(search, INVALID_HANDLE_VALUE);
     const long before = handle_count();
     {
-        ImportPatch patch("WideCharToMultiByte", unconvertible_name);
-        SetLastError(77);
+        ImportPatch patch("WideCharToMultiByte", nothing);
         EXPECT_EQ(find_first("C:\\*"), -1);
         EXPECT_EQ(GetLastError(), DWORD(ERROR_INVALID_NAME));
         SetLastError(77);
