@@ -47,16 +47,4 @@ TEST(AnsiTextTest, ConvertsExactlyOrNotAtAll) {
     EXPECT_EQ(out, "kept");
 }
 
-int WINAPI no_platform_call() {
-    ADD_FAILURE() << "ASCII needs no conversion";
-    return 0;
-}
-
-TEST(AnsiTextTest, AsciiIsCopiedWithoutThePlatform) {
-    util_test::ImportPatch patch(nullptr, "MultiByteToWideChar", no_platform_call);
-    std::string out;
-    EXPECT_TRUE(util::utf8_to_ansi("C:\\temp\x7F", out));
-    EXPECT_EQ(out, "C:\\temp\x7F");
-}
-
 }  // namespace

@@ -83,21 +83,19 @@ TEST_F(HostNameTest, FitsAboveItsLengthAndHasANulOnlyWithoutADot) {
 }
 
 TEST_F(HostNameTest, LibraryIsStoppedOnlyWhenItGrantsAnotherVersion) {
-    const struct {
-        WORD version;
-        int startup_result, name_result, cleanups;
-    } failures[] = {{MAKEWORD(2, 0), WSASYSNOTREADY, 0, 0},
-                    {MAKEWORD(2, 0), 0, SOCKET_ERROR, 0},
-                    {MAKEWORD(2, 2), 0, 0, 1},
-                    {MAKEWORD(0, 2), 0, 0, 1}};
-    for (const auto& f : failures) {
-        version_granted = f.version;
-        startup_result = f.startup_result;
-        name_result = f.name_result;
+    const int failures[][4] = {// the version granted, two failures, the stops
+                               {MAKEWORD(2, 0), WSASYSNOTREADY, 0, 0},
+                               {MAKEWORD(2, 0), 0, SOCKET_ERROR, 0},
+                               {MAKEWORD(2, 2), 0, 0, 1},
+                               {MAKEWORD(0, 2), 0, 0, 1}};
+    for (const auto& [version, start_failure, name_failure, stops] : failures) {
+        version_granted = static_cast<WORD>(version);
+        startup_result = start_failure;
+        name_result = name_failure;
         cleanups = 0;
         char buffer[8] = "kept";
         EXPECT_EQ(ksl_gethostname(buffer, sizeof buffer), -1);
-        EXPECT_EQ(cleanups, f.cleanups);
+        EXPECT_EQ(cleanups, stops);
         EXPECT_STREQ(buffer, "kept");
     }
     EXPECT_EQ(errno, 77);
@@ -123,19 +121,15 @@ TEST_F(HostNameTest, AddressesArePackedRecordsUpToTheCallersNumber) {
 }
 
 TEST_F(HostNameTest, FailuresLeaveNoAddressesAndRefusedArgumentsTouchNothing) {
-    const struct {
-        int addresses;
-        short length;
-        std::string name;
-    } failures[] = {
-        {-1, 4, "a\0"s}, {1, 3, "a\0"s}, {1, 16, "a\0"s}, {1, 4, std::string(256, 'x')}};
-    for (const auto& f : failures) {
-        addresses = f.addresses;
-        address_length = f.length;
-        host_name = f.name;
+    // the addresses, their length, that of the host's name
+    const int failures[][3] = {{-1, 4, 5}, {1, 3, 5}, {1, 16, 5}, {1, 4, 256}};
+    for (const auto& [given, length, name_length] : failures) {
+        addresses = given;
+        address_length = static_cast<short>(length);
+        host_name = std::string(std::size_t(name_length), 'x') + '\0';
         std::string records(42, '#');
         int count = -5;
-        EXPECT_EQ(KslIpAddrList(2, &count, &records[0]), -1) << &f - failures;
+        EXPECT_EQ(KslIpAddrList(2, &count, &records[0]), -1) << given << " of " << length;
         EXPECT_EQ(count, 0);
         EXPECT_EQ(records, std::string(42, '\0'));
     }
