@@ -1,7 +1,6 @@
 #include <cstring>
 
 #include "fuzz/fuzz.h"
-#include "util/internal/ascii.h"
 #include "util/portable/ksl_string.h"
 
 namespace util_fuzz {
@@ -29,12 +28,31 @@ int plain_order(const std::string& a, const std::string& b) {
     return static_cast<int>(a.size()) - static_cast<int>(b.size());
 }
 
+bool is_blank(char c) {
+    return std::strchr(" \t\n\v\f\r", c) != nullptr;
+}
+
 std::string trimmed(std::string s) {
-    while (!s.empty() && util::is_space(s.back()))
+    while (!s.empty() && is_blank(s.back()))
         s.pop_back();
-    while (!s.empty() && util::is_space(s.front()))
+    while (!s.empty() && is_blank(s.front()))
         s.erase(0, 1);
     return s;
+}
+
+// With the letters from first to last moved to the other case.
+std::string with_case_changed(std::string s, char first, char last) {
+    for (char& c : s) {
+        if (c >= first && c <= last) c = static_cast<char>(c ^ 0x20);
+    }
+    return s;
+}
+
+// The text after change() has worked on it in place.
+template <typename Change>
+std::string changed(std::string s, Change change) {
+    change(s.data());
+    return s.c_str();
 }
 
 }  // namespace
@@ -51,11 +69,16 @@ void token_lists(std::string_view input) {
 
     require(ksl_strcasecmp(list.c_str(), token.c_str()) == plain_order(list, token), "order");
 
-    std::string cleaned = list;
-    require(ksl_strcpy_clean(cleaned.data()) == 0, "cleaning succeeds");
-    std::string upper = trimmed(list);
-    std::transform(upper.begin(), upper.end(), upper.begin(), util::to_upper);
-    require(upper == cleaned.c_str(), "trimmed and in upper case");
+    const std::string upper = with_case_changed(list, 'a', 'z');
+    require(changed(list, ksl_strupper) == upper, "strupper");
+    require(changed(list, ksl_str2upper) == upper, "str2upper");
+    require(changed(list, ksl_str2lower) == with_case_changed(list, 'A', 'Z'), "str2lower");
+    const auto capitalise = [](char* s) { ksl_char2upper(s, 0); };
+    require(
+        changed(list, capitalise) == upper.substr(0, 1) + (list.c_str() + (list.empty() ? 0 : 1)),
+        "char2upper");
+    require(changed(list, ksl_strcpy_trim) == trimmed(list), "trimmed");
+    require(changed(list, ksl_strcpy_clean) == trimmed(upper), "trimmed and in upper case");
 }
 
 }  // namespace util_fuzz
