@@ -59,12 +59,6 @@ TEST(KslStringTest, ReportsNullWithoutAWord) {
     EXPECT_EQ(taken(ksl_strdup("text"), 5), "text\0"s);
 }
 
-TEST(KslStringTest, ComparesBySignedDifference) {
-    EXPECT_EQ(ksl_strcasecmp("abc", "ABC"), 0);
-    EXPECT_EQ(ksl_strcasecmp("Abcd", "a"), 3);
-    EXPECT_EQ(ksl_strcasecmp("[", "a"), -6);
-}
-
 TEST(KslCodedCharTest, EncodesTwoBytesBeyondTheLength) {
     char *coded = nullptr, *decoded = nullptr;
     ASSERT_EQ(ksl_unicode2CodedChar("\x41\0\x01\0\x02\0", 4, &coded), 0);
