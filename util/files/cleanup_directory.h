@@ -9,8 +9,8 @@ UTIL_EXTERN_C_BEGIN
 // Deletes the files of a directory and returns the number of its subdirectories, which are neither
 // entered nor removed. Files that cannot be deleted (read-only, in use) stay and are not reported.
 // With removeDir not 0 the directory itself is then removed if it is empty, which is not reported
-// either, and is tried also when the directory could not be listed. So 0 means that nothing but
-// undeletable files can be left.
+// either, and is tried also when the directory could not be listed. 0 for a directory that
+// could be listed means that nothing but undeletable files can be left.
 //
 // path is UTF-8. Null and empty paths give 0 and touch nothing, as does want of memory. Any thread
 // may call it; nothing is raised.

@@ -25,14 +25,9 @@ struct DescriptorTraits {
 };
 using Descriptor = util::ScopedHandle<DescriptorTraits>;
 
-// The status record has room for the low half of the size alone.
-std::uint64_t whole_size(int descriptor, const struct _stat64i32& status) {
-    const auto high_half = static_cast<std::uint64_t>(_filelengthi64(descriptor)) >> 32;
-    return high_half << 32 | static_cast<std::uint32_t>(status.st_size);
-}
-
-bool copy_bytes(int from, int to, std::uint64_t count) {
-    constexpr std::uint64_t chunk = 262144;
+bool copy_bytes(int from, int to, std::int64_t count) {
+    constexpr std::int64_t chunk = 262144;
+    if (count < 0) return false;
     const std::unique_ptr<char[]> buffer(new char[std::min(count, chunk)]);
     while (count > 0) {
         const auto read =
@@ -43,7 +38,7 @@ bool copy_bytes(int from, int to, std::uint64_t count) {
             util::transfer([to](const char* at, unsigned n) { return ksl_write(to, at, n); },
                            buffer.get(), read.moved);
         if (!written.done || written.moved != read.moved) return false;
-        count -= read.moved;
+        count -= static_cast<std::int64_t>(read.moved);
     }
     return true;
 }
@@ -58,7 +53,7 @@ int UTIL_copy(const char* source, const char* destination, char keepMode) {
         const Descriptor to(util::open_descriptor(destination, overwriting).descriptor);
         struct _stat64i32 status;
         if (!from || !to || UTF8_stat(source, &status) != 0 ||
-            !copy_bytes(from.get(), to.get(), whole_size(from.get(), status))) {
+            !copy_bytes(from.get(), to.get(), _filelengthi64(from.get()))) {  // status has 32 bits
             return -1;
         }
         if (keepMode == 1) UTF8_chmod(destination, status.st_mode);

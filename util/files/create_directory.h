@@ -11,8 +11,8 @@ UTIL_EXTERN_C_BEGIN
 // 183 when a file or a directory of that name exists; else the platform's code of the failed
 // creation, or 8 when memory runs out. created may be null, and is never set to false.
 //
-// A name whose holder lets nobody else open it gives 0 without setting *created, not 183; this is
-// meant. Whether the name is in use is asked by opening it without sharing for a moment.
+// A name that anybody has open, or has as current directory, gives 0 without setting *created, not
+// 183; this is meant. It is asked by opening the name without sharing for a moment.
 //
 // path is UTF-8. Any thread may call it; nothing is raised.
 //     bool created = false;

@@ -18,7 +18,8 @@ namespace Tools {
 UTIL_API bool fileExists(const char* path);
 
 // The directory of the running program, with its backslash at the end; "" when the platform does
-// not tell it. Neither argument has an effect.
+// not tell it. Neither argument has an effect. Asked through the ANSI code page, in which other
+// characters come as a best fit or "?", and into 260 bytes: keep programs at paths that fit.
 //     find_location("", FileAttr::any)   // "C:\agent\bin\"
 UTIL_API String find_location(const String& name, FileAttr attr);
 
@@ -38,10 +39,10 @@ UTIL_API String find_location(const String& name, FileAttr attr);
 //     absolute_pathname(".\\..\\x", FileAttr::any)   // in C:\agent: "C:\agent\x"
 UTIL_API String absolute_pathname(const String& path, FileAttr attr);
 
-// The same, but searches search_list, elements separated by ";", unless it is empty. Meant as it
-// is: after a hit search_list becomes ";" and the element of the hit, once for each element behind
-// it, so "a;b;c" becomes ";a;a" after a hit in a, and "" after a hit in c. Without a hit, and in
-// the other forms, it stays as it was.
+// The same, but searches search_list, elements separated by ";" (empty ones are dropped), unless it
+// is empty. Meant as it is: after a hit search_list becomes ";" and the element of the hit, once
+// for each element behind it, so "a;b;c" becomes ";a;a" after a hit in a, and "" after a hit in c.
+// Without a hit, and in the other forms, it stays as it was.
 UTIL_API String absolute_pathname(const String& path, String& search_list, FileAttr attr);
 
 }  // namespace Tools

@@ -1,5 +1,7 @@
 #include "util/files/prepare_directory.h"
 
+#include <string>
+
 #include "util/files/create_directory.h"
 #include "util/files/wide_path.h"
 #include "util/files/xr_directory.h"
@@ -57,21 +59,30 @@ class CreationRecord {
         return true;
     }
 
-    void append(const String& directory) {
-        if (!m_file.isValid()) return;
+    // Forms the record of a directory that is about to be created, so that its creation is followed
+    // by nothing that could want memory.
+    void prepare(const String& directory) {
+        m_bytes = std::to_string(directory.size() + 1);
+        m_bytes.append(1, '\0').append(directory.c_str()).append(1, '\0');
+    }
+
+    // Nothing is appended behind a record that could not be written whole: it would be misread.
+    void append() {
+        if (!m_file.isValid() || m_file.Error()) return;
         OVERLAPPED turn = {};
         turn.Offset = MAXDWORD;
         turn.OffsetHigh = MAXLONG;
         // Where the file system knows no locks, a record without its turn is better than none.
         const bool locked =
             m_turns && LockFileEx(m_turns.get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &turn);
-        m_file << directory.c_str();
+        m_file.Write(m_bytes.data(), m_bytes.size());
         if (locked) UnlockFileEx(m_turns.get(), 0, 1, 0, &turn);
     }
 
   private:
     XrFile m_file;
     util::KernelHandle m_turns;
+    std::string m_bytes;
 };
 
 // Creates what each backslash ends. Returns 0, or the code that stopped it with the last error
@@ -84,6 +95,7 @@ unsigned long create_each(const String& whole, CreationRecord& record, const Rep
     }
     for (bool is_root = true; end != String::npos; end = whole.first('\\', end + 1)) {
         const String directory = whole.substr(0, end + 1);
+        record.prepare(directory);
         bool created = false;
         const unsigned long result = UTIL_makeNewNTDir(directory, &created);
         if (result == ERROR_ALREADY_EXISTS) {
@@ -96,7 +108,7 @@ unsigned long create_each(const String& whole, CreationRecord& record, const Rep
             if (!root_is_missing) report.failed_to_create(directory, not_created);
             return result;
         }
-        if (created) record.append(directory);
+        if (created) record.append();
         is_root = false;
     }
     return 0;

@@ -20,7 +20,7 @@ UTIL_EXTERN_C_BEGIN
 //      message, failedPath and kind 1 say so, as a warning: the directories are created without a
 //      record, and the result can still be 0.
 //   3. "C:\a\b" is prepared as "C:\", "C:\a\", "C:\a\b\", each with UTIL_makeNewNTDir. A directory
-//      that is there, or that its holder lets nobody open, is passed over. How long a path may be
+//      that is there, or that anybody has open, is passed over. How long a path may be
 //      is for the platform to say; one that it refuses is a failure of kind 3.
 //
 //   kind  failedPath         message
@@ -39,9 +39,11 @@ UTIL_EXTERN_C_BEGIN
 // The tracking file is a series of string records as XrFile's operators read them, in order of
 // creation, each a directory with its closing backslash. It is never read here. Processes may
 // prepare the same tree at once, also with the same tracking file: each created directory gets one
-// record, by the process that created it. The record follows the creation at once, but the two are
-// no single step: of a process that is killed at most one directory, the last it made, may lack its
-// record. A record that cannot be written (a full disk) is not reported.
+// record, by the process that created it; for that a process may wait for the moment in which
+// another appends its record. The record follows the creation at once, but the two are no single
+// step: of a process that is killed at most one directory, the last it made, may lack its record. A
+// record that cannot be written (a full disk) is not reported, and ends the recording of this call:
+// the file may then end in half a record.
 //
 // Any thread may call it; nothing is raised.
 //     String message, failed;

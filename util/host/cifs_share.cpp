@@ -74,8 +74,9 @@ bool disconnect(const char* share, String& failure) {
     return false;
 }
 
-int fail(char* message, const String& text) {
-    if (message) std::memcpy(message, text.c_str(), text.size() + 1);
+// Takes a plain text, so that there is one way to fail that needs no memory.
+int fail(char* message, const char* text) {
+    if (message) std::memcpy(message, text, std::strlen(text) + 1);
     return -1;
 }
 

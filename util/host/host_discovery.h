@@ -27,7 +27,8 @@ UTIL_EXTERN_C_BEGIN
 // user how to name another domain. Returns -1 when there is no domain, with a message of the same
 // kind, or when memory runs out ("Unable to allocate memory for the domain name", "Unable to
 // re-allocate memory for the domain name", "Unable to allocate memory for the nslookup command");
-// hosts is untouched then. Lines of more than 1024 characters count as several, on purpose.
+// hosts is untouched then. Lines of more than 1024 characters count as several, on purpose. Names
+// are expected to be ASCII, as DNS has them: other bytes pass to and from the tool unconverted.
 //
 // Any thread may call it.
 //     std::list<String> hosts;

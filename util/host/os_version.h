@@ -24,7 +24,7 @@ UTIL_API int UTIL_GetOsVersion(unsigned long* major, unsigned long* minor, unsig
 //     UTIL_IsOSVersionAtLeast(5, 2)   // 1 on 6.1
 UTIL_API int UTIL_IsOSVersionAtLeast(unsigned long major, unsigned long minor);
 
-// Whether this is exactly that Windows: 1 or 0; -1 when the system does not answer. Version and
+// Whether this is exactly that Windows: 1 or 0; -1 when the system does not answer. Major and
 // minor version are always compared; each other argument may be 0xFFFF for "any". Meant as it is:
 // the product type need only be reached, so that asking for 2 also holds on a server, 3.
 //     UTIL_IsOSVersionEqualTo(5, 2, 0xFFFF, 0xFFFF, 0xFFFF, 1)   // 1 on Windows Server 2003 R2

@@ -4,9 +4,21 @@
 
 namespace {
 
+// The tool in this program's own directory; "" when it is not there or cannot be asked for.
+String find_beside_program() {
+    try {
+        const String directory = Tools::find_location("", Tools::FileAttr::any);
+        if (directory.empty()) return {};
+        String candidate = directory + "tssnap.exe";
+        return Tools::fileExists(candidate) ? candidate : String();
+    } catch (...) {  // the other places are still to be looked at
+        return {};
+    }
+}
+
 String find_tool() {
-    const String beside = Tools::find_location("", Tools::FileAttr::any);
-    if (!beside.empty() && Tools::fileExists(beside + "tssnap.exe")) return beside + "tssnap.exe";
+    String beside = find_beside_program();
+    if (!beside.empty()) return beside;
     for (const char* installed :
          {"C:\\Program Files\\Vorn\\Halcyra Vexsnap\\vexsnap.exe",
           "C:\\Program Files\\Vorn\\Halcyra Vexsnap for Win2K\\vexsnap.exe"}) {

@@ -19,13 +19,14 @@ constexpr char no_name[] = "Win32 API GetTempFileName returned bad name, GetLast
 
 void add(String& field, String const& text, const char* separator) {
     if (field.first(text, 0) != String::npos) return;
-    if (!field.empty()) field += separator;
-    field += text;
+    field += (field.empty() ? "" : separator) + text;
 }
 
 bool write_whole(const std::string& path, const std::string& text) {
     XrFile file(path.c_str(), "wb");
-    return file.isValid() && file.Write(text.data(), text.size()) && file.Close();
+    // A disk that fills up may make a write short without calling it failed.
+    return file.isValid() && file.Write(text.data(), text.size()) &&
+           file.Tell() == static_cast<std::int64_t>(text.size()) && file.Close();
 }
 
 }  // namespace

@@ -194,7 +194,7 @@ void Poll::run(int timeout) {
         if (fd != console && !confirm(fd, slot.handle)) continue;
         if (m_callbacks[index]) m_callbacks[index]->ready(fd, 0);
         // Asked again: the callback may have removed the console.
-        if (slot.fd == console) FlushConsoleInputBuffer(slot.handle);
+        if (fd == console && slot.fd == console) FlushConsoleInputBuffer(slot.handle);
     }
 }
 

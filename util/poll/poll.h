@@ -90,8 +90,9 @@ class UTIL_API Poll {
     void run(int timeout);
 
     // Switch a registered socket between the mode of append() and ordinary blocking calls. While
-    // blocking it stays registered but causes no events; input that waits when it is switched back
-    // causes one. Anything else than a registered socket is ignored.
+    // blocking it stays registered but causes no events, except that one which had fired before is
+    // still served; input that waits when it is switched back causes one. Anything else than a
+    // registered socket is ignored.
     //     poll.SetBlockingMode(fd);
     //     recv(fd, header, sizeof header, MSG_WAITALL);
     //     poll.SetNonBlockingMode(fd);

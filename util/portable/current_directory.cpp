@@ -21,7 +21,7 @@ String from_ansi(const char* text) {
 }  // namespace
 
 String UTIL_CurrentDirectory() {
-    char usual_room[260];
+    char usual_room[260] = {};
     const DWORD needed = GetCurrentDirectoryA(sizeof usual_room, usual_room);
     if (needed <= sizeof usual_room) return needed > 0 ? from_ansi(usual_room) : String();
 
