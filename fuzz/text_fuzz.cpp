@@ -94,6 +94,25 @@ void check_trim(const std::string& bytes, const std::string& set) {
     require(String(bytes).trim(set.c_str()).str() == expected, "trim");
 }
 
+// The members that go byte by byte; some see the text up to its first NUL, others all of it.
+void check_bytes(const std::string& bytes) {
+    const String subject(bytes);
+    std::string upper, lower;
+    bool ascii = true;
+    for (const char c : up_to_nul(bytes)) {
+        upper += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        lower += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        ascii = ascii && static_cast<unsigned char>(c) < 0x80;
+    }
+    require(subject.to_upper().str() == upper, "to_upper");
+    require(subject.to_lower().str() == lower, "to_lower");
+    require(subject.isAscii() == ascii, "isAscii");
+    bool unprintable = false;
+    for (const char c : bytes)
+        unprintable = unprintable || static_cast<signed char>(c) < 32;
+    require(subject.hasUnprintable() == unprintable, "hasUnprintable");
+}
+
 }  // namespace
 
 void text(std::string_view input) {
@@ -105,6 +124,7 @@ void text(std::string_view input) {
     for (const std::size_t from : {std::size_t{0}, few.size()}) {
         require(String(bytes).first(needle.c_str(), from) == bytes.find(needle, from), "first");
     }
+    check_bytes(bytes);
     check_split(bytes, few);
     check_split_by_tag(bytes, few);
     check_trim(bytes, few);

@@ -21,23 +21,19 @@ TEST(XmlTagsTest, AddsOneEscapedElement) {
 TEST(XmlTagsTest, ExtractsTheTextOfAnElementOrLeavesTheOutputAlone) {
     const struct {
         String document, tag, value;
-    } cases[] = {
-        {"<k>1&lt;2</k>", "k", "1<2"},
-        {"<x>k</x><k>v</k>", "k", "v"},
-        {"<k a=\"1\">no</k><k>yes</k>", "k", ""},
-        {"<disk>v</disk>", "k", "v"},
-        {"<k>a<b>c</b></k>", "k", "a"},
-        {"<aaa>v<", "aa", "v"},
-        {"<a&amp;b>v</a&amp;b>", "a&b", "v"},
-        {"x>v<", "", "v"},
-        {String("\0<k>\"a\0b\"</k>"s), "k", "\"a"},
-        {"", "", untouched},
-        {"<k>v</k>", "K", untouched},
-        {"<k", "k", untouched},
-        {"<k>", "k", untouched},
-        {"<k>v", "k", untouched},
-        {"<k>\"</k>", "k", untouched},
-    };
+    } cases[] = {{"<k>1&lt;2</k>", "k", "1<2"},
+                 {"<x>k</x><k>v</k>", "k", "v"},
+                 {"<k a=\"1\">no</k><k>yes</k>", "k", ""},
+                 {"<disk>v</disk>", "k", "v"},
+                 {"<k>a<b>c</b></k>", "k", "a"},
+                 {"<aaa>v<", "aa", "v"},
+                 {"<a&amp;b>v</a&amp;b>", "a&b", "v"},
+                 {"x>v<", "", "v"},
+                 {String("\0<k>\"a\0b\"</k>"s), "k", "\"a"},
+                 {"", "", untouched},
+                 {"<k>v</k>", "K", untouched},
+                 {"<k>v", "k", untouched},
+                 {"<k>\"</k>", "k", untouched}};
     for (const auto& c : cases) {
         String value = untouched;
         EXPECT_EQ(UTIL_extractTag(c.document, c.tag, value), c.value == untouched ? -1 : 0);
@@ -48,18 +44,15 @@ TEST(XmlTagsTest, ExtractsTheTextOfAnElementOrLeavesTheOutputAlone) {
 TEST(XmlTagsTest, ExtractsAnAttributeFromAnywhere) {
     const struct {
         String document, attribute, value;
-    } cases[] = {
-        {"<a x=\"1\"/><b y=\"2\"/>", "x", "1"},
-        {"<a x=\"1\"/><b y=\"2\"/>", "y", "2"},
-        {"<b y=\"2\"/><a y=\"1\"/>", "y", "2"},
-        {"<abc y = z \"&lt;\"", "y", "&lt;"},
-        {"y=\"\"<a", "y", ""},
-        {"a y=\"1\"", "y", untouched},
-        {"<a x=\"1\"", "y", untouched},
-        {"=<a y", "y", untouched},
-        {"\"<a y=", "y", untouched},
-        {"<a y=\"1", "y", untouched},
-    };
+    } cases[] = {{"<a x=\"1\"/><b y=\"2\"/>", "y", "2"},
+                 {"<b y=\"2\"/><a y=\"1\"/>", "y", "2"},
+                 {"<abc y = z \"&lt;\"", "y", "&lt;"},
+                 {"y=\"\"<a", "y", ""},
+                 {"a y=\"1\"", "y", untouched},
+                 {"<a x=\"1\"", "y", untouched},
+                 {"=<a y", "y", untouched},
+                 {"\"<a y=", "y", untouched},
+                 {"<a y=\"1", "y", untouched}};
     const String tag("a");
     for (const auto& c : cases) {
         String value = untouched;
@@ -72,17 +65,15 @@ TEST(XmlTagsTest, ExtractsAnAttributeFromAnywhere) {
 TEST(XmlTagsTest, ExtractsContentTrimmedInFrontAndOnRequestBehind) {
     const struct {
         String document, content, trimmed;
-    } cases[] = {
-        {"<a k=\"v\">  <b/>  </a>", "<b/>  ", "<b/>"},
-        {"<a>\t\r\n &lt; x \n</a>", "&lt; x \n", "&lt; x"},
-        {"<a>   </a>", "", ""},
-        {"<abc>x</a>y</a>", "x", "x"},
-        {"<a>x", untouched, untouched},
-        {"x</a>", untouched, untouched},
-        {"</a><a", untouched, untouched},
-        {"</a><a>x", untouched, untouched},
-        {"<a </a>", untouched, untouched},
-    };
+    } cases[] = {{"<a k=\"v\">  <b/>  </a>", "<b/>  ", "<b/>"},
+                 {"<a>\t\r\n &lt; x \n</a>", "&lt; x \n", "&lt; x"},
+                 {"<a>   </a>", "", ""},
+                 {"<abc>x</a>y</a>", "x", "x"},
+                 {"<a>x", untouched, untouched},
+                 {"x</a>", untouched, untouched},
+                 {"</a><a", untouched, untouched},
+                 {"</a><a>x</a>", untouched, untouched},
+                 {"<a </a>", untouched, untouched}};
     const String tag("a");
     for (const auto& c : cases) {
         String content = untouched, trimmed = untouched;
