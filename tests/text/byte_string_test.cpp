@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstdlib>
 #include <functional>
 #include <set>
 #include <sstream>
@@ -16,70 +15,66 @@ using extstl::ExtString;
 
 namespace {
 
-const String with_nul("ab\0cd", 5);
+const std::string bytes = "ab\0cd"s;
+const String with_nul(bytes);
 
-TEST(StringTest, ConstructsFromEveryKindOfLiteral) {
-    EXPECT_EQ(String().size(), 0u);
-    EXPECT_EQ(String('x'), "x");
-    EXPECT_EQ(String('\0').size(), 1u);
-    EXPECT_EQ(String(0), "0");
-    EXPECT_EQ(String(-7), "-7");
-    EXPECT_EQ(String(INT_MIN), "-2147483648");
-    EXPECT_EQ(String(4000000000u), "4000000000");
+TEST(StringTest, ConstructsFromEveryKindOfValue) {
+    const struct {
+        String made;
+        std::string text;
+    } cases[] = {{String(), ""},
+                 {String('\0'), "\0"s},
+                 {String(0), "0"},
+                 {String(-7), "-7"},
+                 {String(4000000000u), "4000000000"},
+                 {String(1.5), "1.500000"},
 #ifdef _WIN32
-    EXPECT_EQ(String(4000000000ul), "4000000000");
+                 {String(4000000000ul), "4000000000"},
 #endif
-    EXPECT_EQ(String(1.5), "1.500000");
-    EXPECT_EQ(String(1e300).size(), 301u + 7u);
-    EXPECT_EQ(String("text"), "text");
-    EXPECT_EQ(String(nullptr), "");
-    EXPECT_EQ(String(nullptr, 5), "");
-    EXPECT_EQ(String("a\0b", 3).str(), "a\0b"s);
-    EXPECT_EQ(String(3, 'z'), "zzz");
-    EXPECT_EQ(String("a\0b"s).size(), 3u);
-    EXPECT_EQ(String::eol, "\n");
-    EXPECT_EQ(String::eol.size(), 1u);
-    EXPECT_EQ(ExtString(nullptr).size(), 0u);
+                 {String(nullptr), ""},
+                 {String(nullptr, 5), ""},
+                 {String(3, 'z'), "zzz"},
+                 {String("a\0b", 3), "a\0b"s},
+                 {String(bytes.c_str()), "ab"},
+                 {with_nul, bytes},
+                 {String(String(with_nul)), bytes},
+                 {String(ExtString(bytes)), bytes},
+                 {String(ExtString(nullptr)), ""},
+                 {String::eol, "\n"},
+                 {String::pad(3), "   "},
+                 {String::pad(-3), "   "},
+                 {String::pad(0), ""}};
+    for (const auto& c : cases)
+        EXPECT_EQ(c.made.str(), c.text);
     EXPECT_STREQ(String("text"), "text");
 }
 
-TEST(StringTest, CopyingKeepsEveryByteAssigningAndAppendingStopAtNul) {
-    const ExtString base("ab\0cd"s);
-    EXPECT_EQ(String(with_nul).size(), 5u);
-    EXPECT_EQ(String(base).size(), 5u);
-    EXPECT_EQ(String(String(with_nul)).size(), 5u);
+template <typename Text>
+class BothStringsTest : public testing::Test {};
+using BothStrings = testing::Types<String, ExtString>;
+TYPED_TEST_SUITE(BothStringsTest, BothStrings);
 
-    String assigned, appended("x"), moved;
-    assigned = with_nul;
-    appended += with_nul;
-    moved = String(with_nul);
+TYPED_TEST(BothStringsTest, AssigningAndAppendingStopAtNul) {
+    TypeParam whole(bytes);
+    TypeParam assigned, appended("x"), moved;
+    assigned = whole;
+    appended += whole;
+    moved = TypeParam(whole);
     EXPECT_EQ(assigned.str(), "ab");
     EXPECT_EQ(appended.str(), "xab");
     EXPECT_EQ(moved.str(), "ab");
 
-    ExtString ext_assigned, ext_appended("x"), ext_moved;
-    ext_assigned = base;
-    ext_appended += base;
-    ext_moved = ExtString(base);
-    EXPECT_EQ(ext_assigned.str(), "ab");
-    EXPECT_EQ(ext_appended.str(), "xab");
-    EXPECT_EQ(ext_moved.str(), "ab");
+    TypeParam& same = whole;
+    whole = same;
+    EXPECT_EQ(whole.str(), bytes) << "self-assignment changes nothing";
+    whole = std::move(same);
+    EXPECT_EQ(whole.str(), bytes) << "nor does moving onto itself";
 
-    String self(with_nul);
-    String& same = self;
-    self = same;
-    EXPECT_EQ(self.size(), 5u) << "self-assignment changes nothing";
-    self = std::move(same);
-    EXPECT_EQ(self.size(), 5u) << "nor does moving onto itself";
-}
-
-TEST(StringTest, MovedFromIsEmptyAndUsable) {
-    String source(100, 'x');
-    const String target(std::move(source));
-    EXPECT_EQ(target.size(), 100u);
-    EXPECT_EQ(source, "");
-    source += 'y';
-    EXPECT_EQ(source, "y");
+    const TypeParam target(std::move(whole));
+    EXPECT_EQ(target.str(), bytes);
+    EXPECT_TRUE(whole.empty());
+    whole += TypeParam("y");
+    EXPECT_EQ(whole.str(), "y") << "usable after moving from it";
 }
 
 TEST(StringTest, CharacterComparisonSeesOnlyTheFirstByte) {
@@ -87,16 +82,15 @@ TEST(StringTest, CharacterComparisonSeesOnlyTheFirstByte) {
     EXPECT_EQ(String("abc") != 'a', 0);
     EXPECT_EQ(String("abc") == 'b', 0);
     EXPECT_EQ(String("abc") != 'b', 1);
-    EXPECT_EQ(String("") == 'x', 0);
-    EXPECT_EQ(String("") != 'x', 0);
     EXPECT_EQ(String("") == '\0', 0);
+    EXPECT_EQ(String("") != 'x', 0);
 }
 
 TEST(StringTest, ComparesContentsNotPointers) {
     const String a("same"), b("same");
     EXPECT_TRUE(a == b && a == "same" && "same" == a && a == "same"s && "same"s == a);
     EXPECT_FALSE(a != b || a != "same" || "same" != a || a != "same"s || "same"s != a);
-    EXPECT_TRUE(with_nul != "ab" && with_nul == String("ab\0cd", 5) && with_nul == "ab\0cd"s);
+    EXPECT_TRUE(with_nul != "ab" && with_nul == String(bytes) && with_nul == bytes);
     EXPECT_TRUE(String() == static_cast<const char*>(nullptr));
     EXPECT_TRUE(String("a") < String("\xE9") && String("a") < "ab" && "B" < String("a"))
         << "bytes compare as unsigned";
@@ -113,7 +107,7 @@ TEST(StringTest, JoinsAndPrints) {
     EXPECT_EQ(String("a") + static_cast<const char*>(nullptr), "a");
     std::ostringstream out;
     out << with_nul;
-    EXPECT_EQ(out.str(), "ab\0cd"s);
+    EXPECT_EQ(out.str(), bytes);
     String self("ab");
     self += self;
     EXPECT_EQ(self, "abab");
@@ -123,57 +117,43 @@ TEST(StringTest, ReadsNumbersAsTheRuntimeDoes) {
     const struct {
         const char* text;
         int value;
-    } cases[] = {
-        {"", 0},
-        {"42", 42},
-        {" \t\n\v\f\r-42x", -42},
-        {"+7", 7},
-        {"- 7", 0},
-        {"--7", 0},
-        {"x7", 0},
-        {"2147483647", INT_MAX},
-        {"2147483648", INT_MIN},
-        {"-2147483648", INT_MIN},
-        {"99999999999", 1215752191},
-        {"\xA0"
-         "5",
-         0},
-    };
-    for (const auto& c : cases) {
+    } cases[] = {{"", 0},
+                 {" \t\n\v\f\r-42x", -42},
+                 {"+7", 7},
+                 {"- 7", 0},
+                 {"--7", 0},
+                 {"x7", 0},
+                 {"2147483647", INT_MAX},
+                 {"2147483648", INT_MIN},
+                 {"99999999999", 1215752191},
+                 {"\xA0\x35", 0}};
+    for (const auto& c : cases)
         EXPECT_EQ(String(c.text).to_int(), c.value) << c.text;
-        EXPECT_EQ(std::atoi(c.text), c.value) << c.text;
-    }
 }
 
 TEST(StringTest, FindsFromAPosition) {
-    const String s("abcabc");
-    EXPECT_EQ(s.first("bc", 0), 1u);
-    EXPECT_EQ(s.first("bc", 2), 4u);
-    EXPECT_EQ(s.first("bc", 5), String::npos);
-    EXPECT_EQ(s.first("bc", 999), String::npos);
-    EXPECT_EQ(s.first("", 6), 6u);
-    EXPECT_EQ(s.first('c', 3), 5u);
-    EXPECT_EQ(s.first('x', 0), String::npos);
-    EXPECT_EQ(s.last('a'), 3u);
-    EXPECT_EQ(s.last('x'), String::npos);
+    EXPECT_EQ(String("abcabc").first("bc", 2), 4u);
+    EXPECT_EQ(String("abc").first("", 3), 3u);
+    EXPECT_EQ(String("abc").first("bc", 999), String::npos);
+    EXPECT_EQ(String("abcabc").first('c', 3), 5u);
+    EXPECT_EQ(String("abcabc").last('a'), 3u);
+    EXPECT_EQ(String("").last('a'), ~std::uint64_t{0});
     EXPECT_EQ(with_nul.first('\0', 0), 2u);
     EXPECT_EQ(with_nul.first("cd", 0), 3u) << "the search goes past an embedded NUL";
     EXPECT_EQ(with_nul.last('d'), 4u);
-    EXPECT_EQ(String("").last('a'), ~std::uint64_t{0});
 
     const ExtString e("a-Xy\xE9z");
     EXPECT_EQ(e.find("xY", 0, 1), 2u);
     EXPECT_EQ(e.find("xY", 0, 0), ExtString::npos);
     EXPECT_EQ(e.find("\xE9Z", 3, 1), 4u);
     EXPECT_EQ(e.find("a", 1, 1), ExtString::npos);
+    EXPECT_EQ(e.find("a", 7, 1), ExtString::npos);
 }
 
 TEST(StringTest, CutsAndReplacesWithinItsLength) {
     String s("abc");
-    EXPECT_EQ(s.substr(0), "abc");
     EXPECT_EQ(s.substr(3), "");
     EXPECT_EQ(s.substr(1, 100), "bc");
-    EXPECT_EQ(s.substr(1, String::npos), "bc");
     EXPECT_EQ(with_nul.substr(1, 3).str(), "b\0c"s);
     EXPECT_EQ(ExtString("abc").substr(1, 1).str(), "b");
 
@@ -183,17 +163,15 @@ TEST(StringTest, CutsAndReplacesWithinItsLength) {
     EXPECT_EQ(s.replace(0, 1, nullptr), "x-end");
     EXPECT_EQ(s.replace(0, 1, nullptr, 9), "-end");
     EXPECT_EQ(s.replace(0, 1, s, 4), "-endend") << "from its own contents";
-    EXPECT_EQ(&s.prepend("<"), &s);
-    EXPECT_EQ(s, "<-endend");
-    EXPECT_EQ(s.prepend(s), "<-endend<-endend");
-    EXPECT_EQ(String("x").prepend(with_nul).size(), 6u);
+    EXPECT_EQ(&s.prepend(s), &s);
+    EXPECT_EQ(s, "-endend-endend");
+    EXPECT_EQ(String("x").prepend(with_nul).str(), bytes + "x");
 }
 
 TEST(StringTest, PositionsBeyondTheEndRaiseOneMessage) {
     String s("abc");
     const std::function<void()> calls[] = {
         [&] { s.substr(4); },
-        [&] { s.substr(4, 0); },
         [&] { s.substr(String::npos, 1); },
         [&] { s.replace(4, 0, "x"); },
         [&] { s.replace(4, 0, "x", 1); },
@@ -210,37 +188,25 @@ TEST(StringTest, PositionsBeyondTheEndRaiseOneMessage) {
     EXPECT_EQ(s, "abc");
 }
 
-TEST(StringTest, PadsWithBlanksForEitherSign) {
-    EXPECT_EQ(String::pad(3), "   ");
-    EXPECT_EQ(String::pad(-3), "   ");
-    EXPECT_EQ(String::pad(0), "");
-    EXPECT_EQ(String::pad(5000).size(), 5000u);
-}
-
-TEST(StringTest, MapsAsciiLettersUpToTheFirstNul) {
+TEST(StringTest, LettersAndKindsOfBytes) {
     EXPECT_EQ(with_nul.to_upper().str(), "AB");
-    EXPECT_EQ(String("AB\0CD", 5).to_lower().str(), "ab");
-    ExtString whole("ab\0cd"s);
+    EXPECT_EQ(String("AB\0CD\xE9"s).to_lower().str(), "ab");
+    ExtString whole(bytes);
     whole.upper();
-    EXPECT_EQ(whole.str(), "AB\0CD"s);
+    EXPECT_EQ(whole.str(), "AB\0CD"s) << "in place all of it changes";
     whole.lower();
-    EXPECT_EQ(whole.str(), "ab\0cd"s);
-    for (int byte = 1; byte < 256; ++byte) {
-        const char c = static_cast<char>(byte);
-        EXPECT_EQ(String(c).to_upper(), c >= 'a' && c <= 'z' ? String(char(c - 32)) : String(c));
-        EXPECT_EQ(String(c).to_lower(), c >= 'A' && c <= 'Z' ? String(char(c + 32)) : String(c));
-    }
+    EXPECT_EQ(whole.str(), bytes);
+    EXPECT_TRUE(String("a\0\xE9"s).isAscii()) << "bytes after a NUL are not looked at";
+    EXPECT_TRUE(with_nul.hasUnprintable()) << "a NUL inside is unprintable";
+    EXPECT_TRUE(String("\xE9").hasUnprintable() && !String("\xE9").isAscii());
+    EXPECT_FALSE(String(" \x7F").hasUnprintable());
 }
 
 TEST(StringTest, TrimsASetToWhichNulAlwaysBelongs) {
     EXPECT_EQ(String("  x y  ").trim(" "), "x y");
     EXPECT_EQ(String("xxx").trim("x"), "");
-    EXPECT_EQ(String("").trim("x"), "");
-    EXPECT_EQ(String("abcba").trim("ab"), "c");
-    EXPECT_EQ(String(" x ").trim(""), " x ");
     EXPECT_EQ(String(" x ").trim(nullptr), " x ");
     EXPECT_EQ(String("\0x\0y\0\0"s).trim("").str(), "x\0y"s);
-    EXPECT_EQ(String("\xE9x\xE9").trim("\xE9"), "x");
 }
 
 TEST(StringTest, HashKeepsItsStoredValues) {
@@ -250,36 +216,17 @@ TEST(StringTest, HashKeepsItsStoredValues) {
     EXPECT_EQ(String("hello").hash(), 0x8D8CB962u);
     EXPECT_EQ(String("\xFF").hash(), 0xFFFFFFDFu);
     EXPECT_EQ(String("ab\xE9").hash(), 0xFFFFFF89u);
-    EXPECT_NE(with_nul.hash(), String("ab").hash());
-}
-
-TEST(StringTest, ClassifiesEveryByte) {
-    for (int byte = 1; byte < 256; ++byte) {
-        const String s(static_cast<char>(byte));
-        EXPECT_EQ(s.isAscii(), byte < 0x80) << byte;
-        EXPECT_EQ(s.hasUnprintable(), byte < 0x20 || byte >= 0x80) << byte;
-    }
-    EXPECT_TRUE(String("").isAscii());
-    EXPECT_FALSE(String("").hasUnprintable());
-    EXPECT_TRUE(String("a\0\xE9", 3).isAscii()) << "bytes after a NUL are not looked at";
-    EXPECT_TRUE(with_nul.hasUnprintable()) << "a NUL inside is unprintable";
 }
 
 TEST(FormatTest, PrintsWhatTheRuntimePrints) {
     EXPECT_EQ(String::format("%s-%03d|%-4c|%x|%5.1f%%", "disk", 7, 'q', 0xBEEFu, 2.75),
               "disk-007|q   |beef|  2.8%");
-    EXPECT_EQ(String::format("%s", ""), "");
     EXPECT_EQ(String::format("a%cb", 0), "a") << "the text ends at its first NUL";
     const char* const none = nullptr;
     EXPECT_EQ(String::format(none), "");
-}
-
-TEST(FormatTest, FitsEveryLengthAroundTheGrowthSteps) {
-    for (const int size : {1023, 1024, 1025, 4095, 4096, 8191, 8192, 20479, 20480, 24575, 24576,
-                           126975, 126976, 300000}) {
-        const String text = String::format("%*s", size, "x");
-        EXPECT_EQ(text.size(), static_cast<std::uint64_t>(size));
-        EXPECT_EQ(text.last('x'), static_cast<std::uint64_t>(size - 1));
+    for (const int size : {1023, 1024, 4096, 20480, 24576, 126975, 126976, 300000}) {
+        const auto blanks = static_cast<std::uint64_t>(size - 1);
+        EXPECT_TRUE(String::format("%*s", size, "x") == String(blanks, ' ') + 'x') << size;
     }
     EXPECT_EQ(String::format("%d", 5), "5");
 }
@@ -292,8 +239,7 @@ TEST(FormatTest, ThreadsTakeTurns) {
             for (int i = 0; i < 300; ++i) {
                 const int width = 10 + (i * 37 + t * 911) % 9000;
                 const String text = String::format("%*d", width, t);
-                if (text != String(static_cast<std::uint64_t>(width - 1), ' ') + String(t))
-                    ++wrong[t];
+                if (text != String::pad(width - 1) + String(t)) ++wrong[t];
             }
         });
     }

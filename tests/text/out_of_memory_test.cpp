@@ -8,6 +8,9 @@
 #include "support/import_patch.h"
 #include "util/text/text.h"
 
+using extstl::ExtDate;
+using extstl::ExtTime;
+
 namespace {
 
 using Malloc = void*(size_t);
@@ -20,7 +23,7 @@ void* failing_malloc(size_t size) {
     return real_malloc(size);
 }
 
-// Calls with the first, the second, ... allocation failing, and check after each, until none is
+// Calls with the first, the second, ... allocation failing, and checks after each, until none is
 // left to fail.
 template <typename Call, typename Check>
 void fail_each_allocation(Call call, Check check) {
@@ -28,11 +31,13 @@ void fail_each_allocation(Call call, Check check) {
     real_malloc = patch.original<Malloc>();
     for (int n = 1;; ++n) {
         until_failure = n;
-        call();
-        const bool failed = until_failure == 0;
-        until_failure = 0;
-        if (!failed) {
+        try {
+            call();
+        } catch (const std::bad_alloc&) {
+        }
+        if (until_failure > 0) {
             EXPECT_GT(n, 1) << "nothing was allocated";
+            until_failure = 0;
             return;
         }
         check();
@@ -41,27 +46,31 @@ void fail_each_allocation(Call call, Check check) {
 
 const String text("a text longer than any short string holds");
 
-TEST(TextOutOfMemoryTest, TagFunctionsLeaveTheirOutput) {
+TEST(TextOutOfMemoryTest, OutputsAndTargetsStayAsTheyWere) {
     String document("<x>"), value("untouched");
-    int result = 1;
-    const auto add = [&] {
-        try {
-            result = UTIL_addTag(document, text, text);
-        } catch (const std::bad_alloc&) {
-            result = -1;
-        }
-    };
-    fail_each_allocation(add, [&] { EXPECT_TRUE(result == -1 && document == "<x>"); });
+    fail_each_allocation([&] { UTIL_addTag(document, text, text); },
+                         [&] { EXPECT_EQ(document, "<x>"); });
     EXPECT_EQ(document, "<x><" + text + ">" + text + "</" + text + ">");
 
+    int result = 1;
     const auto untouched = [&] { EXPECT_TRUE(result == -1 && value == "untouched"); };
     fail_each_allocation([&] { result = UTIL_extractTag(document, text, value); }, untouched);
     EXPECT_EQ(value, text);
-
     value = "untouched";
     fail_each_allocation(
         [&] { result = UTIL_XMLParserExtractTagXml(&document, &text, &value, true); }, untouched);
     EXPECT_EQ(value, text);
+
+    const ExtTime source(ExtDate(17, 5, 2010), 12, 30, 45, text);
+    ExtTime target(ExtDate(1, 2, 2003), 4, 5, 6, "UTC");
+    const ExtTime before(target);
+    fail_each_allocation([&] { target = source; },
+                         [&] {
+                             EXPECT_EQ(target.toString().str(), "2003 02 01 04:05:06");
+                             EXPECT_EQ(target.time(), before.time());
+                             EXPECT_EQ(target.label().str(), "UTC");
+                         });
+    EXPECT_EQ(target.label().str(), text.str());
 }
 
 TEST(TextOutOfMemoryTest, ReadingATimeGivesTheCurrentOne) {
