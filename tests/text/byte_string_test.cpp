@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <climits>
 #include <functional>
 #include <set>
@@ -19,33 +20,26 @@ const std::string bytes = "ab\0cd"s;
 const String with_nul(bytes);
 
 TEST(StringTest, ConstructsFromEveryKindOfValue) {
-    const struct {
-        String made;
-        std::string text;
-    } cases[] = {{String(), ""},
-                 {String('\0'), "\0"s},
-                 {String(0), "0"},
-                 {String(-7), "-7"},
-                 {String(4000000000u), "4000000000"},
-                 {String(1.5), "1.500000"},
+    const std::vector<String> made = {String(),
+                                      String(nullptr),
+                                      String(nullptr, 5),
+                                      ExtString(nullptr),
+                                      String('x'),
+                                      String(-7),
+                                      String(4000000000u),
+                                      String(1.5),
+                                      String(3, 'z'),
+                                      String(bytes.c_str()),
+                                      String::eol};
+    EXPECT_EQ(made, (std::vector<String>{"", "", "", "", "x", "-7", "4000000000", "1.500000", "zzz",
+                                         "ab", "\n"}));
+    for (const String& whole : {with_nul, String(ExtString(bytes)), String(bytes.data(), 5)})
+        EXPECT_EQ(whole.str(), bytes);
 #ifdef _WIN32
-                 {String(4000000000ul), "4000000000"},
+    EXPECT_EQ(String(4000000000ul), "4000000000");
 #endif
-                 {String(nullptr), ""},
-                 {String(nullptr, 5), ""},
-                 {String(3, 'z'), "zzz"},
-                 {String("a\0b", 3), "a\0b"s},
-                 {String(bytes.c_str()), "ab"},
-                 {with_nul, bytes},
-                 {String(String(with_nul)), bytes},
-                 {String(ExtString(bytes)), bytes},
-                 {String(ExtString(nullptr)), ""},
-                 {String::eol, "\n"},
-                 {String::pad(3), "   "},
-                 {String::pad(-3), "   "},
-                 {String::pad(0), ""}};
-    for (const auto& c : cases)
-        EXPECT_EQ(c.made.str(), c.text);
+    EXPECT_EQ(String('\0').size(), 1u);
+    EXPECT_EQ(String::pad(3) + "|" + String::pad(-3) + "|" + String::pad(0), "   |   |");
     EXPECT_STREQ(String("text"), "text");
 }
 
@@ -70,82 +64,59 @@ TYPED_TEST(BothStringsTest, AssigningAndAppendingStopAtNul) {
     whole = std::move(same);
     EXPECT_EQ(whole.str(), bytes) << "nor does moving onto itself";
 
-    const TypeParam target(std::move(whole));
-    EXPECT_EQ(target.str(), bytes);
-    EXPECT_TRUE(whole.empty());
+    EXPECT_EQ(TypeParam(std::move(whole)).str(), bytes);
     whole += TypeParam("y");
     EXPECT_EQ(whole.str(), "y") << "usable after moving from it";
 }
 
 TEST(StringTest, CharacterComparisonSeesOnlyTheFirstByte) {
-    EXPECT_EQ(String("abc") == 'a', 1);
-    EXPECT_EQ(String("abc") != 'a', 0);
-    EXPECT_EQ(String("abc") == 'b', 0);
-    EXPECT_EQ(String("abc") != 'b', 1);
-    EXPECT_EQ(String("") == '\0', 0);
-    EXPECT_EQ(String("") != 'x', 0);
+    const String s("abc");
+    EXPECT_TRUE((s == 'a') == 1 && (s != 'a') == 0 && (s == 'b') == 0 && (s != 'b') == 1);
+    EXPECT_TRUE((String() == '\0') == 0 && (String() != 'x') == 0) << "the empty string is neither";
 }
 
 TEST(StringTest, ComparesContentsNotPointers) {
     const String a("same"), b("same");
     EXPECT_TRUE(a == b && a == "same" && "same" == a && a == "same"s && "same"s == a);
     EXPECT_FALSE(a != b || a != "same" || "same" != a || a != "same"s || "same"s != a);
-    EXPECT_TRUE(with_nul != "ab" && with_nul == String(bytes) && with_nul == bytes);
-    EXPECT_TRUE(String() == static_cast<const char*>(nullptr));
-    EXPECT_TRUE(String("a") < String("\xE9") && String("a") < "ab" && "B" < String("a"))
-        << "bytes compare as unsigned";
-    EXPECT_TRUE(String("a") < "b"s && "a"s < String("b"));
-    EXPECT_TRUE(String("b") > String("a") && String("b") >= "b" && "a"s <= String("a"));
-    EXPECT_TRUE(String("x") == std::string_view("x") && 'x' == String("xyz"));
+    EXPECT_TRUE(with_nul != "ab" && with_nul == bytes &&
+                String() == static_cast<const char*>(nullptr));
+    EXPECT_TRUE(String("a") < String("\xE9") && "B" < String("a")) << "bytes compare as unsigned";
+    EXPECT_TRUE(String("a") < "b"s && "a"s < String("b") && String("b") > String("a"));
+    EXPECT_TRUE(String("b") >= "b" && "a"s <= String("a") && 'x' == String("xyz"));
     EXPECT_EQ(std::unordered_set<String>({a, b}).size(), 1u);
     EXPECT_EQ((std::set<std::vector<String>>{{"a"}, {"a"}}).size(), 1u);
 }
 
 TEST(StringTest, JoinsAndPrints) {
-    EXPECT_EQ(String("a") + String("b") + "c" + 'd', "abcd");
-    EXPECT_EQ("x" + String("y"), "xy");
+    EXPECT_EQ("x" + (String("a") + String("b")) + "c" + 'd', "xabcd");
     EXPECT_EQ(String("a") + static_cast<const char*>(nullptr), "a");
     std::ostringstream out;
     out << with_nul;
     EXPECT_EQ(out.str(), bytes);
     String self("ab");
-    self += self;
-    EXPECT_EQ(self, "abab");
+    EXPECT_EQ(self += self, "abab");
 }
 
 TEST(StringTest, ReadsNumbersAsTheRuntimeDoes) {
-    const struct {
-        const char* text;
-        int value;
-    } cases[] = {{"", 0},
-                 {" \t\n\v\f\r-42x", -42},
-                 {"+7", 7},
-                 {"- 7", 0},
-                 {"--7", 0},
-                 {"x7", 0},
-                 {"2147483647", INT_MAX},
-                 {"2147483648", INT_MIN},
-                 {"99999999999", 1215752191},
-                 {"\xA0\x35", 0}};
-    for (const auto& c : cases)
-        EXPECT_EQ(String(c.text).to_int(), c.value) << c.text;
+    std::vector<int> values;
+    for (const char* text : {"", " \t\n\v\f\r-42x", "+7", "- 7", "--7", "x7", "\xA0\x35",
+                             "2147483648", "99999999999"}) {
+        values.push_back(String(text).to_int());
+    }
+    EXPECT_EQ(values, (std::vector<int>{0, -42, 7, 0, 0, 0, 0, INT_MIN, 1215752191}));
 }
 
 TEST(StringTest, FindsFromAPosition) {
     EXPECT_EQ(String("abcabc").first("bc", 2), 4u);
-    EXPECT_EQ(String("abc").first("", 3), 3u);
-    EXPECT_EQ(String("abc").first("bc", 999), String::npos);
     EXPECT_EQ(String("abcabc").first('c', 3), 5u);
     EXPECT_EQ(String("abcabc").last('a'), 3u);
     EXPECT_EQ(String("").last('a'), ~std::uint64_t{0});
-    EXPECT_EQ(with_nul.first('\0', 0), 2u);
     EXPECT_EQ(with_nul.first("cd", 0), 3u) << "the search goes past an embedded NUL";
-    EXPECT_EQ(with_nul.last('d'), 4u);
 
     const ExtString e("a-Xy\xE9z");
-    EXPECT_EQ(e.find("xY", 0, 1), 2u);
-    EXPECT_EQ(e.find("xY", 0, 0), ExtString::npos);
     EXPECT_EQ(e.find("\xE9Z", 3, 1), 4u);
+    EXPECT_EQ(e.find("xY", 0, 0), ExtString::npos);
     EXPECT_EQ(e.find("a", 1, 1), ExtString::npos);
     EXPECT_EQ(e.find("a", 7, 1), ExtString::npos);
 }
@@ -160,8 +131,7 @@ TEST(StringTest, CutsAndReplacesWithinItsLength) {
     EXPECT_EQ(s.replace(1, 1, "xyz", 2), "axyc");
     EXPECT_EQ(s.replace(2, 100, "-"), "ax-");
     EXPECT_EQ(s.replace(3, 0, "end"), "ax-end");
-    EXPECT_EQ(s.replace(0, 1, nullptr), "x-end");
-    EXPECT_EQ(s.replace(0, 1, nullptr, 9), "-end");
+    EXPECT_EQ(s.replace(0, 2, nullptr, 9), "-end");
     EXPECT_EQ(s.replace(0, 1, s, 4), "-endend") << "from its own contents";
     EXPECT_EQ(&s.prepend(s), &s);
     EXPECT_EQ(s, "-endend-endend");
@@ -171,12 +141,8 @@ TEST(StringTest, CutsAndReplacesWithinItsLength) {
 TEST(StringTest, PositionsBeyondTheEndRaiseOneMessage) {
     String s("abc");
     const std::function<void()> calls[] = {
-        [&] { s.substr(4); },
-        [&] { s.substr(String::npos, 1); },
-        [&] { s.replace(4, 0, "x"); },
-        [&] { s.replace(4, 0, "x", 1); },
-        [&] { ExtString("abc").substr(4, 1); },
-    };
+        [&] { s.substr(4); }, [&] { s.substr(String::npos, 1); }, [&] { s.replace(4, 0, "x"); },
+        [&] { s.replace(4, 0, "x", 1); }, [&] { ExtString("abc").substr(4, 1); }};
     for (const auto& call : calls) {
         try {
             call();
@@ -185,37 +151,27 @@ TEST(StringTest, PositionsBeyondTheEndRaiseOneMessage) {
             EXPECT_STREQ(e.what(), "invalid string position");
         }
     }
-    EXPECT_EQ(s, "abc");
 }
 
-TEST(StringTest, LettersAndKindsOfBytes) {
+TEST(StringTest, SomeMembersStopAtNulSomeDoNot) {
     EXPECT_EQ(with_nul.to_upper().str(), "AB");
-    EXPECT_EQ(String("AB\0CD\xE9"s).to_lower().str(), "ab");
+    EXPECT_EQ(String("AB\0CD"s).to_lower().str(), "ab");
     ExtString whole(bytes);
     whole.upper();
-    EXPECT_EQ(whole.str(), "AB\0CD"s) << "in place all of it changes";
+    EXPECT_EQ(whole.str(), "AB\0CD"s);
     whole.lower();
     EXPECT_EQ(whole.str(), bytes);
-    EXPECT_TRUE(String("a\0\xE9"s).isAscii()) << "bytes after a NUL are not looked at";
-    EXPECT_TRUE(with_nul.hasUnprintable()) << "a NUL inside is unprintable";
-    EXPECT_TRUE(String("\xE9").hasUnprintable() && !String("\xE9").isAscii());
-    EXPECT_FALSE(String(" \x7F").hasUnprintable());
-}
-
-TEST(StringTest, TrimsASetToWhichNulAlwaysBelongs) {
-    EXPECT_EQ(String("  x y  ").trim(" "), "x y");
-    EXPECT_EQ(String("xxx").trim("x"), "");
+    EXPECT_TRUE(String("a\0\xE9"s).isAscii() && with_nul.hasUnprintable());
+    EXPECT_EQ(String("\0x\0y\0\0"s).trim("").str(), "x\0y"s) << "NUL belongs to every set";
     EXPECT_EQ(String(" x ").trim(nullptr), " x ");
-    EXPECT_EQ(String("\0x\0y\0\0"s).trim("").str(), "x\0y"s);
 }
 
 TEST(StringTest, HashKeepsItsStoredValues) {
-    EXPECT_EQ(String("").hash(), 0u);
-    EXPECT_EQ(String("a").hash(), 0x41u);
-    EXPECT_EQ(String("abcd").hash(), 0x646362E1u);
-    EXPECT_EQ(String("hello").hash(), 0x8D8CB962u);
-    EXPECT_EQ(String("\xFF").hash(), 0xFFFFFFDFu);
-    EXPECT_EQ(String("ab\xE9").hash(), 0xFFFFFF89u);
+    std::vector<std::uint32_t> hashes;
+    for (const char* text : {"", "a", "abcd", "hello", "\xFF", "ab\xE9"})
+        hashes.push_back(String(text).hash());
+    EXPECT_EQ(hashes, (std::vector<std::uint32_t>{0, 0x41, 0x646362E1, 0x8D8CB962, 0xFFFFFFDF,
+                                                  0xFFFFFF89}));
 }
 
 TEST(FormatTest, PrintsWhatTheRuntimePrints) {
@@ -232,20 +188,19 @@ TEST(FormatTest, PrintsWhatTheRuntimePrints) {
 }
 
 TEST(FormatTest, ThreadsTakeTurns) {
+    std::atomic<int> wrong{0};
     std::vector<std::thread> threads;
-    std::vector<int> wrong(8);
     for (int t = 0; t < 8; ++t) {
         threads.emplace_back([t, &wrong] {
-            for (int i = 0; i < 300; ++i) {
-                const int width = 10 + (i * 37 + t * 911) % 9000;
+            for (int width = 10 + t; width < 9000; width += 37) {
                 const String text = String::format("%*d", width, t);
-                if (text != String::pad(width - 1) + String(t)) ++wrong[t];
+                if (text != String::pad(width - 1) + String(t)) ++wrong;
             }
         });
     }
     for (auto& thread : threads)
         thread.join();
-    EXPECT_EQ(wrong, std::vector<int>(8));
+    EXPECT_EQ(wrong, 0);
 }
 
 }  // namespace

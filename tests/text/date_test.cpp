@@ -32,37 +32,28 @@ class DateTest : public testing::TestWithParam<const char*> {
 INSTANTIATE_TEST_SUITE_P(Zones, DateTest, testing::Values("UTC", "EST5EDT", "CET-1CEST"));
 
 std::string fields_of(const ExtDate& date) {
-    const std::tm& t = date.fields();
-    return String::format("%04d-%02d-%02d %02d:%02d:%02d", t.tm_year + 1900, t.tm_mon + 1,
-                          t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec)
-        .str();
+    char text[32];
+    return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &date.fields()));
 }
 
 TEST_P(DateTest, NormalisesDatesAndSetsTheTimeOfDay) {
     const struct {
         int day, month, year;
         const char *fields, *text;
-    } cases[] = {
-        {5, 3, 7, "2007-03-05 00:00:01", "2007 03 05"},
-        {31, 2, 2010, "2010-03-03 00:00:01", "2010 03 03"},
-        {1, 14, 2009, "2010-02-01 00:00:01", "2010 02 01"},
-        {1, 7, 99, "2099-07-01 00:00:01", "2099 07 01"},
-        {31, 2, 100, "0100-02-31 00:00:01", ""},
-        {31, 12, 1969, "1969-12-31 00:00:01", ""},
-        {31, 12, 3000, "3000-12-31 00:00:01", "3000 12 31"},
-        {1, 1, 3001, "3001-01-01 00:00:01", ""},
-    };
+    } cases[] = {{5, 3, 7, "2007-03-05 00:00:01", "2007 03 05"},
+                 {31, 2, 2010, "2010-03-03 00:00:01", "2010 03 03"},
+                 {1, 7, 99, "2099-07-01 00:00:01", "2099 07 01"},
+                 {31, 2, 100, "0100-02-31 00:00:01", ""},
+                 {31, 12, 1969, "1969-12-31 00:00:01", ""},
+                 {31, 12, 3000, "3000-12-31 00:00:01", "3000 12 31"},
+                 {1, 1, 3001, "3001-01-01 00:00:01", ""}};
     for (const auto& c : cases) {
         const ExtDate date(c.day, c.month, c.year);
         EXPECT_EQ(fields_of(date), c.fields);
         EXPECT_EQ(date.toString().str(), c.text);
-        EXPECT_EQ(date.isValid(), *c.text != '\0') << c.fields;
-        EXPECT_EQ(date.time() != -1, *c.text != '\0') << c.fields;
+        EXPECT_TRUE(date.isValid() == (*c.text != 0) && date.isValid() == (date.time() != -1));
     }
-    for (const int extreme : {INT_MIN, INT_MAX}) {
-        EXPECT_FALSE(ExtDate(1, extreme, 2010).isValid());
-        EXPECT_FALSE(ExtDate(1, 1, extreme).isValid());
-    }
+    EXPECT_FALSE(ExtDate(1, INT_MIN, 2010).isValid() || ExtDate(1, 1, INT_MAX).isValid());
 }
 
 TEST_P(DateTest, TimeKeepsItsTimeOfDayAndADateMadeFromItDoesNot) {
@@ -79,7 +70,6 @@ TEST_P(DateTest, TimeKeepsItsTimeOfDayAndADateMadeFromItDoesNot) {
     }
     EXPECT_EQ(base.toString().str(), "2010 05 17 14:20:10") << "the virtual one";
     EXPECT_EQ(fields_of(ExtDate(base)), "2010-05-17 00:00:01");
-    EXPECT_EQ(fields_of(assigned_date), "2010-05-17 00:00:01");
     EXPECT_EQ(fields_of(ExtTime(base, 23, 59, 61, "")), "2010-05-18 00:00:01");
     EXPECT_EQ(ExtTime(ExtDate(1, 1, 1960), 12, 30, 45, "").toString().str(), " 12:30:45");
 }
@@ -92,7 +82,6 @@ TEST_P(DateTest, WritesPatternsInTheCLocale) {
     const struct {
         std::string pattern, text;
     } cases[] = {
-        {"", ""},
         {"%d.%m.%y %I %j %w 100%% %%a", "08.09.01 09 251 6 100% %a"},
         {"%a %A %b %B %p", "Sat Saturday Sep September PM"},
         {"%c|%x|%X", "09/08/01 21:46:40|09/08/01|21:46:40"},
@@ -101,12 +90,15 @@ TEST_P(DateTest, WritesPatternsInTheCLocale) {
         {std::string(124, 'x') + "%Y", ""},
 #ifdef _WIN32
         {"%", ""},
-        {"%#", ""},
         {"x%Q", ""},
 #endif
     };
     for (const auto& c : cases)
         EXPECT_EQ(time.text(c.pattern.c_str()).str(), c.text) << c.pattern;
+    std::string halves;
+    for (const int hour : {0, 11, 12})
+        halves += ExtTime(time, hour, 0, 0, "").text("%I %p ").str();
+    EXPECT_EQ(halves, "12 AM 11 AM 12 PM ");
     EXPECT_EQ(time.text(nullptr).str(), "");
     setlocale(LC_ALL, "C");
 }
@@ -127,18 +119,16 @@ TEST(DateInZoneTest, TimeOneHasNoTextAndDaylightSavingIsFoundOut) {
 TEST_P(DateTest, ReadsTimesYearFirst) {
     const struct {
         const char *text, *time, *label;
-    } cases[] = {
-        {"2010/05/17 12:30:45", "2010 05 17 12:30:45", ""},
-        {"2010 05 17 12 30", "2010 05 17 12:30:00", ""},
-        {"//10::5  17/1 2", "2010 05 17 01:02:00", ""},
-        {"17/05/2010 12:30", "2022 10 31 12:30:00", ""},
-        {"2010/05/17 12:30:45  a/b ", "2010 05 17 12:30:45", "a/b"},
-        {"2010/05/17 12:30 UTC", "2010 05 17 12:30:00", "UTC"},
-        {"2010/05/17 12:30 7UTC", "2010 05 17 12:30:07", ""},
-        {"2010/05/17 12:30:45 UTC x", "2010 05 17 12:30:45", ""},
-        {"2010 05 17 12:30:45 UTC", "2010 05 17 12:30:45", ""},
-        {"2010/-2147483648/17 12:30", " 12:30:00", ""},
-    };
+    } cases[] = {{"2010/05/17 12:30:45", "2010 05 17 12:30:45", ""},
+                 {"2010 05 17 12 30", "2010 05 17 12:30:00", ""},
+                 {"//10::5  17/1 2", "2010 05 17 01:02:00", ""},
+                 {"17/05/2010 12:30", "2022 10 31 12:30:00", ""},
+                 {"2010/05/17 12:30:45 a\tb", "2010 05 17 12:30:45", "a\tb"},
+                 {"2010/05/17 12:30 -5", "2010 05 17 12:30:00", "-5"},
+                 {"2010/05/17 12:30 7UTC", "2010 05 17 12:30:07", ""},
+                 {"2010/05/17 12:30:45 UTC x", "2010 05 17 12:30:45", ""},
+                 {"2010 05 17 12:30:45 UTC", "2010 05 17 12:30:45", ""},
+                 {"2010/-2147483648/17 12:30", " 12:30:00", ""}};
     for (const auto& c : cases) {
         const ExtTime time = String(c.text).toDate();
         EXPECT_EQ(time.toString().str(), c.time) << c.text;
@@ -147,15 +137,14 @@ TEST_P(DateTest, ReadsTimesYearFirst) {
 }
 
 TEST_P(DateTest, OtherTextsAndNoArgumentsGiveTheCurrentTime) {
+    const std::time_t before = std::time(nullptr);
     for (const char* text : {"", "garbage", "2010/05/17 12"}) {
-        const std::time_t before = std::time(nullptr);
-        const ExtTime read = String(text).toDate();
-        const ExtDate today;
-        const std::time_t after = std::time(nullptr);
-        EXPECT_TRUE(before <= read.time() && read.time() <= after) << text;
-        EXPECT_TRUE(before - 25 * 3600 < today.time() && today.time() <= after + 1);
-        EXPECT_EQ(fields_of(today).substr(11), "00:00:01");
+        const std::time_t read = String(text).toDate().time();
+        EXPECT_TRUE(before <= read && read <= std::time(nullptr)) << text;
     }
+    const ExtDate today;
+    EXPECT_LE(std::abs(before - today.time()), 25 * 3600);
+    EXPECT_EQ(fields_of(today).substr(11), "00:00:01");
 }
 
 }  // namespace

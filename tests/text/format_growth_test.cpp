@@ -31,7 +31,7 @@ int spy(char* buffer, size_t size, size_t count, const char* fmt, _locale_t loca
     return real_formatter(buffer, size, count, fmt, locale, args);
 }
 
-// As the runtime counts a text of more than INT_MAX bytes.
+// For a text of more than INT_MAX bytes.
 int uncountable(const char*, va_list) {
     return -1;
 }
@@ -55,26 +55,24 @@ class FormatGrowthTest : public testing::Test {
 
 TEST_F(FormatGrowthTest, StartsAt1024AndGrowsInTheDocumentedSteps) {
     EXPECT_EQ(buffer_size(), 1024u);
-    const struct {
-        int length;
-        size_t size_after;
-    } steps[] = {{1023, 1024},    {1024, 4096},   {4095, 4096},    {4096, 8192},
-                 {8192, 12288},   {12288, 16384}, {16384, 20480},  {20480, 24576},
-                 {24576, 126976}, {10, 126976},   {126976, 229376}};
-    for (const auto& step : steps) {
-        EXPECT_EQ(String::format("%*s", step.length, "").size(), size_t(step.length));
-        EXPECT_EQ(buffer_size(), step.size_after) << "after " << step.length << " bytes";
+    const std::pair<int, size_t> steps[] = {{1023, 1024},   {1024, 4096},    {4095, 4096},
+                                            {4096, 8192},   {8192, 12288},   {12288, 16384},
+                                            {16384, 20480}, {20480, 24576},  {24576, 126976},
+                                            {10, 126976},   {126976, 229376}};
+    for (const auto& [length, size_after] : steps) {
+        EXPECT_EQ(String::format("%*s", length, "").size(), size_t(length));
+        EXPECT_EQ(buffer_size(), size_after) << "after " << length << " bytes";
     }
 }
 
 TEST_F(FormatGrowthTest, RejectedFormatsGiveTheEmptyTextAndNoGrowth) {
     const size_t before = buffer_size();
-    const std::string rejected_late = "%*s%m";
+    const std::string rejected = "%*s%m";
     errno = 77;
-    EXPECT_EQ(String::format("text%m", 1), "");
+    EXPECT_EQ(String::format(rejected.c_str(), 1, ""), "");
     EXPECT_EQ(errno, 77) << "formatting leaves errno alone";
     EXPECT_EQ(buffer_size(), before);
-    EXPECT_EQ(String::format(rejected_late.c_str(), int(before) + 5, ""), "");
+    EXPECT_EQ(String::format(rejected.c_str(), int(before) + 5, ""), "");
 }
 
 TEST_F(FormatGrowthTest, TakesAReportedLengthToTheNextWholeStep) {
@@ -91,20 +89,19 @@ TEST_F(FormatGrowthTest, FailuresLeaveTheLockFreeAndTheSizeAsItWas) {
     manner = raising;
     EXPECT_THROW(String::format("x"), std::runtime_error);
     manner = as_it_is;
-    {
-        ImportPatch patch("_Znay", failing_new);
-        EXPECT_THROW(String::format("%*s", huge, ""), std::bad_alloc);
-    }
-    {
-        ImportPatch patch("_vscprintf", uncountable);
-        EXPECT_THROW(String::format("%*s", huge, ""), std::bad_alloc);
-    }
+    const auto grow = [&] { return String::format("%*s", huge, "").size(); };
+    const auto grow_with = [&](const char* name, auto* replacement) {
+        const ImportPatch patch(name, replacement);
+        EXPECT_THROW(grow(), std::bad_alloc) << name;
+    };
+    grow_with("_Znay", failing_new);
+    grow_with("_vscprintf", uncountable);
     String text;
     std::thread([&] { text = String::format("%d", 42); }).join();
     EXPECT_EQ(text, "42");
     EXPECT_EQ(buffer_size(), before);
     SetLastError(77);
-    EXPECT_EQ(String::format("%*s", huge, "").size(), size_t(huge));
+    EXPECT_EQ(grow(), size_t(huge));
     EXPECT_EQ(GetLastError(), 77u) << "growing leaves the last error alone";
 }
 

@@ -16,10 +16,7 @@ TEST(SplitTest, KeepsOrDropsEmptyFields) {
         String text, separators;
         Fields kept, dropped;
     } cases[] = {
-        {"", ",", {}, {}},
-        {"a", ",", {"a"}, {"a"}},
         {",,a,,,b,,", ",", {"", "", "a", "", "", "b", "", ""}, {"a", "b"}},
-        {"a;b,c", ";,", {"a", "b", "c"}, {"a", "b", "c"}},
         {"a,b", "", {"a,b"}, {"a,b"}},
         {String("a\0b\xE9z"s), String("\0\xE9"s), {"a", "b", "z"}, {"a", "b", "z"}},
     };
@@ -37,8 +34,6 @@ TEST(SplitByTagTest, LeadingTagGivesAnEmptyPieceTrailingGivesNone) {
         Fields pieces;
     } cases[] = {{"x--y----z--", "--", {"x", "y", "", "z"}},
                  {"<>a", "<>", {"", "a"}},
-                 {"<>", "<>", {""}},
-                 {"", "", {}},
                  {"abc", "", {"abc"}},
                  {"aaa", "aa", {"", "a"}},
                  {String("a\0\0b\0c"s), String("\0\0"s), {"a", String("b\0c"s)}}};
@@ -47,31 +42,16 @@ TEST(SplitByTagTest, LeadingTagGivesAnEmptyPieceTrailingGivesNone) {
 }
 
 TEST(SqueezeTest, NormalisesWhiteSpaceHereAndInTheObject) {
-    const struct {
-        String text, squeezed;
-    } cases[] = {{"  a \t b  ", "a b "}, {"   ", ""},         {"a\x01 b", "a  b"},
-                 {"a \x01\rb", "a b"},   {"\x01\x02z", " z"}, {"\xA0z\x85 ", "\xA0z\x85 "}};
-    for (const auto& c : cases) {
-        String text(c.text);
-        EXPECT_EQ(text.squeeze_spaces(), c.squeezed) << c.text;
-        EXPECT_EQ(text, c.squeezed) << c.text;
-    }
+    String text("  a\x01 b \x01\t\rc\xA0\x85 \n");
+    EXPECT_EQ(text.squeeze_spaces(), "a  b c\xA0\x85 ");
+    EXPECT_EQ(text, "a  b c\xA0\x85 ");
 }
 
 TEST(StringArrayTest, WritesAndReadsWhatTheFormatCanHold) {
-    const struct {
-        Fields list;
-        String text;
-        Fields read_back;
-    } cases[] = {{{}, "", {}},
-                 {{"x", "y"}, "x$y", {"x", "y"}},
-                 {{"", "a", "", "b", ""}, "$a$$b$", {"a", "b"}},
-                 {{"a$b", "c"}, "a$b$c", {"a", "b", "c"}},
-                 {{String("a\0lost"s), "b"}, "a$b", {"a", "b"}}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(serializeStrArray(c.list), c.text);
-        EXPECT_EQ(deserializeStrArray(c.text), c.read_back) << c.text;
-    }
+    const Fields list = {"", "a", "", String("b\0lost"s), "c$d", ""};
+    EXPECT_EQ(serializeStrArray(list), "$a$$b$c$d$");
+    EXPECT_EQ(deserializeStrArray("$a$$b$c$d$"), (Fields{"a", "b", "c", "d"}));
+    EXPECT_EQ(serializeStrArray({}), "");
 }
 
 }  // namespace

@@ -12,10 +12,8 @@ TEST(XmlEscapeTest, EscapesAndDecodesInPlace) {
     } cases[] = {
         {"a<b & 'c'>", "a&lt;b &amp; &apos;c&apos;&gt;", "a<b & 'c'>"},
         {"\"x<y\"", "\"x&lt;y\"", "\"x<y\""},
-        {"a\tb", "a\tb", "a\tb"},
-        {"&#x9;", "&amp;#x9;", "\t"},
-        {"&amp;amp;", "&amp;amp;amp;", "&amp;"},
-        {"a &b", "a &amp;b", "a &b"},
+        {"\t&#x9;", "\t&amp;#x9;", "\t\t"},
+        {"&amp;amp; &b", "&amp;amp;amp; &amp;b", "&amp; &b"},
     };
     for (const auto& c : cases) {
         String escaped(c.text), decoded(c.text);
@@ -28,12 +26,7 @@ TEST(XmlEscapeTest, EscapesAndDecodesInPlace) {
 TEST(XmlEscapeTest, OneQuoteAloneIsEscapedButCannotBeDecoded) {
     String text("\"");
     EXPECT_EQ(String(text).replaceXML(), "&quot;");
-    try {
-        text.placeXML();
-        ADD_FAILURE() << "nothing raised";
-    } catch (const std::out_of_range& e) {
-        EXPECT_STREQ(e.what(), "invalid string position");
-    }
+    EXPECT_THROW(text.placeXML(), std::out_of_range);
     EXPECT_EQ(text, "") << "the first removal has taken it";
 }
 
