@@ -43,8 +43,8 @@ TEST(SplitByTagTest, LeadingTagGivesAnEmptyPieceTrailingGivesNone) {
 
 TEST(SqueezeTest, NormalisesWhiteSpaceHereAndInTheObject) {
     String text("  a\x01 b \x01\t\rc\xA0\x85 \n");
-    EXPECT_EQ(text.squeeze_spaces(), "a  b c\xA0\x85 ");
-    EXPECT_EQ(text, "a  b c\xA0\x85 ");
+    EXPECT_EQ(text.squeeze_spaces(), "a  b  c\xA0\x85 ");
+    EXPECT_EQ(text, "a  b  c\xA0\x85 ");
 }
 
 TEST(StringArrayTest, WritesAndReadsWhatTheFormatCanHold) {
