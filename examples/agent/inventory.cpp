@@ -19,14 +19,15 @@ struct Request {
 Request parse(const Arguments& arguments) {
     Request request;
     std::vector<String> paths;
-    for (auto word = arguments.begin(); word != arguments.end(); ++word) {
-        if (*word == "--skip") {
-            if (++word == arguments.end()) throw UsageError("--skip needs a name");
-            request.skip.push_back(*word);
-        } else if (word->first("--", 0) == 0) {
-            throw UsageError("unknown option '" + *word + "'");
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const String& word = arguments[i];
+        if (word == "--skip") {
+            if (++i == arguments.size()) throw UsageError("--skip needs a name");
+            request.skip.push_back(arguments[i]);
+        } else if (word.first("--", 0) == 0) {
+            throw UsageError("unknown option '" + word + "'");
         } else {
-            paths.push_back(*word);
+            paths.push_back(word);
         }
     }
     if (paths.size() != 2) throw UsageError("inventory needs a directory and a file");

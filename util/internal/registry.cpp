@@ -57,7 +57,7 @@ LSTATUS read_any_type(const ScopedKey& key, const char* name, DWORD room, std::s
     if (result != ERROR_SUCCESS) return result;
     const bool is_text = type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
     if (!is_text) {  // bytes that the platform has not recoded either
-        out = bytes.c_str();
+        out = bytes.substr(0, bytes.find('\0'));
         return ERROR_SUCCESS;
     }
     return ansi_to_utf8(bytes.c_str(), out) ? ERROR_SUCCESS : ERROR_NO_UNICODE_TRANSLATION;
