@@ -3,9 +3,11 @@
 #include <exception>
 
 #include "agent.h"
+#include "cleanup.h"
 #include "compare.h"
 #include "inventory.h"
 #include "output.h"
+#include "prepare.h"
 #include "report.h"
 #include "watch.h"
 
@@ -24,6 +26,9 @@ const Verb verbs[] = {
     {"compare", "OLD NEW", "show what changed between two inventory files", compare},
     {"report", "[--xml]", "check the configuration of this machine", report},
     {"watch", "PORT", "answer status lines on a port of this machine (0: any free one)", watch},
+    {"prepare", "DIR RECORD", "create the directory DIR, and note in RECORD what was missing",
+     prepare},
+    {"cleanup", "[--dry-run] RECORD", "remove the directories that RECORD names", cleanup},
 };
 
 String usage(const Verb& verb) {

@@ -218,6 +218,16 @@ TEST_F(AgentTest, BadCallsGetOneMessage) {
         {{"compare", good}, "compare needs two inventory files\nusage: agent compare OLD NEW\n"},
         {{"compare", good, tree / "none"}, "cannot open '" + tree / "none" + "' (error 2)\n"},
         {{"compare", file, good}, "'" + file + "' is not an inventory\n"},
+        {{"prepare", tree.path()}, "prepare needs a directory and a record file\nusage: "},
+        {{"prepare", "\\\\srv\\share\\x", work / "x"}, "'\\\\srv\\share\\x' is not on a drive; "},
+        {{"prepare", tree / "new", good}, "'" + good + "' is damaged: no directory at byte 0\n"},
+        {{"prepare", tree / "new", file + "\\x"},
+         "Failed to open the file " + file +
+             "\\x. Tessaron will not be able to cleanup the alternate "
+             "paths created for mounting this replica.\nfailing path: " +
+             file + "\\x\n"},
+        {{"cleanup", "--dry-run"}, "cleanup needs a record file\nusage: agent cleanup ["},
+        {{"cleanup", tree / "none"}, "cannot open '" + tree / "none" + "' (error 2)\n"},
         {{"report", "--html"}, "report takes nothing but --xml\nusage: agent report [--xml]\n"},
         {{"watch"}, "watch needs a port\nusage: agent watch PORT\n"},
         {{"watch", ""}, "'' is not a port\nusage: "},
@@ -301,6 +311,56 @@ TEST_F(AgentTest, CompareShowsWhatChanged) {
     const Result same = agent({"compare", after, after});
     EXPECT_EQ(same.status, 0u);
     EXPECT_TRUE(contains(same.out, "entries\n0 added, 0 removed, 0 changed\n")) << same.out;
+}
+
+TEST_F(AgentTest, CleanupRemovesWhatPrepareCreated) {
+    const std::string record = work / "made.rec";
+    const std::string mount = tree.directory("mnt") + "\\gr\xC3\xB6\xC3\x9F\x65\\";
+    EXPECT_EQ(agent({"prepare", mount + "r1\\x\\..", record}).out,
+              "created  " + mount + "\ncreated  " + mount + "r1\\\n");
+    EXPECT_EQ(agent({"prepare", mount + "r1", record}).out, "nothing to create\n");
+    agent({"prepare", mount + "r2/deep", record});
+    const std::string content = content_of(record);
+    const std::string outer = std::to_string(mount.size() + 1) + '\0' + mount + '\0';
+    // The outermost last, as when another process was quicker to record, and twice.
+    write(record, content.substr(outer.size()) + outer + outer);
+
+    const std::string lines = "removed  " + mount + "r2\\deep\\\nremoved  " + mount +
+                              "r1\\\nremoved  " + mount + "r2\\\nremoved  " + mount + "\n";
+    const std::string would = String(lines).replace("removed", "would remove").str();
+    EXPECT_EQ(agent({"cleanup", "--dry-run", record}).out, would);
+    write(mount + "r2\\file", "in the way");
+    const Result kept = agent({"cleanup", record});
+    EXPECT_EQ(kept.status, 1u);
+    EXPECT_TRUE(contains(kept.out, "\nstays, not empty  " + mount + "r2\\\n")) << kept.out;
+    EXPECT_TRUE(contains(kept.out, "\nstays, not empty  " + mount + "\nkept  " + record + "\n"));
+    fs::remove(fs::u8path(mount + "r2\\file"));
+    const Result done = agent({"cleanup", record});
+    EXPECT_EQ(done.status, 0u);
+    EXPECT_TRUE(contains(done.out, "gone already  " + mount + "r1\\\nremoved  " + mount +
+                                       "r2\\\nremoved  " + mount + "\nremoved  " + record + "\n"));
+    EXPECT_TRUE(fs::exists(tree / "mnt")) << "it was there before";
+    EXPECT_FALSE(fs::exists(record));
+}
+
+TEST_F(AgentTest, UnsoundRecordsRemoveNothing) {
+    const std::string record = work / "made.rec";
+    const std::string directory = tree.directory("empty") + "\\";
+    const std::string cut = std::to_string(directory.size() + 1) + '\0' + directory;
+    const std::string good = cut + '\0';
+    for (const std::string& text :
+         {good + cut, good + "6"s, good + "7\0empty\\\0"s, good + "3\0C:\0"s, good + "\0"s,
+          good + "-1\0"s, good + "9999999999\0C:\\"s, "x" + good, "0" + good}) {
+        write(record, text);
+        const Result result = agent({"cleanup", record});
+        EXPECT_EQ(result.status, 2u) << testing::PrintToString(text);
+        EXPECT_EQ(result.err.find("agent: '" + record + "' is damaged: no directory at byte "), 0u);
+        EXPECT_EQ(content_of(record), text);
+        EXPECT_TRUE(fs::exists(directory)) << testing::PrintToString(text);
+    }
+    write(record, "8\0Q:\\mnt\\\0"s);  // the drive may come back, with the directory on it
+    EXPECT_EQ(agent({"cleanup", record}).status, 2u);
+    EXPECT_TRUE(fs::exists(record));
 }
 
 bool has_machine_key(const char* path) {

@@ -1,0 +1,43 @@
+#include "creation_record.h"
+
+#include "agent.h"
+
+namespace {
+
+// "C:\" and what is below it. A path that hangs on a current directory means another one tomorrow.
+bool is_full_directory(std::string_view path) {
+    return path.size() >= 3 && path.substr(1, 2) == ":\\" && path.back() == '\\';
+}
+
+// A record that breaks off is read as far as it goes; only its length in the file tells.
+std::size_t recorded_size(const String& text) {
+    const std::size_t size = text.size() + 1;
+    return std::to_string(size).size() + 1 + size;
+}
+
+}  // namespace
+
+std::vector<String> read_creation_record(const String& path) {
+    XrFile file(path, "r");
+    int code = 0;
+    if (file.Error(code)) {
+        throw Trouble(String::format("cannot open '%s' (error %d)", path.c_str(), code));
+    }
+    std::vector<String> directories;
+    while (!file.Eof()) {
+        const long begin = file.Tell();
+        String directory;
+        file >> directory;
+        const auto size = static_cast<std::size_t>(file.Tell() - begin);
+        if (file.Error() || size != recorded_size(directory) ||
+            !is_full_directory(directory.view())) {
+            throw Trouble(
+                String::format("'%s' is damaged: no directory at byte %ld", path.c_str(), begin));
+        }
+        directories.push_back(directory);
+    }
+    if (file.Error(code)) {
+        throw Trouble(String::format("cannot read '%s' (error %d)", path.c_str(), code));
+    }
+    return directories;
+}
