@@ -6,6 +6,7 @@
 #include "cleanup.h"
 #include "compare.h"
 #include "inventory.h"
+#include "notify.h"
 #include "output.h"
 #include "prepare.h"
 #include "report.h"
@@ -29,6 +30,7 @@ const Verb verbs[] = {
     {"prepare", "DIR RECORD", "create the directory DIR, and note in RECORD what was missing",
      prepare},
     {"cleanup", "[--dry-run] RECORD", "remove the directories that RECORD names", cleanup},
+    {"notify", "PICKUP-DIR FROM TO SUBJECT BODY", "drop a mail into a pickup directory", notify},
 };
 
 String usage(const Verb& verb) {

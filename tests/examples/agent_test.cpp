@@ -228,6 +228,7 @@ TEST_F(AgentTest, BadCallsGetOneMessage) {
              file + "\\x\n"},
         {{"cleanup", "--dry-run"}, "cleanup needs a record file\nusage: agent cleanup ["},
         {{"cleanup", tree / "none"}, "cannot open '" + tree / "none" + "' (error 2)\n"},
+        {{"notify", file, "a", "b", "c", "d"}, "'" + file + "' is not a directory\n"},
         {{"report", "--html"}, "report takes nothing but --xml\nusage: agent report [--xml]\n"},
         {{"watch"}, "watch needs a port\nusage: agent watch PORT\n"},
         {{"watch", ""}, "'' is not a port\nusage: "},
@@ -415,6 +416,31 @@ TEST_F(AgentTest, ReportShowsEachThingOrWhyNot) {
     String drive;
     EXPECT_EQ(UTIL_extractTag(xml, "drive_C", drive), 0);
     EXPECT_TRUE(contains(text, "  drive C                 " + drive.str().substr(0, 5)));
+}
+
+TEST_F(AgentTest, NotifyDropsMessagesAndLeavesTheRegistryAsItWas) {
+    const char* const maker = "SOFTWARE\\Vorn";
+    if (has_machine_key(maker)) GTEST_SKIP() << "the machine's own key must not be touched";
+    const std::vector<std::string> words = {
+        "notify", tree.path(), "a@x.test", "b@x.test; c@x.test", "full", "No room left"};
+    tree.file("tsr0.tmp1", "an old message");
+    const Result sent = agent(words);
+    EXPECT_FALSE(has_machine_key(maker));
+    for (const char* to : {"b@x.test", "c@x.test"})
+        EXPECT_TRUE(contains(sent.out, "\nFrom: a@x.test\r\nTo: "s + to + "\r\nMIME-"));
+    EXPECT_TRUE(contains(sent.out, "\r\nSubject: full\r\nNo room left\n")) << sent.out;
+    EXPECT_FALSE(contains(sent.out, "an old message"));
+    EXPECT_TRUE(contains(sent.out, ", messages in the directory: 2\n"));
+    const std::string answer = MailRunning() && MailInstalled() ? "0 (sent)" : "-1 (IIS is not ";
+    EXPECT_TRUE(contains(sent.out, "\nsend() answered " + answer)) << sent.out;
+
+    const util_test::Key key(HKEY_LOCAL_MACHINE, maker + "\\Vorn Quillmark Tessaron\\Server"s);
+    RegSetValueExA(key.get(), "EmailPickupDir", 0, REG_SZ, nullptr, 0);
+    const Result refused = agent(words);
+    EXPECT_EQ(RegQueryValueExA(key.get(), "EmailPickupDir", nullptr, nullptr, nullptr, nullptr), 0);
+    RegDeleteTreeA(HKEY_LOCAL_MACHINE, maker);
+    EXPECT_EQ(refused.err,
+              "agent: the registry value \"EmailPickupDir\" is set; it stays as it is\n");
 }
 
 class Client {
