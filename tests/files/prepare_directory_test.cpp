@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -198,6 +199,11 @@ TEST_F(PrepareDirectoryTest, OutOfMemoryAnywhereIsAFailureAndGivesEverythingBack
             result = UTIL_prepareAndCreateDir(path, o.message, tracking, o.failed, &o.kind);
             allocations_left = -1;
             EXPECT_TRUE(result == 0 || result == 8) << result;
+            // A directory that is there is in the record, whatever memory ran out for.
+            const std::string parent = path.str().substr(0, path.str().rfind('\\') + 1);
+            const Names named = records(m_tracking);
+            EXPECT_EQ(std::count(named.begin(), named.end(), parent),
+                      XrDirectory::IsDirectory(parent) ? 1 : 0);
         }
         EXPECT_GE(failures, 5);
     }

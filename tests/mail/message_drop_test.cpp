@@ -268,8 +268,9 @@ TEST_F(KillTest, NothingHalfWrittenShowsWhenTheSenderIsKilledAndNothingSentIsLos
         empty("pickup");
         empty("temp");
     }
-    std::printf("%d rounds, %d kills in the middle of a message, %d messages dropped, %d lost\n",
-                rounds, in_the_middle, int(dropped), lost);
+    std::printf(
+        "kill test, mailing: %d rounds, %d hit the middle of a message, %d dropped, %d lost\n",
+        rounds, in_the_middle, int(dropped), lost);
     EXPECT_EQ(lost, 0) << "seed " << seed;
     EXPECT_GT(in_the_middle, 0) << "no kill hit";
 }
