@@ -18,19 +18,16 @@ size_t entries(const std::string& path) {
 TEST(CleanupDirectoryTest, DeletesFilesAndCountsSubdirectories) {
     ScratchDirectory scratch;
     const std::string directory = scratch.directory("d");
-    const std::string sub = scratch.directory("d\\sub");
-    scratch.directory("d\\.sub2");
-    scratch.file("d\\sub\\inner", "");
-    scratch.file("d\\.a", "");
-    scratch.file("d\\gr\xC3\xBC\xE6\x96\x87", "x");
-    scratch.file("d\\" + std::string(200, 'l'), "x");
+    const std::string sub = scratch.directory("d\\.sub");
+    scratch.directory("d\\sub2");
+    scratch.file("d\\.sub\\inner", "");
+    scratch.file("d\\gr\xC3\xBC\xE6\x96\x87" + std::string(200, 'l'), "x");
     SetFileAttributesA(scratch.file("d\\read-only", "").c_str(), FILE_ATTRIBUTE_READONLY);
     EXPECT_EQ(UTIL_cleanupDir(directory.c_str(), 1), 2);
     EXPECT_EQ(entries(directory), 3u) << "two subdirectories and the read-only file";
     EXPECT_EQ(entries(sub), 1u) << "not entered";
     EXPECT_EQ(UTIL_cleanupDir(sub.c_str(), 0), 0);
     EXPECT_EQ(entries(sub), 0u);
-    scratch.file("d\\sub\\again", "");
     EXPECT_EQ(UTIL_cleanupDir((sub + "\\").c_str(), -1), 0);
     EXPECT_FALSE(XrDirectory::IsDirectory(sub)) << "any flag but 0 removes";
 }

@@ -2,18 +2,14 @@
 // the second.
 //
 //     files_child prepare READY GO RECORD PREFIX COUNT SUFFIX
-//         when GO: prepares PREFIX 0 SUFFIX, PREFIX 1 SUFFIX, ...; exits with the first failure
-//     files_child slow READY GO RECORD PREFIX COUNT SUFFIX
-//         the same, pausing before the runtime's every write
-//     files_child hold READY GO DIRECTORY
-//         takes the lock, then READY; when GO: ends without giving it back
-//     files_child release READY GO DIRECTORY
-//         the same, but gives it back
+//         when GO: prepares PREFIX 0 SUFFIX, PREFIX 1 SUFFIX, ..., pausing before the runtime's
+//         every write; exits with the first failure
+//     files_child lock READY GO DIRECTORY
+//         takes the lock, then READY; when GO: gives it back
 //     files_child count READY GO DIRECTORY FILE ROUNDS
 //         when GO: in each round takes the lock, adds one to the number in FILE, adds one again and
 //         gives the lock back, so that the number is odd or missing only while the lock is held
 #include <cstdlib>
-#include <optional>
 
 #include "support/import_patch.h"
 #include "support/second_process.h"
@@ -21,20 +17,21 @@
 
 namespace {
 
+BOOL WINAPI late_write(HANDLE file, const void* data, DWORD size, DWORD* written, OVERLAPPED* at) {
+    Sleep(1);
+    return WriteFile(file, data, size, written, at);
+}
+
 int prepare(const char* record, const std::string& prefix, int count, const char* suffix) {
+    const util_test::ImportPatch patch("msvcrt.dll", "WriteFile", late_write);
     for (int i = 0; i < count; ++i) {
         String message, failed;
         int kind = 0;
         const unsigned long result = UTIL_prepareAndCreateDir(prefix + std::to_string(i) + suffix,
                                                               message, record, failed, &kind);
-        if (result != 0 || kind != 0) return result != 0 ? static_cast<int>(result) : -kind;
+        if (result != 0 || kind != 0) return 1;
     }
     return 0;
-}
-
-BOOL WINAPI late_write(HANDLE file, const void* data, DWORD size, DWORD* written, OVERLAPPED* at) {
-    Sleep(1);
-    return WriteFile(file, data, size, written, at);
 }
 
 int count(const char* directory, const char* file, int rounds) {
@@ -53,21 +50,15 @@ int count(const char* directory, const char* file, int rounds) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    if (argc < 5) return 100;
+int main(int, char** argv) {
     const char verb = argv[1][0];
     util_test::Signal ready(argv[2]), go(argv[3]);
     HANDLE handle = INVALID_HANDLE_VALUE;
     OVERLAPPED record;
-    const bool holds = verb == 'h' || verb == 'r';
-    if (holds && !UTIL_LockFilePrivate(argv[4], &handle, &record)) return 101;
+    if (verb == 'l' && !UTIL_LockFilePrivate(argv[4], &handle, &record)) return 101;
     ready.set();
     if (!go.wait()) return 102;
-    std::optional<util_test::ImportPatch> patch;
-    if (verb == 's') patch.emplace("msvcrt.dll", "WriteFile", late_write);
-    if ((verb == 'p' || verb == 's') && argc == 8)
-        return prepare(argv[4], argv[5], std::atoi(argv[6]), argv[7]);
-    if (verb == 'c' && argc == 7) return count(argv[4], argv[5], std::atoi(argv[6]));
-    if (verb == 'r') return UTIL_UnLockFilePrivate(handle, &record) ? 0 : 103;
-    return holds ? 0 : 100;
+    if (verb == 'p') return prepare(argv[4], argv[5], std::atoi(argv[6]), argv[7]);
+    if (verb == 'c') return count(argv[4], argv[5], std::atoi(argv[6]));
+    return UTIL_UnLockFilePrivate(handle, &record) ? 0 : 103;
 }
