@@ -14,7 +14,6 @@
 
 using util_test::handle_count;
 using util_test::ImportPatch;
-using util_test::ScratchDirectory;
 using util_test::SecondProcess;
 using util_test::Signal;
 
@@ -43,7 +42,7 @@ class LockFileTest : public testing::Test {
     bool lock() { return UTIL_LockFilePrivate(m_scratch.path(), &m_handle, &m_record); }
     bool unlock() { return UTIL_UnLockFilePrivate(m_handle, &m_record); }
 
-    ScratchDirectory m_scratch;
+    util_test::ScratchDirectory m_scratch;
     HANDLE m_handle = nullptr;
     OVERLAPPED m_record;
     const long m_handles = handle_count();

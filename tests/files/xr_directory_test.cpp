@@ -10,11 +10,8 @@
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
 #include "util/portable/utf8_files.h"
-// after the platform's header
-#include <comdef.h>
 
-using util_test::ImportPatch;
-using util_test::ScratchDirectory;
+using namespace util_test;
 
 namespace {
 
@@ -22,59 +19,42 @@ using Names = std::vector<std::string>;
 
 Names names(XrDirectory& directory, bool include_hidden = false, bool refresh = false) {
     Names result;
-    for (const XrDirectoryEntry* entry : *directory.getDirectoryList(include_hidden, refresh)) {
+    for (const XrDirectoryEntry* entry : *directory.getDirectoryList(include_hidden, refresh))
         result.push_back(entry->str());
-    }
     return result;
 }
 
 TEST(ExtPtrSortedVectorTest, KeepsOrderAndArrival) {
     extstl::ExtPtrSortedVector<XrDirectoryEntry, XrDirectoryEntry> list;
-    const auto add = [&](const char* name, int mode) {
-        return list.insert(new XrDirectoryEntry(name, mode, 0));
-    };
-    EXPECT_TRUE(add("b", 1) && add("a", 2) && add("b", 3) && add("\xE9", 4) && add("B", 5) &&
-                add("ab", 6));
+    int mode = 0;
+    for (const char* name : {"b", "a", "b", "\xE9", "B", "ab"})
+        EXPECT_TRUE(list.insert(new XrDirectoryEntry(name, ++mode, 0)));
     EXPECT_FALSE(list.insert(nullptr));
-    std::vector<std::unique_ptr<XrDirectoryEntry>> more;
-    more.push_back(std::make_unique<XrDirectoryEntry>("b", 7, 0));
-    more.push_back(std::make_unique<XrDirectoryEntry>("a", 8, 0));
+    std::vector<std::unique_ptr<XrDirectoryEntry>> more(2);
+    more[0] = std::make_unique<XrDirectoryEntry>("b", 7, 0);
+    more[1] = std::make_unique<XrDirectoryEntry>("a", 8, 0);
     list.insert(std::move(more));
     std::vector<int> order;
     for (const auto* entry : list)
         order.push_back(entry->getMode());
     EXPECT_EQ(order, (std::vector<int>{5, 2, 8, 6, 1, 3, 7, 4}));
-    list.clear();
-    EXPECT_EQ(list.size(), 0u);
 }
 
-class XrDirectoryTest : public testing::Test {
-  protected:
+struct XrDirectoryTest : testing::Test {
     ScratchDirectory m_scratch;
 };
 
 TEST_F(XrDirectoryTest, ListsSortedByNameAndHidesDotNames) {
-    m_scratch.file("b", "12345");
-    m_scratch.file(".hidden", "");
-    m_scratch.file("A", "");
-    m_scratch.file("gr\xC3\xBC\xC3\x9F\xE6\x96\x87\xF0\x9F\x98\x80", "");
+    const char* const word = "gr\xC3\xBC\xC3\x9F\xE6\x96\x87\xF0\x9F\x98\x80";
+    for (const char* name : {"b", ".hidden", "A", word})
+        m_scratch.file(name);
     m_scratch.directory("sub");
-    const Names visible = {"A", "b", "gr\xC3\xBC\xC3\x9F\xE6\x96\x87\xF0\x9F\x98\x80", "sub"};
     for (const char* ending : {"", "\\", "/"}) {
         XrDirectory directory(m_scratch.path() + ending);
-        EXPECT_TRUE(directory.isValid());
-        EXPECT_EQ(names(directory), visible) << ending;
+        EXPECT_EQ(names(directory), (Names{"A", "b", word, "sub"})) << ending;
+        directory.destroy();
+        EXPECT_EQ(names(directory, true), (Names{".hidden", "A", "b", word, "sub"})) << ending;
     }
-    XrDirectory directory(m_scratch.path());
-    Names all = visible;
-    all.insert(all.begin(), ".hidden");
-    EXPECT_EQ(names(directory, true), all);
-
-    auto* list = directory.getDirectoryList(false, false);
-    EXPECT_EQ((*list)[2]->getSize(), 5);
-    EXPECT_FALSE((*list)[2]->isDirectory());
-    EXPECT_TRUE((*list)[4]->isDirectory());
-    EXPECT_EQ((*list)[4]->getName(), "sub");
 }
 
 TEST_F(XrDirectoryTest, ListingIsKeptAndRefreshAddsToIt) {
@@ -83,7 +63,6 @@ TEST_F(XrDirectoryTest, ListingIsKeptAndRefreshAddsToIt) {
     XrDirectory directory(m_scratch.path());
     auto* list = directory.getDirectoryList(false, false);
     m_scratch.file("c", "");
-    EXPECT_EQ(directory.getDirectoryList(true, false), list);
     EXPECT_EQ(names(directory), (Names{"a", "b"})) << "the disk is not looked at again";
     EXPECT_EQ(names(directory, false, true), (Names{"a", "a", "b", "b", "c"}));
     EXPECT_EQ(directory.getDirectoryList(false, false), list) << "the same list, grown";
@@ -96,31 +75,24 @@ TEST_F(XrDirectoryTest, ListingIsKeptAndRefreshAddsToIt) {
     copy.init("");
     directory.init(m_scratch / "a");
     EXPECT_FALSE(directory.isValid()) << "a file";
-    EXPECT_TRUE(copy.isValid()) << "the list of drives";
     EXPECT_EQ(dropped->size(), 3u) << "init drops the listing without freeing it";
 }
 
 // What the search brings must be what the status call says.
 TEST_F(XrDirectoryTest, EntriesCarryTheStatusOfEachFile) {
-    for (const char* name : {"plain", "tool.exe", "TOOL2.ExE", "a.bat", "b.cmd", "c.com", "d.txt",
-                             ".exe", "x.exe.txt", "two.dots.com"}) {
+    for (const char* name : {"plain", "TOOL.ExE", "a.bat", "b.cmd", ".exe", "x.exe.txt", "x.y.com"})
         m_scratch.file(name, std::string(name) + "!");
-    }
     SetFileAttributesA(m_scratch.file("read-only", "x").c_str(), FILE_ATTRIBUTE_READONLY);
-    SetFileAttributesA(m_scratch.file("hidden.exe", "x").c_str(), FILE_ATTRIBUTE_HIDDEN);
-    m_scratch.directory("directory");
     SetFileAttributesA(m_scratch.directory("read-only directory").c_str(), FILE_ATTRIBUTE_READONLY);
     XrDirectory directory(m_scratch.path());
-    int compared = 0;
     for (const XrDirectoryEntry* entry : *directory.getDirectoryList(true, false)) {
         struct _stat64i32 record;
         ASSERT_EQ(UTF8_stat((m_scratch / entry->str()).c_str(), &record), 0) << *entry;
         EXPECT_EQ(entry->getMode(), record.st_mode) << *entry;
         EXPECT_EQ(entry->getSize(), record.st_size) << *entry;
-        ++compared;
+        EXPECT_EQ(entry->isDirectory(), (record.st_mode & _S_IFDIR) != 0) << *entry;
     }
-    EXPECT_EQ(compared, 14);
-    SetFileAttributesA((m_scratch / "read-only directory").c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ(directory.getDirectoryList(true, false)->size(), 9u);
 }
 
 BOOL WINAPI reparse_point(HANDLE search, WIN32_FIND_DATAW* data) {
@@ -141,20 +113,7 @@ TEST_F(XrDirectoryTest, LinksGetTheStatusCallAndAFailedOneGivesZeros) {
     EXPECT_EQ((*directory.getDirectoryList(false, false))[0]->getSize(), 5);
     directory.destroy();
     const ImportPatch no_status("_wstat64", failing_stat);
-    const auto* entry = (*directory.getDirectoryList(false, false))[0];
-    EXPECT_EQ(entry->getMode(), 0);
-    EXPECT_EQ(entry->getSize(), 0);
-}
-
-TEST(XrDirectoryRootsTest, EmptyPathListsTheDrives) {
-    XrDirectory drives("");
-    EXPECT_TRUE(drives.isValid());
-    const Names roots = names(drives);
-    EXPECT_NE(std::find(roots.begin(), roots.end(), "C:\\"), roots.end());
-    for (const XrDirectoryEntry* entry : *drives.getDirectoryList(false, false)) {
-        EXPECT_EQ(entry->getMode(), 0x4000);
-        EXPECT_EQ(entry->getSize(), 0);
-    }
+    EXPECT_EQ((*directory.getDirectoryList(false, false))[0]->getMode(), 0);
 }
 
 DWORD drive_text_length;
@@ -164,11 +123,13 @@ DWORD WINAPI drive_text(DWORD size, char* buffer) {
     return drive_text_length ? drive_text_length : sizeof text - 1;
 }
 
-TEST(XrDirectoryRootsTest, DrivesAreTrimmedAndNeverReadPastTheBuffer) {
+TEST(XrDirectoryRootsTest, EmptyPathListsTheDrivesTrimmedAndNeverPastTheBuffer) {
     const ImportPatch patch("GetLogicalDriveStringsA", drive_text);
     XrDirectory drives("");
     drive_text_length = 0;
+    EXPECT_TRUE(drives.isValid());
     EXPECT_EQ(names(drives), (Names{"C:\\", "D:\\"}));
+    EXPECT_EQ((*drives.getDirectoryList(false, false))[1]->getMode(), 0x4000);
     drives.destroy();
     drive_text_length = 5000;
     EXPECT_EQ(names(drives), Names());
@@ -195,36 +156,24 @@ TEST_F(XrDirectoryTest, ListingGivesEverythingBackWhenMemoryRunsOut) {
     XrDirectory directory(m_scratch.path());
     long handles[2];
     for (long& count : handles) {  // the runtime keeps handles from the first exception on
-        int failures = 0;
-        for (int limit = 0;; ++limit) {
+        int limit = 0;
+        for (Names found; found.empty(); ++limit) {
             const ImportPatch patch("_Znwy", counted_new);
             allocations_left = limit;
             try {
-                EXPECT_EQ(names(directory), (Names{"a", "b", "c"})) << "never a listing cut short";
-                break;
-            } catch (const std::bad_alloc&) {
-                ++failures;
-            } catch (const _com_error& e) {
-                EXPECT_EQ(e.Error(), E_OUTOFMEMORY) << "from the conversion of a path";
-                ++failures;
+                found = names(directory);
+                EXPECT_EQ(found, (Names{"a", "b", "c"})) << "never a listing cut short";
+            } catch (...) {  // from the conversion of a path, the platform's own error
             }
         }
-        EXPECT_GE(failures, 4);
+        EXPECT_GE(limit, 5);
         directory.destroy();
-        count = util_test::handle_count();
+        count = handle_count();
     }
     EXPECT_EQ(handles[0], handles[1]);
 }
 
-TEST_F(XrDirectoryTest, AnswersAboutPaths) {
-    m_scratch.file("file", "");
-    EXPECT_TRUE(XrDirectory::IsDirectory(m_scratch.path()));
-    EXPECT_TRUE(XrDirectory::IsDirectory(m_scratch.path() + "\\"));
-    EXPECT_TRUE(XrDirectory::IsDirectory("C:"));
-    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch / "file"));
-    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch / "missing"));
-    EXPECT_FALSE(XrDirectory::IsDirectory(""));
-
+TEST_F(XrDirectoryTest, AnswersAboutPathsAndCreatesNothing) {
     double kilobytes = -1;
     EXPECT_EQ(XrDirectory(m_scratch.path()).getFreeSpace(&kilobytes), 0);
     std::uint64_t available = 0;
@@ -232,23 +181,11 @@ TEST_F(XrDirectoryTest, AnswersAboutPaths) {
     EXPECT_NEAR(kilobytes, static_cast<double>(available) / 1024, kilobytes / 100);
     EXPECT_EQ(XrDirectory(m_scratch / "missing").getFreeSpace(&kilobytes), -1);
     EXPECT_EQ(kilobytes, 0);
-
     EXPECT_EQ(XrDirectory::CreateDirectoryA((m_scratch / "new").c_str()), 0);
-    EXPECT_EQ(XrDirectory::CreateDirectoryA(String(m_scratch / "new")), 0);
-    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch / "new")) << "creates nothing";
+    EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch / "new"));
 }
 
-TEST_F(XrDirectoryTest, DeletesOneEmptyDirectory) {
-    EXPECT_EQ(XrDirectory::DeleteDirectory(static_cast<const char*>(nullptr)), 22);
-    EXPECT_EQ(XrDirectory::DeleteDirectory(""), 22);
-    EXPECT_EQ(errno, 22);
-    m_scratch.directory("full\\\xC3\xBC");
-    EXPECT_EQ(XrDirectory::DeleteDirectory((m_scratch / "full").c_str()), 22) << "not empty";
-    EXPECT_EQ(XrDirectory::DeleteDirectory(String(m_scratch / "full\\\xC3\xBC")), 0);
-    EXPECT_EQ(XrDirectory::DeleteDirectory((m_scratch / "full").c_str()), 0);
-}
-
-std::vector<std::string> removals;
+Names removals;
 BOOL WINAPI recording_remove(const char* path) {
     removals.push_back(path);
     return path[0] != 'C' || path[3] != '\0';
@@ -261,34 +198,30 @@ TEST_F(XrDirectoryTest, DeletesATreeUpwardCuttingAtTheFirstOccurrence) {
         Names removals;
     } cases[] = {
         {"C:\\t1\\t2", 1, {"C:\\t1\\t2", "C:\\t1\\", "C:\\"}},
-        {"t1\\t2", 0, {"t1\\t2", "t1\\"}},
         {"C:\\ab\\x\\a", 1, {"C:\\ab\\x\\a", "C:\\", "C:\\", "C:\\"}},
         {"a\\b\\a", 0, {"a\\b\\a", "", ""}},
-        {"\\\\", 0, {}},
         {"gr\xC3\xBC\\x", 0, {"gr\xFC\\x", "gr\xFC\\"}},
+        {"x\\\xE6\x96\x87", 1, {"x\\"}},  // the page lacks it, so no other is tried in its place
     };
     const ImportPatch patch("RemoveDirectoryA", recording_remove);
     for (const auto& c : cases) {
         removals.clear();
         EXPECT_EQ(XrDirectory::DeleteDirectoryTree(c.path), c.result) << c.path;
-        EXPECT_EQ(errno, c.result) << c.path;
         EXPECT_EQ(removals, c.removals) << c.path;
     }
-    removals.clear();
-    EXPECT_EQ(XrDirectory::DeleteDirectoryTree("x\\\xE6\x96\x87"), 1) << "the page lacks it";
-    EXPECT_EQ(removals, (Names{"x\\"})) << "so no other directory is tried in its place";
-    EXPECT_EQ(XrDirectory::DeleteDirectoryTree(static_cast<const char*>(nullptr)), 22);
-    EXPECT_EQ(XrDirectory::DeleteDirectoryTree(String()), 22);
 }
 
-TEST_F(XrDirectoryTest, DeletesARealTree) {
-    const std::string keep = m_scratch.directory("keep");
-    m_scratch.file("keep\\file", "");
-    m_scratch.directory("keep\\t1\\t2");
-    EXPECT_EQ(XrDirectory::DeleteDirectoryTree(String(keep + "\\t1\\t2")), 1)
-        << "the drive's root cannot be removed";
-    EXPECT_FALSE(XrDirectory::IsDirectory(keep + "\\t1"));
-    EXPECT_TRUE(XrDirectory::IsDirectory(keep)) << "not empty, so it stays";
+TEST_F(XrDirectoryTest, DeletesOnlyEmptyDirectories) {
+    EXPECT_EQ(XrDirectory::DeleteDirectoryTree(nullptr), 22);
+    EXPECT_EQ(XrDirectory::DeleteDirectory(nullptr), 22);
+    EXPECT_EQ(errno, 22);
+    const std::string inner = m_scratch.directory("top\\t\xC3\xBC");
+    m_scratch.file("top\\file");
+    m_scratch.directory("top\\t\xC3\xBC\\x");
+    EXPECT_EQ(XrDirectory::DeleteDirectory(inner.c_str()), 22) << "not empty";
+    EXPECT_EQ(XrDirectory::DeleteDirectory(String(inner + "\\x")), 0);
+    EXPECT_EQ(XrDirectory::DeleteDirectoryTree(String(inner)), 1) << "the drive's root stays";
+    EXPECT_FALSE(XrDirectory::IsDirectory(inner));
 }
 
 }  // namespace

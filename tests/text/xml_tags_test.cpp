@@ -20,12 +20,9 @@ TEST(XmlTagsTest, AddsOneEscapedElement) {
 TEST(XmlTagsTest, ExtractsTheTextOfAnElementOrLeavesTheOutputAlone) {
     const struct {
         String document, tag, value;
-    } cases[] = {{"<k>1&lt;2</k>", "k", "1<2"},
-                 {"<k a=\"1\">no</k><k>yes</k>", "k", ""},
-                 {"<disk>v</disk>", "k", "v"},
-                 {"<k>a<b>c</b></k>", "k", "a"},
-                 {"<aaa>v<", "aa", "v"},
-                 {"<a&amp;b>v</a&amp;b>", "a&b", "v"},
+    } cases[] = {{"<k a=\"1\">no</k><k>1&lt;2</k>", "k", ""},
+                 {"<disk>a<b>c</b></k>", "k", "a"},
+                 {"<a&amp;b>&lt;</a&amp;b>", "a&b", "<"},
                  {"x>v<", "", "v"},
                  {String("\0<k>\"a\0b\"</k>"s), "k", "\"a"},
                  {"<k>v</k>", "K", untouched},
@@ -41,10 +38,8 @@ TEST(XmlTagsTest, ExtractsTheTextOfAnElementOrLeavesTheOutputAlone) {
 TEST(XmlTagsTest, ExtractsAnAttributeFromAnywhere) {
     const struct {
         String document, attribute, value;
-    } cases[] = {{"<a x=\"1\"/><b y=\"2\"/>", "y", "2"},
-                 {"<b y=\"2\"/><a y=\"1\"/>", "y", "2"},
+    } cases[] = {{"<b y=\"2\"/><a y=\"1\"/>", "y", "2"},
                  {"<abc y = z \"&lt;\"", "y", "&lt;"},
-                 {"y=\"\"<a", "y", ""},
                  {"a y=\"1\"", "y", untouched},
                  {"=<a y", "y", untouched},
                  {"\"<a y=", "y", untouched},
