@@ -98,6 +98,7 @@ TEST_F(PrepareDirectoryTest, SaysWhatWhereAndWhy) {
     } cases[] = {
         {"file\\below", "", 183, 2, "file\\", start + "file\\" + in_the_way + text_of(183)},
         {"a\\b<\\c", m_tracking, 123, 3, "a\\b<\\", start + "a\\b<\\" + not_made + text_of(123)},
+        {"a\\b/c", "", 3, 3, "a\\b/c\\", start + "a\\b/c\\" + not_made + text_of(3)},
         {"Q:\\a", "", 3, 77, "before", "before" + text_of(3)},
         {"\\\\\\", "", 3, 77, "before", "before" + text_of(3)},
         {"new", ".", 0, 1, ".", warning},
