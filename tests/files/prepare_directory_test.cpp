@@ -73,6 +73,11 @@ TEST_F(PrepareDirectoryTest, CreatesAndRecordsWhatIsMissing) {
     }
     CloseHandle(in_use);
     EXPECT_EQ(prepare("a\\\\y", ""), 0u) << "without a record";
+    std::string deep = absolute + "deep";
+    while (deep.size() < 300)
+        deep += "\\directory";
+    EXPECT_EQ(prepare(deep, ""), 0u) << "as long as the platform lets it";
+    EXPECT_TRUE(XrDirectory::IsDirectory(deep));
     EXPECT_TRUE(XrDirectory::IsDirectory("a\\y"));
     const Names made = records(m_tracking.str());
     EXPECT_EQ(made, (Names{absolute, absolute + "gr\xC3\xBC\xE6\x96\x87\\", "held\\b\\", "a\\x\\",

@@ -175,6 +175,8 @@ TEST_F(HostDiscoveryTest, WithoutAnAnswerThereAreNoHosts) {
     _putenv("ComSpec=C:\\missing.exe");
     expect_none(scratch.path());
     _putenv(("ComSpec=" + processor).c_str());
+    _putenv(("PATH=" + path).c_str());  // without the tool
+    expect_none(scratch.path());
 }
 
 std::size_t refused_size;
