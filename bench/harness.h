@@ -1,0 +1,145 @@
+// A small benchmark harness that compares, in one process, the library with a limit and with peers.
+//
+// The method. An operation has several variants: the limit (the least that any implementation
+// must do), the library, its peers, and the plain algorithm. A round runs every variant once, for
+// some milliseconds each, and starts with another variant than the round before. What the machine
+// does meanwhile (a clock that changes, a neighbour's work) then meets all variants of a round
+// alike, so the quotient of two variants is taken within a round; the ratio that is reported is the
+// median of these quotients over all rounds. Figures in nanoseconds move with the machine; the
+// ratios are what counts.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace bench {
+
+// Makes the compiler believe that the value is looked at, and that any memory may have changed.
+template <class T>
+inline void keep(const T& value) {
+    asm volatile("" : : "m"(value) : "memory");
+}
+
+enum class Role { limit, library, peer, described };
+
+// What one variant does; called with the number of times to do it.
+using Loop = std::function<void(std::size_t times)>;
+
+struct Variant {
+    Role role;
+    std::string name;
+    Loop loop;
+};
+
+// The demand that `subject` takes at most `at_most` times as long as `against` (names of variants).
+struct Bar {
+    std::string subject;
+    std::string against;
+    double at_most;
+};
+
+// One row of the report, described by chained calls:
+//
+//     run(Operation("format \"%s-%d\", 20 bytes")
+//             .limit("copy", [&] { keep(std::string(text)); })
+//             .library([&] { keep(String::format("%s-%d", name, 7)); })
+//             .peer("fmt::sprintf", [&] { keep(fmt::sprintf("%s-%d", name, 7)); })
+//             .bar("fmt::sprintf", 0.60));
+//
+// A body does the operation once, or `per(n)` times: figures are per single one.
+class Operation {
+  public:
+    explicit Operation(std::string name) : m_name(std::move(name)) {}
+
+    template <class Body>
+    Operation& limit(std::string name, Body body) {
+        return add(Role::limit, std::move(name), std::move(body));
+    }
+    template <class Body>
+    Operation& library(Body body) {
+        return add(Role::library, "util", std::move(body));
+    }
+    template <class Body>
+    Operation& peer(std::string name, Body body) {
+        return add(Role::peer, std::move(name), std::move(body));
+    }
+    template <class Body>
+    Operation& described(std::string name, Body body) {
+        return add(Role::described, std::move(name), std::move(body));
+    }
+    // The library on twice the input: it may take 2.2 times as long, so nothing is quadratic.
+    template <class Body>
+    Operation& doubled(Body body) {
+        add(Role::library, "util, twice the size", std::move(body));
+        m_bars.push_back({"util, twice the size", "util", 2.2});
+        return *this;
+    }
+
+    // The library takes at most `at_most` times as long as the variant of this name.
+    Operation& bar(std::string against, double at_most) {
+        m_bars.push_back({"util", std::move(against), at_most});
+        return *this;
+    }
+    Operation& per(double operations) {
+        m_per = operations;
+        return *this;
+    }
+    // Done, outside the measured time, before each variant of each round.
+    Operation& before(std::function<void()> prepare) {
+        m_prepare = std::move(prepare);
+        return *this;
+    }
+    // Compares the fastest rounds instead: for long operations whose disturbances only add.
+    Operation& by_minimum() {
+        m_by_minimum = true;
+        return *this;
+    }
+
+    const std::string& name() const { return m_name; }
+    const std::vector<Variant>& variants() const { return m_variants; }
+    const std::vector<Bar>& bars() const { return m_bars; }
+    double operations_per_body() const { return m_per; }
+    bool compares_minimum() const { return m_by_minimum; }
+    void prepare() const {
+        if (m_prepare) m_prepare();
+    }
+
+  private:
+    template <class Body>
+    Operation& add(Role role, std::string name, Body body) {
+        // The loop stands inside, so that the call through std::function is not measured.
+        m_variants.push_back({role, std::move(name), [body](std::size_t times) mutable {
+                                  for (std::size_t i = 0; i < times; ++i)
+                                      body();
+                              }});
+        return *this;
+    }
+
+    std::string m_name;
+    std::vector<Variant> m_variants;
+    std::vector<Bar> m_bars;
+    std::function<void()> m_prepare;
+    double m_per = 1;
+    bool m_by_minimum = false;
+};
+
+// Measures the operation and writes its figures and ratios to the report's data.
+void run(const Operation& operation);
+
+// A group of operations. Each benchmark file has one, at namespace scope:
+//
+//     const bench::Section section("Formatting", [] { run(...); run(...); });
+class Section {
+  public:
+    // Sections for one core are left out but for --cores one: the caller then pins the process and
+    // the Wine server to one core, since a dialogue between two cores costs whatever waking one
+    // does.
+    enum class Cores { any, one };
+
+    Section(std::string name, std::function<void()> body, Cores cores = Cores::any);
+};
+
+}  // namespace bench
