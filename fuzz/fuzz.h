@@ -17,6 +17,8 @@ using Target = void(std::string_view input);
 
 Target coded_characters;
 Target dates_and_versions;
+Target format;
+Target kernels;
 Target text;
 Target token_lists;
 Target uint64_parsing;

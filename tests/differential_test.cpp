@@ -27,6 +27,8 @@ using namespace std::string_view_literals;
 const Family families[] = {
     {"coded_characters", util_fuzz::coded_characters, "\0\1\2a"sv},
     {"dates_and_versions", util_fuzz::dates_and_versions, "0123456789./: VZ"sv},
+    {"format", util_fuzz::format, "\1\2\3a%\0\xFF"sv},
+    {"kernels", util_fuzz::kernels, "aAzZ@[`{\0\x80\xFF"sv},
     {"text", util_fuzz::text, "ab,; \t\n\x01\x7F$\0\xE9"sv},
     {"token_lists", util_fuzz::token_lists, "aAbB, [\xC3\xE9"sv},
     {"uint64_parsing", util_fuzz::uint64_parsing, "0123456789abcdefABCDEFxXg\0\xFF\x80"sv},
@@ -53,7 +55,7 @@ TEST_P(DifferentialTest, RandomInputs) {
     const std::string_view alphabet = GetParam().alphabet;
     std::mt19937 random(seed);
     for (int round = 0; round < 20000; ++round) {
-        std::string bytes(random() % (round % 10 == 0 ? 200 : 40), '\0');
+        std::string bytes(random() % (round % 10 == 0 ? 600 : 40), '\0');
         for (char& c : bytes) {
             c = random() % 8 == 0 ? static_cast<char>(random())
                                   : alphabet[random() % alphabet.size()];

@@ -11,8 +11,9 @@ class ByteSet {
   public:
     explicit ByteSet(std::string_view members) {
         for (const char c : members)
-            m_members.set(static_cast<unsigned char>(c));
+            add(c);
     }
+    void add(char c) { m_members.set(static_cast<unsigned char>(c)); }
     bool has(char c) const { return m_members[static_cast<unsigned char>(c)]; }
 
   private:

@@ -9,6 +9,15 @@
 #include "util/internal/find_text.h"
 #include "util/text/position_error.h"
 
+namespace {
+
+String visible_copy(const String& s) {
+    const std::string_view visible = util::up_to_nul(s.view());
+    return String(visible.data(), visible.size());
+}
+
+}  // namespace
+
 const String String::eol("\n");
 
 String::String() = default;
@@ -18,16 +27,8 @@ String::String(String&& other) noexcept = default;
 String::String(char c) {
     m_text.assign(1, c);
 }
-String::String(int v) : String(format("%d", v)) {}
-String::String(unsigned int v) : String(format("%u", v)) {}
-#ifdef _WIN32
-String::String(unsigned long v) : String(static_cast<unsigned int>(v)) {}
-#endif
-String::String(double v) : String(format("%f", v)) {}
 String::String(const char* s) : ExtString(s) {}
-String::String(const char* s, std::uint64_t n) {
-    if (s) m_text.assign(s, n);
-}
+String::String(const char* s, std::uint64_t n) : ExtString(s ? s : "", s ? n : 0) {}
 String::String(std::uint64_t n, char c) {
     m_text.assign(n, c);
 }
@@ -45,7 +46,7 @@ String& String::operator+=(const String& other) {
 }
 
 String& String::operator+=(const char* s) {
-    if (s) m_text += s;
+    m_text += util::c_text(s);
     return *this;
 }
 
@@ -66,11 +67,11 @@ int String::operator!=(char c) const {
 }
 
 std::uint64_t String::first(const char* s, std::uint64_t pos) const {
-    return util::find_text(view(), util::view_of(s), pos);
+    return util::find_text(view(), util::c_text(s), pos);
 }
 
 std::uint64_t String::first(char c, std::uint64_t pos) const {
-    return m_text.find(c, pos);
+    return util::find_byte(view(), c, pos);
 }
 
 std::uint64_t String::last(char c) const {
@@ -103,25 +104,24 @@ String& String::replace(std::uint64_t pos, std::uint64_t n, const char* s, std::
 }
 
 String& String::replace(std::uint64_t pos, std::uint64_t n, const char* s) {
-    return replace(pos, n, s, util::view_of(s).size());
+    return replace(pos, n, s, util::c_text(s).size());
 }
 
 String String::to_lower() const {
-    String result(c_str());
+    String result = visible_copy(*this);
     result.lower();
     return result;
 }
 
 String String::to_upper() const {
-    String result(c_str());
+    String result = visible_copy(*this);
     result.upper();
     return result;
 }
 
 String String::trim(const char* set) const {
-    const std::string_view named = util::view_of(set);
-    // With its closing NUL: a NUL byte belongs to every set.
-    const util::ByteSet members({named.data(), named.size() + 1});
+    util::ByteSet members(util::c_text(set));
+    members.add('\0');  // as if the search saw the set's closing NUL
     std::string_view kept = view();
     while (!kept.empty() && members.has(kept.front()))
         kept.remove_prefix(1);
@@ -131,7 +131,7 @@ String String::trim(const char* set) const {
 }
 
 bool String::isAscii() const {
-    const std::string_view visible = c_str();
+    const std::string_view visible = util::up_to_nul(view());
     return std::all_of(visible.begin(), visible.end(), [](char c) { return c >= 0; });
 }
 

@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "util/internal/ascii.h"
+#include "util/internal/find_text.h"
+#include "util/internal/kernels/change_case.h"
 #include "util/text/position_error.h"
 
 namespace extstl {
@@ -11,29 +13,30 @@ namespace extstl {
 const std::uint64_t ExtString::npos;
 
 ExtString::ExtString() = default;
-ExtString::ExtString(const char* text) : m_text(text ? text : "") {}
+ExtString::ExtString(const char* text) : m_text(util::c_text(text)) {}
 ExtString::ExtString(const std::string& text) : m_text(text) {}
 ExtString::ExtString(const ExtString& other) = default;
 ExtString::ExtString(ExtString&& other) noexcept : m_text(std::move(other.m_text)) {
     other.m_text.clear();
 }
+ExtString::ExtString(const char* bytes, std::uint64_t size) : m_text(bytes, size) {}
 ExtString::~ExtString() = default;
 
 ExtString& ExtString::operator=(const ExtString& other) {
-    if (this != &other) m_text = other.c_str();
+    if (this != &other) m_text = util::up_to_nul(other.m_text);
     return *this;
 }
 
 ExtString& ExtString::operator=(ExtString&& other) noexcept {
     if (this != &other) {
         m_text = std::move(other.m_text);
-        m_text.resize(std::min(m_text.find('\0'), m_text.size()));
+        m_text.resize(util::up_to_nul(m_text).size());
     }
     return *this;
 }
 
 ExtString& ExtString::operator+=(const ExtString& other) {
-    m_text += other.c_str();
+    m_text += util::up_to_nul(other.m_text);
     return *this;
 }
 
@@ -43,14 +46,14 @@ ExtString ExtString::substr(std::uint64_t pos, std::uint64_t n) const {
 }
 
 void ExtString::upper() {
-    std::transform(m_text.begin(), m_text.end(), m_text.begin(), util::to_upper);
+    util::kernels::change_case(m_text.data(), m_text.size(), 'a');
 }
 void ExtString::lower() {
-    std::transform(m_text.begin(), m_text.end(), m_text.begin(), util::to_lower);
+    util::kernels::change_case(m_text.data(), m_text.size(), 'A');
 }
 
 std::uint64_t ExtString::find(const std::string& what, std::uint64_t pos, int ignore_case) const {
-    if (!ignore_case) return m_text.find(what, pos);
+    if (!ignore_case) return util::find_text(m_text, what, pos);
     if (pos > size()) return npos;
     const auto begin = m_text.begin() + static_cast<std::ptrdiff_t>(pos);
     const auto found =

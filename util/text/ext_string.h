@@ -58,6 +58,8 @@ class UTIL_API ExtString {
     const std::string& str() const noexcept { return m_text; }
 
   protected:
+    ExtString(const char* bytes, std::uint64_t size);  // NULs included
+
     std::string m_text;
 };
 

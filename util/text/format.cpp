@@ -1,5 +1,7 @@
 // All printf-style formatting of the library: one growing buffer behind one lock.
 #include <cerrno>
+#include <charconv>
+#include <climits>
 #include <clocale>
 #include <cstdarg>
 #include <cstdio>
@@ -9,6 +11,7 @@
 
 #include "util/internal/kept_errors.h"
 #include "util/text/byte_string.h"
+#include "util/text/plain_format.h"
 
 namespace {
 
@@ -36,42 +39,27 @@ int needed_length(const char* fmt, va_list args) {
 #endif
 }
 
-// A copy of an argument list, ended on every path.
-class Arguments {
-  public:
-    explicit Arguments(va_list source) { va_copy(m_list, source); }
-    ~Arguments() { va_end(m_list); }
-    Arguments(const Arguments&) = delete;
-    Arguments& operator=(const Arguments&) = delete;
-
-    va_list& list() { return m_list; }
-
-  private:
-    va_list m_list;
-};
-
 class FormatBuffer {
   public:
-    // The buffer's text up to its NUL; "" when the runtime rejects the format. A failed allocation
+    // The decimal text of a number, for which the buffer always has room.
+    template <typename Number>
+    std::string_view decimal(Number value) {
+        if (!m_buffer) resize(m_size);
+        char* const end = std::to_chars(m_buffer.get(), m_buffer.get() + m_size, value).ptr;
+        return {m_buffer.get(), static_cast<std::size_t>(end - m_buffer.get())};
+    }
+
+    // The text up to its first NUL; "" when the runtime rejects the format. A failed allocation
     // leaves the buffer as it was, so the next call works.
     String format(const char* fmt, va_list args) {
         if (!m_buffer) resize(m_size);
-        const util::KeptErrors kept;
-        errno = 0;
-        int length = format_once(fmt, args);
-        if (length != truncated && static_cast<std::size_t>(length) > m_size) {
-            resize((static_cast<std::size_t>(length) / m_step + 1) * m_step);
-            length = format_once(fmt, args);
-        } else if (length == truncated && errno == 0) {
-            Arguments copy(args);
-            const int needed = needed_length(fmt, copy.list());
-            if (needed < 0) throw std::bad_alloc();  // more than an int can count
-            while (length == truncated && errno == 0) {
-                grow_beyond(needed);
-                length = format_once(fmt, args);
-            }
+        for (;;) {
+            util::FormatArguments copy(args);
+            const auto text = util::format_plainly(m_buffer.get(), m_size, fmt, copy);
+            if (!text) return format_by_runtime(fmt, args);
+            if (text->length < m_size) return String(m_buffer.get(), text->visible);
+            grow_beyond(text->length);
         }
-        return length == truncated && errno != 0 ? String() : String(m_buffer.get());
     }
 
   private:
@@ -80,15 +68,35 @@ class FormatBuffer {
     static constexpr std::size_t middle_limit = 20 * first_step;
     static constexpr std::size_t large_increment = 100 * first_step;
 
+    String format_by_runtime(const char* fmt, va_list args) {
+        const util::KeptErrors kept;
+        errno = 0;
+        int length = format_once(fmt, args);
+        if (length != truncated && static_cast<std::size_t>(length) > m_size) {
+            resize((static_cast<std::size_t>(length) / m_step + 1) * m_step);
+            length = format_once(fmt, args);
+        } else if (length == truncated && errno == 0) {
+            util::FormatArguments copy(args);
+            const int needed = needed_length(fmt, copy.list());
+            if (needed < 0) throw std::bad_alloc();  // more than an int can count
+            while (length == truncated && errno == 0) {
+                grow_beyond(static_cast<std::size_t>(needed));
+                length = format_once(fmt, args);
+            }
+        }
+        return length == truncated && errno != 0 ? String() : String(m_buffer.get());
+    }
+
     int format_once(const char* fmt, va_list args) {
-        Arguments copy(args);
+        util::FormatArguments copy(args);
         return format_bounded(m_buffer.get(), m_size, fmt, copy.list());
     }
 
     // One step of growth at least, and as many as a text of the given length needs: 1024, 4096,
     // 8192, ... 20480, 24576, 126976, ... The sizes between are passed over without a format each,
     // which would make long texts quadratic.
-    void grow_beyond(int needed) {
+    void grow_beyond(std::size_t needed) {
+        if (needed > INT_MAX) throw std::bad_alloc();  // more than the runtime can count
         std::size_t step = m_step;
         std::size_t size = m_size;
         do {
@@ -100,7 +108,7 @@ class FormatBuffer {
                 step = large_increment;
             }
             size += step;
-        } while (size <= static_cast<std::size_t>(needed));
+        } while (size <= needed);
         resize(size);
         m_step = step;
     }
@@ -116,10 +124,33 @@ class FormatBuffer {
 };
 
 std::mutex format_lock;
-// Never destroyed: other objects of static storage may format while the library unloads.
-FormatBuffer* format_buffer;
+
+// To be called under the lock. Never destroyed: other objects of static storage may format while
+// the library unloads.
+FormatBuffer& format_buffer() {
+    static FormatBuffer* buffer;
+    if (!buffer) buffer = new FormatBuffer;
+    return *buffer;
+}
+
+template <typename Number>
+void assign_decimal(std::string& text, Number value) {
+    const std::lock_guard<std::mutex> lock(format_lock);
+    text = format_buffer().decimal(value);
+}
 
 }  // namespace
+
+String::String(int v) {
+    assign_decimal(m_text, v);
+}
+String::String(unsigned int v) {
+    assign_decimal(m_text, v);
+}
+#ifdef _WIN32
+String::String(unsigned long v) : String(static_cast<unsigned int>(v)) {}
+#endif
+String::String(double v) : String(format("%f", v)) {}
 
 String String::format(const char* fmt, ...) {
     va_list args;
@@ -134,6 +165,5 @@ String String::format(const char* fmt, ...) {
 String String::va_format(const char* fmt, va_list args) {
     if (!fmt) return String();
     const std::lock_guard<std::mutex> lock(format_lock);
-    if (!format_buffer) format_buffer = new FormatBuffer;
-    return format_buffer->format(fmt, args);
+    return format_buffer().format(fmt, args);
 }

@@ -1,0 +1,68 @@
+// Not installed. The hash of String over whole groups of four bytes.
+#ifndef UTIL_INTERNAL_KERNELS_HASH_WORDS_H
+#define UTIL_INTERNAL_KERNELS_HASH_WORDS_H
+
+#include "util/internal/kernels/kernels.h"
+
+namespace util {
+
+constexpr std::uint32_t rotate_left_5(std::uint32_t h) {
+    return (h << 5) | (h >> 27);
+}
+
+namespace plain {
+
+// h after "rotate left by 5, then xor" with each of the little-endian words in turn.
+inline std::uint32_t hash_words(std::uint32_t h, const char* bytes, std::size_t words) {
+    const auto* p = reinterpret_cast<const unsigned char*>(bytes);
+    for (; words > 0; --words, p += 4) {
+        h = rotate_left_5(h) ^ (std::uint32_t{p[0]} | std::uint32_t{p[1]} << 8 |
+                                std::uint32_t{p[2]} << 16 | std::uint32_t{p[3]} << 24);
+    }
+    return h;
+}
+
+}  // namespace plain
+
+#ifdef UTIL_SSE2_KERNELS
+namespace sse2 {
+
+inline Block rotate_left_20(Block words) {
+    return _mm_or_si128(_mm_slli_epi32(words, 20), _mm_srli_epi32(words, 12));
+}
+
+// Rotation distributes over xor, so each word enters the hash rotated by 5 for every word behind
+// it. After 32 words that is 160, which is no rotation at all: words at the same place of different
+// runs of 32 are simply xored with each other, and h with the result. Within a run four words
+// at a time are rotated by 20 and xored with the next four; the last four take the plain way.
+inline std::uint32_t hash_words(std::uint32_t h, const char* bytes, std::size_t words) {
+    constexpr std::size_t run = 32;
+    if (words < run) return plain::hash_words(h, bytes, words);
+    Block w0 = load(bytes), w1 = load(bytes + 16), w2 = load(bytes + 32), w3 = load(bytes + 48);
+    Block w4 = load(bytes + 64), w5 = load(bytes + 80), w6 = load(bytes + 96);
+    Block w7 = load(bytes + 112);
+    for (bytes += 4 * run, words -= run; words >= run; bytes += 4 * run, words -= run) {
+        w0 = _mm_xor_si128(w0, load(bytes));
+        w1 = _mm_xor_si128(w1, load(bytes + 16));
+        w2 = _mm_xor_si128(w2, load(bytes + 32));
+        w3 = _mm_xor_si128(w3, load(bytes + 48));
+        w4 = _mm_xor_si128(w4, load(bytes + 64));
+        w5 = _mm_xor_si128(w5, load(bytes + 80));
+        w6 = _mm_xor_si128(w6, load(bytes + 96));
+        w7 = _mm_xor_si128(w7, load(bytes + 112));
+    }
+    Block four = w0;
+    const auto append = [&](Block next) { four = _mm_xor_si128(rotate_left_20(four), next); };
+    append(w1), append(w2), append(w3), append(w4), append(w5), append(w6), append(w7);
+    char last[block_size];
+    store(last, four);
+    h ^= plain::hash_words(0, last, 4);
+    return plain::hash_words(h, bytes, words);
+}
+
+}  // namespace sse2
+#endif
+
+}  // namespace util
+
+#endif

@@ -1,0 +1,57 @@
+// Not installed. The few loops over bytes that are worth writing for the processor: which form of
+// them the library is built with. Each header of this folder holds one kind of loop twice, in
+// plain C++ (namespace plain) and with SSE2 (namespace sse2), which every x86-64 processor has. The
+// two give the same results for all arguments; callers name neither and write kernels::find_byte.
+#ifndef UTIL_INTERNAL_KERNELS_KERNELS_H
+#define UTIL_INTERNAL_KERNELS_KERNELS_H
+
+#include <cstddef>
+#include <cstdint>
+
+// UTIL_PORTABLE_KERNELS is the one switch: with it the library is plain C++ throughout.
+#if !defined(UTIL_PORTABLE_KERNELS) && (defined(__SSE2__) || defined(_M_X64))
+#define UTIL_SSE2_KERNELS
+#include <emmintrin.h>
+#endif
+
+namespace util {
+
+namespace plain {}
+#ifdef UTIL_SSE2_KERNELS
+namespace sse2 {}
+namespace kernels = sse2;
+#else
+namespace kernels = plain;
+#endif
+
+#ifdef UTIL_SSE2_KERNELS
+namespace sse2 {
+
+using Block = __m128i;  // 16 bytes
+constexpr std::size_t block_size = sizeof(Block);
+
+inline Block load(const void* from) {
+    return _mm_loadu_si128(static_cast<const Block*>(from));
+}
+inline void store(void* to, Block block) {
+    _mm_storeu_si128(static_cast<Block*>(to), block);
+}
+inline Block all(char c) {
+    return _mm_set1_epi8(c);
+}
+// Bit i is set when the bytes at i are equal.
+inline unsigned equal_bits(Block a, Block b) {
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(a, b)));
+}
+
+}  // namespace sse2
+#endif
+
+// The place of the lowest bit of a number that is not 0.
+inline unsigned lowest_bit(std::uint64_t bits) {
+    return static_cast<unsigned>(__builtin_ctzll(bits));
+}
+
+}  // namespace util
+
+#endif

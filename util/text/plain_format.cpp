@@ -1,0 +1,106 @@
+#include "util/text/plain_format.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+
+#include "util/internal/find_text.h"
+
+namespace util {
+
+namespace {
+
+// Text put one piece after another into a space that may be too small for it.
+class Output {
+  public:
+    Output(char* space, std::size_t size) : m_space(space), m_size(size) {}
+
+    void put(std::string_view piece) {
+        if (fits(piece.size())) std::memcpy(m_space + m_length, piece.data(), piece.size());
+        m_length += piece.size();
+    }
+    void put(char c) {
+        if (c == '\0' && m_first_nul == npos) m_first_nul = m_length;
+        if (fits(1)) m_space[m_length] = c;
+        ++m_length;
+    }
+    template <typename Number>
+    void put_number(Number value, int base = 10) {
+        constexpr std::size_t most = 20;  // digits, or a sign and 19 of them, for 64 bits
+        char digits[most];
+        char* const begin = fits(most) ? m_space + m_length : digits;
+        char* const end = std::to_chars(begin, begin + most, value, base).ptr;
+        const auto length = static_cast<std::size_t>(end - begin);
+        if (begin != digits) {
+            m_length += length;
+        } else {
+            put(std::string_view(digits, length));
+        }
+    }
+
+    FormattedLength result() const { return {m_length, std::min(m_length, m_first_nul)}; }
+
+  private:
+    static constexpr std::size_t npos = std::string_view::npos;
+
+    bool fits(std::size_t length) const { return m_length + length <= m_size; }
+
+    char* const m_space;
+    const std::size_t m_size;
+    std::size_t m_length = 0;
+    std::size_t m_first_nul = npos;
+};
+
+}  // namespace
+
+std::optional<FormattedLength> format_plainly(char* space, std::size_t size, const char* fmt,
+                                              FormatArguments& args) {
+    Output output(space, size);
+    for (;; ++fmt) {
+        if (*fmt != '%') {
+            const std::size_t literal = kernels::find_byte_or_nul(fmt, '%');
+            output.put({fmt, literal});
+            fmt += literal;
+        }
+        if (*fmt == '\0') return output.result();
+        switch (*++fmt) {
+            case 's': {
+                const char* const text = va_arg(args.list(), const char*);
+                output.put(text ? c_text(text) : "(null)");
+                break;
+            }
+            case 'd':
+            case 'i':
+                output.put_number(va_arg(args.list(), int));
+                break;
+            case 'u':
+                output.put_number(va_arg(args.list(), unsigned));
+                break;
+            case 'x':
+                output.put_number(va_arg(args.list(), unsigned), 16);
+                break;
+            case 'c':
+                output.put(static_cast<char>(va_arg(args.list(), int)));
+                break;
+            case '%':
+                output.put('%');
+                break;
+            case 'l':
+                switch (*++fmt) {
+                    case 'd':
+                        output.put_number(va_arg(args.list(), long));
+                        break;
+                    case 'u':
+                        output.put_number(va_arg(args.list(), unsigned long));
+                        break;
+                    default:
+                        return {};
+                }
+                break;
+            default:  // another directive, or the end of the text
+                return {};
+        }
+    }
+}
+
+}  // namespace util
