@@ -1,6 +1,7 @@
 #include "util/portable/ksl_uint64.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
@@ -27,13 +28,22 @@ char hex_text[hex_digits + 1];
 char decimal_text[decimal_digits + 1];
 char zero_text[] = "0";
 
-std::uint64_t joined(const ksl_uint64_c& v) {
-    return std::uint64_t{v.hi()} << 32 | v.lo();
+std::uint64_t halves_swapped(std::uint64_t v) {
+    return v << 32 | v >> 32;
 }
 
-// By way of u_hyper, which leaves the status word alone.
+// The object is the number but for its upper half, which comes first: one load and one rotation.
+std::uint64_t joined(const ksl_uint64_c& v) {
+    std::uint64_t stored;
+    std::memcpy(&stored, &v, sizeof stored);
+    return halves_swapped(stored);
+}
+
 ksl_uint64_c split(std::uint64_t v) {
-    return u_hyper{static_cast<util::ulong32>(v >> 32), static_cast<util::ulong32>(v)};
+    ksl_uint64_c halves;
+    v = halves_swapped(v);
+    std::memcpy(static_cast<void*>(&halves), &v, sizeof v);
+    return halves;
 }
 
 // The low 32 bits of v truncated to a signed 64-bit integer; 0 when it fits none.
@@ -49,13 +59,8 @@ ksl_uint64_c shifted(std::uint64_t v, std::int64_t n) {
         set_status(no_error);
         return split(0);
     }
-    return split(n >= 0 ? v << n : v >> -n);
-}
-
-void write_hex(std::uint64_t v, char (&text)[hex_digits + 1]) {
-    text[hex_digits] = '\0';
-    for (std::size_t i = hex_digits; i-- > 0; v >>= 4)
-        text[i] = "0123456789abcdef"[v & 0xF];
+    if (n < 0) return split(v >> -n);
+    return split(v << n);
 }
 
 constexpr char digit_pairs[] =
@@ -63,14 +68,62 @@ constexpr char digit_pairs[] =
     "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
     "8081828384858687888990919293949596979899";
 
-// Fills text from its end, two digits a step, and returns the first digit; v is not 0.
+char* put_pair(std::uint32_t v, char* end) {
+    std::memcpy(end - 2, digit_pairs + v * 2, 2);
+    return end - 2;
+}
+
+char* put_four(std::uint32_t v, char* end) {
+    return put_pair(v / 100, put_pair(v % 100, end));
+}
+
+// Fills text from its end and returns the first digit; v is not 0. Divisions of 64 bits are the
+// cost, so that each yields eight digits.
 char* write_decimal(std::uint64_t v, char (&text)[decimal_digits + 1]) {
+    constexpr std::uint32_t eight_digits = 100000000;
     char* p = text + decimal_digits;
     *p = '\0';
-    for (; v >= 10; v /= 100)
-        std::memcpy(p -= 2, digit_pairs + v % 100 * 2, 2);
-    if (v > 0) *--p = static_cast<char>('0' + v);
+    for (; v >= eight_digits; v /= eight_digits) {
+        const auto block = static_cast<std::uint32_t>(v % eight_digits);
+        p = put_four(block % 10000, p);
+        p = put_four(block / 10000, p);
+    }
+    auto rest = static_cast<std::uint32_t>(v);
+    for (; rest >= 100; rest /= 100)
+        p = put_pair(rest % 100, p);
+    if (rest >= 10) return put_pair(rest, p);
+    *--p = static_cast<char>('0' + rest);
     return p;
+}
+
+constexpr std::uint64_t every_byte = 0x0101010101010101;
+
+// The eight nibbles of v, one a byte, the first digit in the lowest byte, as text has it in memory.
+std::uint64_t hex_block(std::uint32_t v) {
+    std::uint64_t x = std::uint64_t{v} << 16 | v;
+    x &= 0x0000FFFF0000FFFF;
+    x = (x << 8 | x) & 0x00FF00FF00FF00FF;
+    x = (x << 4 | x) & every_byte * 0xF;
+    return __builtin_bswap64(x);
+}
+
+// All 16 digits and a NUL.
+void write_hex(std::uint64_t v, char (&text)[hex_digits + 1]) {
+    constexpr unsigned char from_9_to_a = 'a' - '9' - 1;
+    char* to = text;
+    for (const int half : {32, 0}) {
+        const std::uint64_t digits = hex_block(static_cast<std::uint32_t>(v >> half));
+        const std::uint64_t letters = (digits + every_byte * 6) >> 4 & every_byte;
+        const std::uint64_t characters = digits + every_byte * '0' + letters * from_9_to_a;
+        std::memcpy(to, &characters, sizeof characters);
+        to += sizeof characters;
+    }
+    *to = '\0';
+}
+
+// v is not 0.
+std::size_t leading_hex_zeros(std::uint64_t v) {
+    return static_cast<std::size_t>(__builtin_clzll(v)) / 4;
 }
 
 // As strncpy, then a NUL in the last byte: both are what callers see in buf, and no byte between.
@@ -80,50 +133,48 @@ char* copy_cut(std::string_view text, char* buf, std::size_t size) {
     return buf;
 }
 
-bool all_decimal(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), util::is_digit);
+const char* behind_prefix(const char* text) {
+    const char* x = text[0] == '0' ? text + 1 : text;
+    return util::to_lower(*x) == 'x' ? x + 1 : text;
 }
 
-std::string_view without_prefix(std::string_view text) {
-    const std::size_t x = text[0] == '0' ? 1 : 0;
-    if (x < text.size() && util::to_lower(text[x]) == 'x') text.remove_prefix(x + 1);
-    return text;
-}
-
-// 0 to 15, or -1.
-int hex_value(char c) {
-    if (util::is_digit(c)) return c - '0';
+// The value of a hexadecimal digit; above 15 for any other byte.
+constexpr unsigned char hex_value(char c) {
+    if (util::is_digit(c)) return static_cast<unsigned char>(c - '0');
     c = util::to_lower(c);
-    return c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
+    return c >= 'a' && c <= 'f' ? static_cast<unsigned char>(c - 'a' + 10) : 0xFF;
 }
 
-std::uint64_t parse_decimal(std::string_view text) {
-    if (text.size() > decimal_digits) {
-        set_status(too_many_digits);
-        return 0;
-    }
-    std::uint64_t value = 0;
-    for (const char c : text)
-        value = value * 10 + static_cast<std::uint64_t>(c - '0');
-    return value;
+constexpr auto hex_values = [] {
+    std::array<unsigned char, 256> values = {};
+    for (std::size_t c = 0; c < values.size(); ++c)
+        values[c] = hex_value(static_cast<char>(c));
+    return values;
+}();
+
+std::uint64_t failed(Status status) {
+    set_status(status);
+    return 0;
 }
 
-std::uint64_t parse_hex(std::string_view text) {
-    const std::string_view digits = without_prefix(text);
+std::uint64_t parse_hex(const char* text) {
+    const char* const digits = behind_prefix(text);
+    const char* p = digits;
     std::uint64_t value = 0;
-    for (const char c : digits) {
-        const int digit = hex_value(c);
-        if (digit < 0) {
-            set_status(digits.size() < text.size() ? bad_after_prefix : bad_character);
-            return 0;
-        }
-        value = value << 4 | static_cast<std::uint64_t>(digit);
-    }
-    if (digits.size() > hex_digits) {
-        set_status(too_many_digits);
-        return 0;
-    }
-    return value;
+    for (unsigned digit; (digit = hex_values[static_cast<unsigned char>(*p)]) < 16; ++p)
+        value = value << 4 | digit;
+    if (*p != '\0') return failed(digits > text ? bad_after_prefix : bad_character);
+    return p - digits <= std::ptrdiff_t{hex_digits} ? value : failed(too_many_digits);
+}
+
+// One pass over what is decimal to its end; any other text is begun again.
+std::uint64_t parse(const char* text) {
+    const char* p = text;
+    std::uint64_t value = 0;
+    for (unsigned digit; (digit = static_cast<unsigned char>(*p) - unsigned{'0'}) < 10; ++p)
+        value = value * 10 + digit;
+    if (*p != '\0') return parse_hex(text);
+    return p - text <= std::ptrdiff_t{decimal_digits} ? value : failed(too_many_digits);
 }
 
 }  // namespace
@@ -144,9 +195,7 @@ ksl_uint64_c::ksl_uint64_c(double v) : high_(truncated(v / 4294967296.0)), low_(
 ksl_uint64_c::ksl_uint64_c(u_hyper h) : high_(h.high), low_(h.low) {}
 
 ksl_uint64_c::ksl_uint64_c(const char* s) : ksl_uint64_c(0, 0) {
-    if (!s || !*s) return;
-    const std::string_view text(s);
-    *this = split(all_decimal(text) ? parse_decimal(text) : parse_hex(text));
+    if (s) *this = split(parse(s));
 }
 
 util::ulong32 ksl_uint64_c::hi() const {
@@ -272,20 +321,21 @@ int ksl_uint64_c::mod_10() const {
 }
 
 char* ksl_uint64_c::to_hex(int full) const {
-    write_hex(joined(*this), hex_text);
+    const std::uint64_t v = joined(*this);
+    write_hex(v, hex_text);
     if (full) return hex_text;
     set_status(no_error);
-    char* const last = hex_text + hex_digits - 1;
-    return std::find_if(hex_text, last, [](char c) { return c != '0'; });
+    return hex_text + leading_hex_zeros(v | 1);  // zero keeps one digit
 }
 
 char* ksl_uint64_c::to_hex_r(int full, char* buf, unsigned int size) const {
     if (!buf || size < 1) return buf;
     char text[hex_digits + 1];
-    write_hex(joined(*this), text);
-    const char* first = text;
-    if (!full) first = std::find_if(text, text + 7, [](char c) { return c != '0'; });
-    return copy_cut(first, buf, size);
+    const std::uint64_t v = joined(*this);
+    write_hex(v, text);
+    // The low half and one digit before it are kept in any case.
+    const std::size_t zeros = full ? 0 : leading_hex_zeros(v | std::uint64_t{1} << 32);
+    return copy_cut(text + zeros, buf, size);
 }
 
 char* ksl_uint64_c::to_decimal() const {
