@@ -160,13 +160,17 @@ TEST(Utf8FindTest, ListsNamesInUtf8) {
 }
 
 TEST(Utf8FindTest, NameThatCannotBeConvertedLeavesNoNewSearchOpen) {
+    const ScratchDirectory scratch;
+    const std::string stem = "\xE8\xA4\x87", pattern = scratch / stem + "*";
+    for (const char number : {'1', '2', '3', '4'})
+        scratch.file(stem + number);
     WIN32_FIND_DATAW data;
     char name[778];
-    void* search = UTF8_FindFirstFile("C:\\*", &data, name);
+    void* search = UTF8_FindFirstFile(pattern.c_str(), &data, name);
     const long before = handle_count();
     {
         ImportPatch patch("WideCharToMultiByte", nothing);
-        EXPECT_EQ(find_first("C:\\*"), -1);
+        EXPECT_EQ(find_first(pattern.c_str()), -1);
         EXPECT_EQ(GetLastError(), DWORD(ERROR_INVALID_NAME));
         SetLastError(77);
         EXPECT_EQ(UTF8_FindNextFile(search, &data, name), 0);

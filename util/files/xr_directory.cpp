@@ -11,10 +11,12 @@
 #include <cstring>
 #include <iterator>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "util/files/directory_reader.h"
 #include "util/internal/ansi_text.h"
+#include "util/internal/ascii.h"
 #include "util/portable/utf8_files.h"
 
 namespace {
@@ -24,17 +26,19 @@ struct Status {
     long size = 0;
 };
 
-bool has_program_extension(const wchar_t* name) {
-    const wchar_t* dot = wcsrchr(name, L'.');
-    if (!dot) return false;
-    constexpr const wchar_t* extensions[] = {L".exe", L".bat", L".cmd", L".com"};
-    return std::any_of(std::begin(extensions), std::end(extensions),
-                       [dot](const wchar_t* extension) { return _wcsicmp(dot, extension) == 0; });
+bool has_program_extension(std::string_view name) {
+    constexpr std::size_t length = 4;
+    if (name.size() < length) return false;
+    char ending[length];
+    std::transform(name.end() - length, name.end(), ending, util::to_lower);
+    constexpr std::string_view extensions[] = {".exe", ".bat", ".cmd", ".com"};
+    return std::find(std::begin(extensions), std::end(extensions),
+                     std::string_view(ending, length)) != std::end(extensions);
 }
 
 // The status that UTF8_stat would give, from what the search has already brought; a call per entry
 // would more than double the time of a listing.
-Status status_from_search(const WIN32_FIND_DATAW& found) {
+Status status_from_search(const WIN32_FIND_DATAW& found, std::string_view name) {
     constexpr int read_all = 0444;
     constexpr int write_all = 0222;
     constexpr int execute_all = 0111;
@@ -45,14 +49,13 @@ Status status_from_search(const WIN32_FIND_DATAW& found) {
         status.mode |= _S_IFDIR | execute_all;
     } else {
         status.mode |= _S_IFREG;
-        if (has_program_extension(found.cFileName)) status.mode |= execute_all;
+        if (has_program_extension(name)) status.mode |= execute_all;
         status.size = static_cast<long>(found.nFileSizeLow);
     }
     return status;
 }
 
-Status status_of(const String& directory, const util::DirectoryReader& reader) {
-    const WIN32_FIND_DATAW& found = reader.data();
+Status status_of(const String& directory, const char* name, const WIN32_FIND_DATAW& found) {
     // The search describes a link itself, not what it leads to; and how a size beyond 31 bits
     // looks in the runtime's record is the runtime's business.
     const bool described = !(found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) &&
@@ -60,12 +63,12 @@ Status status_of(const String& directory, const util::DirectoryReader& reader) {
     // A path of one character always gets a separator: "\" gives "\\name", which names a server.
     // And a path too long for the status call on Windows has none.
     const bool joins_plainly =
-        directory.size() > 1 && directory.size() + 1 + std::strlen(reader.name()) < MAX_PATH;
-    if (described && joins_plainly) return status_from_search(found);
+        directory.size() > 1 && directory.size() + 1 + std::strlen(name) < MAX_PATH;
+    if (described && joins_plainly) return status_from_search(found, name);
 
     const bool separated = directory.size() > 1 && directory.view().back() == '\\';
     struct _stat64i32 record = {};
-    if (UTF8_stat(directory + (separated ? "" : "\\") + reader.name(), &record) != 0) return {};
+    if (UTF8_stat(directory + (separated ? "" : "\\") + name, &record) != 0) return {};
     return {record.st_mode, record.st_size};
 }
 
@@ -87,7 +90,7 @@ bool append_entries(const String& path, bool include_hidden, Entries& entries) {
     if (!reader.is_open()) return false;
     while (reader.next()) {
         if (!is_wanted(reader.name(), include_hidden)) continue;
-        const Status status = status_of(path, reader);
+        const Status status = status_of(path, reader.name(), reader.data());
         entries.push_back(
             std::make_unique<XrDirectoryEntry>(reader.name(), status.mode, status.size));
     }
