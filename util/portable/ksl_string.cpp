@@ -6,10 +6,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string_view>
 
 #include "util/internal/ascii.h"
 #include "util/internal/byte_set.h"
+#include "util/internal/kernels/change_case.h"
+#include "util/internal/kernels/coded_bytes.h"
+#include "util/internal/kernels/compare_folded.h"
+#include "util/internal/kernels/find_byte.h"
 
 namespace {
 
@@ -20,12 +23,6 @@ void report(const char* message) {
 int fail(const char* message) {
     report(message);
     return -1;
-}
-
-template <char map(char)>
-void map_in_place(char* s) {
-    for (; *s; ++s)
-        *s = map(*s);
 }
 
 constexpr bool is_upper(int c) {
@@ -59,7 +56,7 @@ int ksl_strcpy_trim(char* s) {
     const char* begin = s;
     while (util::is_space(*begin))
         ++begin;
-    const char* end = begin + std::strlen(begin);
+    const char* end = begin + util::text_length(begin);
     while (end > begin && util::is_space(end[-1]))
         --end;
     const auto length = static_cast<std::size_t>(end - begin);
@@ -75,7 +72,7 @@ int ksl_strcpy_clean(char* s) {
 
 char* ksl_strdup(const char* s) {
     if (!s) return nullptr;
-    const std::size_t size = std::strlen(s) + 1;
+    const std::size_t size = util::text_length(s) + 1;
     auto* copy = static_cast<char*>(std::malloc(size));
     if (copy) std::memcpy(copy, s, size);
     return copy;
@@ -85,27 +82,26 @@ int ksl_strcasecmp(const char* s1, const char* s2) {
     // Warnings only, on purpose: see the header.
     if (!s1) report("NULL s1 passed to ksl_strcasecmp");
     if (!s2) report("NULL s2 passed to ksl_strcasecmp");
-    const auto length1 = static_cast<std::uint32_t>(std::strlen(s1));
-    const auto length2 = static_cast<std::uint32_t>(std::strlen(s2));
+    const auto length1 = static_cast<std::uint32_t>(util::text_length(s1));
+    const auto length2 = static_cast<std::uint32_t>(util::text_length(s2));
     const std::uint32_t common = std::min(length1, length2);
-    for (std::uint32_t i = 0; i < common; ++i) {
-        if (const int difference = folded_difference(s1[i], s2[i])) return difference;
-    }
+    const std::size_t equal = util::kernels::equal_folded(s1, s2, common);
+    if (equal < common) return folded_difference(s1[equal], s2[equal]);
     return static_cast<int>(length1 - length2);
 }
 
 char* ksl_str2upper(char* s) {
-    if (s) map_in_place<util::to_upper>(s);
+    if (s) util::kernels::change_case(s, util::text_length(s), 'a');
     return s;
 }
 
 char* ksl_str2lower(char* s) {
-    if (s) map_in_place<util::to_lower>(s);
+    if (s) util::kernels::change_case(s, util::text_length(s), 'A');
     return s;
 }
 
 char* ksl_char2upper(char* s, int pos) {
-    if (!s || pos >= static_cast<std::int64_t>(std::strlen(s))) return nullptr;
+    if (!s || pos >= static_cast<std::int64_t>(util::text_length(s))) return nullptr;
     s[pos] = util::to_upper(s[pos]);
     return s;
 }
@@ -117,11 +113,16 @@ int ksl_unicode2CodedChar(const void* pwch, int len, char** out) {
     char* const buffer = allocate(std::int64_t{len} * 16 + 24);
     if (!buffer) return fail("Error allocating memory for ksl_unicode2CodedChar");
 
-    const auto* bytes = static_cast<const char*>(pwch);
-    char* to = buffer;
-    for (const char c : std::string_view(bytes, static_cast<std::size_t>(len) + 2)) {
-        if (c == 1 || c == 2) *to++ = 2;
-        *to++ = c == 0 ? char{1} : c;
+    const auto* from = static_cast<const char*>(pwch);
+    const char* const end = from + len + 2;
+    for (char* to = buffer;;) {
+        const auto left = static_cast<std::size_t>(end - from);
+        const std::size_t run = util::kernels::encode_run(from, left, to);
+        if (run == left) break;
+        from += run;
+        to += run;
+        *to++ = 2;
+        *to++ = *from++;
     }
     *out = buffer;
     return 0;
@@ -133,20 +134,21 @@ int ksl_codedChar2Unicode(const void* coded, int len, char** out) {
     if (!out) return -1;
     // Decoding never makes text longer; a wide NUL behind it fits as well.
     const auto* from = static_cast<const char*>(coded);
-    char* const buffer = allocate(std::int64_t{len} * 8, std::strlen(from) + 2);
+    const char* const end = from + util::text_length(from);
+    char* const buffer = allocate(std::int64_t{len} * 8, static_cast<std::size_t>(end - from) + 2);
     if (!buffer) return fail("Error allocating memory for ksl_codedChar2Unicode");
 
-    for (char* to = buffer; *from; ++from) {
-        char c = *from;
-        if (c == 1) {
-            c = 0;
-        } else if (c == 2) {
-            c = *++from;
-            if (c != 1 && c != 2) {
-                std::free(buffer);
-                return fail("Invalid format for ksl_codedChar2Unicode");
-            }
+    for (char* to = buffer;;) {
+        const auto left = static_cast<std::size_t>(end - from);
+        const std::size_t run = util::kernels::decode_run(from, left, to);
+        if (run == left) break;
+        const char c = from[run + 1];  // what the 2 stands before
+        if (c != 1 && c != 2) {
+            std::free(buffer);
+            return fail("Invalid format for ksl_codedChar2Unicode");
         }
+        from += run + 2;
+        to += run;
         *to++ = c;
     }
     *out = buffer;
@@ -157,7 +159,7 @@ int ksl_match_token_str(const char* token_str, const char* token, const char* de
     // Warnings only, on purpose: see the header. The list is measured, and a null one faults,
     // before the others are looked at.
     if (!token_str) report("NULL token_str passed to ksl_match_token_str");
-    const char* const end = token_str + std::strlen(token_str);
+    const char* const end = token_str + util::text_length(token_str);
     if (!token) report("NULL token passed to ksl_match_token_str_aux");
     if (!delimits) report("NULL delimits passed to ksl_match_token_str_aux");
 

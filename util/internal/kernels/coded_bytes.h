@@ -1,0 +1,58 @@
+// Not installed. The bytes that stand for themselves, or nearly so, in the code of
+// ksl_unicode2CodedChar: 0 is written 1, and only 1 and 2 take two bytes.
+#ifndef UTIL_INTERNAL_KERNELS_CODED_BYTES_H
+#define UTIL_INTERNAL_KERNELS_CODED_BYTES_H
+
+#include "util/internal/kernels/kernels.h"
+
+namespace util {
+namespace plain {
+
+// Encodes up to the first 1 or 2, and decodes up to the first 2 (of text without a 0); both return
+// the number of bytes. `to` has room for as many as `from` has, and what lies behind the result
+// may be written as well.
+inline std::size_t encode_run(const char* from, std::size_t size, char* to) {
+    std::size_t i = 0;
+    for (; i < size && from[i] != 1 && from[i] != 2; ++i)
+        to[i] = from[i] == 0 ? char{1} : from[i];
+    return i;
+}
+inline std::size_t decode_run(const char* from, std::size_t size, char* to) {
+    std::size_t i = 0;
+    for (; i < size && from[i] != 2; ++i)
+        to[i] = from[i] == 1 ? char{0} : from[i];
+    return i;
+}
+
+}  // namespace plain
+
+#ifdef UTIL_SSE2_KERNELS
+namespace sse2 {
+
+inline std::size_t encode_run(const char* from, std::size_t size, char* to) {
+    std::size_t i = 0;
+    for (; i + block_size <= size; i += block_size) {
+        const Block bytes = load(from + i);
+        const Block at_least_1 = _mm_max_epu8(bytes, all(1));
+        if (equal_bits(bytes, all(1)) | equal_bits(bytes, all(2))) break;
+        store(to + i, at_least_1);
+    }
+    return i + plain::encode_run(from + i, size - i, to + i);
+}
+
+inline std::size_t decode_run(const char* from, std::size_t size, char* to) {
+    std::size_t i = 0;
+    for (; i + block_size <= size; i += block_size) {
+        const Block bytes = load(from + i);
+        if (equal_bits(bytes, all(2)) != 0) break;
+        store(to + i, _mm_andnot_si128(_mm_cmpeq_epi8(bytes, all(1)), bytes));
+    }
+    return i + plain::decode_run(from + i, size - i, to + i);
+}
+
+}  // namespace sse2
+#endif
+
+}  // namespace util
+
+#endif
