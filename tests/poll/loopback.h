@@ -47,9 +47,11 @@ class Connection {
 
     int fd() const { return static_cast<int>(m_near); }
 
+    void send_byte_only() const { send(m_far, "x", 1, 0); }
+
     // Both return when the near end can see it.
     void send_byte() const {
-        send(m_far, "x", 1, 0);
+        send_byte_only();
         wait_until_readable();
     }
     void hang_up() const {
