@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "util/internal/ascii.h"
+#include "util/internal/kernels/hex_digits.h"
 
 namespace {
 
@@ -96,29 +97,10 @@ char* write_decimal(std::uint64_t v, char (&text)[decimal_digits + 1]) {
     return p;
 }
 
-constexpr std::uint64_t every_byte = 0x0101010101010101;
-
-// The eight nibbles of v, one a byte, the first digit in the lowest byte, as text has it in memory.
-std::uint64_t hex_block(std::uint32_t v) {
-    std::uint64_t x = std::uint64_t{v} << 16 | v;
-    x &= 0x0000FFFF0000FFFF;
-    x = (x << 8 | x) & 0x00FF00FF00FF00FF;
-    x = (x << 4 | x) & every_byte * 0xF;
-    return __builtin_bswap64(x);
-}
-
 // All 16 digits and a NUL.
 void write_hex(std::uint64_t v, char (&text)[hex_digits + 1]) {
-    constexpr unsigned char from_9_to_a = 'a' - '9' - 1;
-    char* to = text;
-    for (const int half : {32, 0}) {
-        const std::uint64_t digits = hex_block(static_cast<std::uint32_t>(v >> half));
-        const std::uint64_t letters = (digits + every_byte * 6) >> 4 & every_byte;
-        const std::uint64_t characters = digits + every_byte * '0' + letters * from_9_to_a;
-        std::memcpy(to, &characters, sizeof characters);
-        to += sizeof characters;
-    }
-    *to = '\0';
+    util::kernels::hex_digits(v, text);
+    text[hex_digits] = '\0';
 }
 
 // v is not 0.
