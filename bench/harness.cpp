@@ -5,6 +5,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace bench {
 namespace {
@@ -165,6 +168,12 @@ Section::Section(std::string name, std::function<void()> body, Cores cores) {
 // usage: bench [--rounds N] [--milliseconds N] [--section TEXT] [--cores any|one] [--output FILE]
 int main(int argc, char** argv) {
     using namespace bench;
+#ifdef __GLIBC__
+    // The heap keeps what it has, as in a process that has run for long: whether a variant gives
+    // its pages back to the system depends on what the variants before it have left there.
+    mallopt(M_MMAP_THRESHOLD, 1 << 30);
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
+#endif
     for (int i = 1; i + 1 < argc; i += 2) {
         const std::string option = argv[i];
         const char* const value = argv[i + 1];

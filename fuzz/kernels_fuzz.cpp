@@ -4,6 +4,8 @@
 #include "util/internal/kernels/change_case.h"
 #include "util/internal/kernels/find_byte.h"
 #include "util/internal/kernels/hash_words.h"
+#include "util/internal/kernels/member_bits.h"
+#include "util/internal/kernels/pair_bits.h"
 
 namespace util_fuzz {
 namespace {
@@ -26,20 +28,41 @@ void check_sized(const std::vector<char>& text, char c) {
             "hash_words");
 }
 
+// The bits of up to a line of the text, for a set of bytes and for two at a distance.
+void check_bits(const std::vector<char>& text, const std::string& set) {
+    if (text.empty()) return;
+    const std::size_t size = std::min(text.size(), line_size);
+    require(kernels::Members(set).bits(text.data(), size) ==
+                plain::Members(set).bits(text.data(), size),
+            "Members");
+    for (const std::size_t distance : {std::size_t{0}, std::size_t{1}, set.size()}) {
+        if (set.empty() || text.size() <= distance) continue;
+        const BytePair pair = {set.front(), set.back(), distance};
+        const std::size_t places = std::min(text.size() - distance, line_size);
+        require(kernels::pair_bits(text.data(), places, pair) ==
+                    plain::pair_bits(text.data(), places, pair),
+                "pair_bits");
+    }
+}
+
 }  // namespace
 
-// Each kernel against its plain form, for every beginning of the text and so every length of what
-// is left over after whole blocks; and from every address, for the one that reads whole blocks.
+// Each kernel against its plain form, with every length of what is left over after whole blocks;
+// and from every address, for the one that reads whole blocks of memory.
 void kernels(std::string_view input) {
     Parameters parameters(input);
-    const char c = static_cast<char>(parameters.byte());
+    const std::string set = parameters.short_text();
     const std::string text = parameters.rest();
+    const char c = set.empty() ? '\0' : set.front();
 
-    const std::size_t shift = text.size() % 16;
-    for (std::size_t size = text.size(); size + 16 > text.size() && size > 0; --size)
-        check_sized({text.begin(), text.begin() + static_cast<std::ptrdiff_t>(size)}, c);
-    check_sized({text.begin() + static_cast<std::ptrdiff_t>(shift), text.end()}, c);
-
+    for (std::size_t cut = 0; cut <= 16 && cut <= text.size(); ++cut) {
+        const std::vector<char> beginning(text.begin(), text.end() - static_cast<long>(cut));
+        check_sized(beginning, c);
+        check_bits(beginning, set);
+    }
+    const std::vector<char> few(text.begin(), text.begin() + static_cast<long>(text.size() % 80));
+    check_sized(few, c);
+    check_bits(few, set);
     for (std::size_t begin = 0; begin <= text.size() && begin <= 64; ++begin) {
         const char* const rest = text.c_str() + begin;
         require(util::kernels::find_byte_or_nul(rest, c) == plain::find_byte_or_nul(rest, c),

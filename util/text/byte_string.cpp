@@ -12,7 +12,7 @@
 namespace {
 
 String visible_copy(const String& s) {
-    const std::string_view visible = util::up_to_nul(s.view());
+    const std::string_view visible = util::c_text(s);
     return String(visible.data(), visible.size());
 }
 
@@ -131,7 +131,7 @@ String String::trim(const char* set) const {
 }
 
 bool String::isAscii() const {
-    const std::string_view visible = util::up_to_nul(view());
+    const std::string_view visible = util::c_text(c_str());
     return std::all_of(visible.begin(), visible.end(), [](char c) { return c >= 0; });
 }
 

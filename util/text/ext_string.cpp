@@ -23,20 +23,20 @@ ExtString::ExtString(const char* bytes, std::uint64_t size) : m_text(bytes, size
 ExtString::~ExtString() = default;
 
 ExtString& ExtString::operator=(const ExtString& other) {
-    if (this != &other) m_text = util::up_to_nul(other.m_text);
+    if (this != &other) m_text = util::c_text(other.c_str());
     return *this;
 }
 
 ExtString& ExtString::operator=(ExtString&& other) noexcept {
     if (this != &other) {
         m_text = std::move(other.m_text);
-        m_text.resize(util::up_to_nul(m_text).size());
+        m_text.resize(util::c_text(c_str()).size());
     }
     return *this;
 }
 
 ExtString& ExtString::operator+=(const ExtString& other) {
-    m_text += util::up_to_nul(other.m_text);
+    m_text += util::c_text(other.c_str());
     return *this;
 }
 

@@ -114,7 +114,10 @@ class FormatBuffer {
     }
 
     void resize(std::size_t size) {
-        m_buffer.reset(new char[size]);
+        // Without the padding a result may come to lie a multiple of 4096 and a few bytes behind
+        // the buffer, where processors take every load of the copy to depend on its last stores.
+        constexpr std::size_t padding = 64;
+        m_buffer.reset(new char[size + padding]);
         m_size = size;
     }
 

@@ -57,7 +57,9 @@ std::optional<FormattedLength> format_plainly(char* space, std::size_t size, con
                                               FormatArguments& args) {
     Output output(space, size);
     for (;; ++fmt) {
-        if (*fmt != '%') {
+        if (*fmt != '%' && fmt[0] != '\0' && fmt[1] == '%') {
+            output.put(*fmt++);  // what stands between two directives is mostly one byte
+        } else if (*fmt != '%') {
             const std::size_t literal = kernels::find_byte_or_nul(fmt, '%');
             output.put({fmt, literal});
             fmt += literal;

@@ -1,31 +1,47 @@
-#include <utility>
+#include <vector>
 
 #include "util/internal/find_text.h"
 #include "util/text/byte_string.h"
 
+namespace {
+
+// The text with another in place of what stands, size bytes long, at each of the positions.
+std::string replaced(std::string_view text, const std::vector<std::size_t>& positions,
+                     std::size_t size, std::string_view with) {
+    std::string result;
+    // First what goes and then what comes, so that no step is negative.
+    result.reserve(text.size() - positions.size() * size + positions.size() * with.size());
+    std::size_t begin = 0;
+    for (const std::size_t at : positions) {
+        result.append(text, begin, at - begin).append(with);
+        begin = at + size;
+    }
+    result.append(text, begin);
+    return result;
+}
+
+}  // namespace
+
 String& String::replace(const char* from, const char* to, scopeType scope) {
     const bool only_first = scope == SCOPE_FIRST;
-    const std::string_view what = util::view_of(from);
+    const std::string_view what = util::c_text(from);
     // The empty text occurs without end at one place; replacing it everywhere has no result.
     if (!from || (what.empty() && !only_first)) return *this;
 
-    const std::string_view visible = c_str();
-    const std::string_view with = util::view_of(to);
-    std::string result;
-    result.reserve(visible.size());
-    std::size_t begin = 0;
-    for (std::size_t at; (at = util::find_text(visible, what, begin)) != npos;) {
-        result.append(visible, begin, at - begin).append(with);
-        begin = at + what.size();
-        if (only_first) break;
+    const std::string_view visible = util::c_text(c_str());
+    std::vector<std::size_t> positions;
+    if (!only_first) {
+        positions = util::find_all(visible, what);
+    } else if (const std::size_t at = util::find_text(visible, what); at != npos) {
+        positions.push_back(at);
     }
-    result.append(visible, begin);
-    m_text = std::move(result);
+    m_text = replaced(visible, positions, what.size(), util::c_text(to));
     return *this;
 }
 
 String String::replace(const char* from, const char* to) const {
-    String result(*this);
-    result.replace(from, to, SCOPE_ALL);
-    return result;
+    const std::string_view what = util::c_text(from);
+    if (what.empty()) return *this;
+    const std::string_view visible = util::c_text(c_str());
+    return replaced(visible, util::find_all(visible, what), what.size(), util::c_text(to));
 }

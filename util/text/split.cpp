@@ -1,22 +1,42 @@
+#include <algorithm>
+#include <bitset>
 #include <new>
 #include <stdexcept>
 
-#include "util/internal/byte_set.h"
 #include "util/internal/find_text.h"
+#include "util/internal/kernels/member_bits.h"
 #include "util/text/byte_string.h"
 
 namespace {
 
-// Calls take(begin, length) for each field between two separators, empty ones included.
+using Separators = util::kernels::Members;
+
+// Calls take(line, bits, size) for each 64 bytes of the text and the rest of it: where that line
+// begins, which of its bytes are separators, and how many it has.
 template <typename Take>
-void for_each_field(std::string_view text, const util::ByteSet& separators, Take take) {
-    std::size_t begin = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (!separators.has(text[i])) continue;
-        take(begin, i - begin);
-        begin = i + 1;
+void for_each_line(std::string_view text, const Separators& separators, Take take) {
+    for (std::size_t line = 0; line < text.size(); line += util::line_size) {
+        const std::size_t size = std::min(util::line_size, text.size() - line);
+        take(line, separators.bits(text.data() + line, size), size);
     }
-    take(begin, text.size() - begin);
+}
+
+struct FieldCounts {
+    std::size_t all = 1;
+    std::size_t filled = 0;
+};
+
+FieldCounts count_fields(std::string_view text, const Separators& separators) {
+    FieldCounts counts;
+    std::uint64_t after_separator = 1;
+    for_each_line(text, separators, [&](std::size_t, std::uint64_t bits, std::size_t size) {
+        const std::uint64_t line = ~std::uint64_t{0} >> (util::line_size - size);
+        const std::uint64_t starts = ~bits & (bits << 1 | after_separator) & line;
+        after_separator = bits >> (util::line_size - 1);
+        counts.all += std::bitset<util::line_size>(bits).count();
+        counts.filled += std::bitset<util::line_size>(starts).count();
+    });
+    return counts;
 }
 
 }  // namespace
@@ -26,23 +46,25 @@ std::vector<String> String::split(const String& separators, bool skipEmpty) cons
     if (empty()) return fields;
 
     // Counting first lets the list be allocated once, at its size.
-    const util::ByteSet set(separators.view());
-    std::size_t total = 0;
-    std::size_t filled = 0;
-    for_each_field(view(), set, [&](std::size_t, std::size_t length) {
-        ++total;
-        if (length > 0) ++filled;
-    });
+    const Separators set(separators.view());
+    const FieldCounts counts = count_fields(view(), set);
     // The number of empty fields after the last one filled is then not defined by any text; the
     // count has always wrapped round and exhausted memory. Same error, without the wait.
-    if (filled == 0 && !skipEmpty) throw std::bad_alloc();
+    if (counts.filled == 0 && !skipEmpty) throw std::bad_alloc();
 
-    const std::size_t count = skipEmpty ? filled : total;
+    const std::size_t count = skipEmpty ? counts.filled : counts.all;
     if (count > fields.max_size()) throw std::length_error("vector<T> too long");
     fields.reserve(count);
-    for_each_field(view(), set, [&](std::size_t begin, std::size_t length) {
-        if (length > 0 || !skipEmpty) fields.emplace_back(m_text.data() + begin, length);
+    std::size_t begin = 0;
+    const auto append = [&](std::size_t end) {
+        if (end > begin || !skipEmpty) fields.emplace_back(m_text.data() + begin, end - begin);
+        begin = end + 1;
+    };
+    for_each_line(view(), set, [&](std::size_t line, std::uint64_t bits, std::size_t) {
+        for (; bits != 0; bits &= bits - 1)
+            append(line + util::lowest_bit(bits));
     });
+    append(size());
     return fields;
 }
 
@@ -53,8 +75,10 @@ std::vector<String> String::split_by_tag(const String& tag) const {
         pieces.push_back(*this);
         return pieces;
     }
+    const std::vector<std::size_t> tags = util::find_all(view(), tag.view());
+    pieces.reserve(tags.size() + 1);
     std::size_t begin = 0;
-    for (std::size_t at; (at = util::find_text(view(), tag.view(), begin)) != std::string::npos;) {
+    for (const std::size_t at : tags) {
         pieces.emplace_back(m_text.data() + begin, at - begin);
         begin = at + tag.size();
     }

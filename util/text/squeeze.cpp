@@ -1,10 +1,11 @@
 #include <utility>
 
 #include "util/internal/ascii.h"
+#include "util/internal/find_text.h"
 #include "util/text/byte_string.h"
 
 String String::squeeze_spaces() {
-    const std::string_view visible = c_str();
+    const std::string_view visible = util::c_text(c_str());
     std::string squeezed;
     squeezed.reserve(visible.size());
     for (std::size_t i = 0; i < visible.size(); ++i) {

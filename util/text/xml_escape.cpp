@@ -1,47 +1,117 @@
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <iterator>
 #include <utility>
 
+#include "util/internal/find_text.h"
+#include "util/internal/kernels/member_bits.h"
 #include "util/text/byte_string.h"
 #include "util/text/position_error.h"
 
 namespace {
 
-struct Entity {
-    char character;
-    std::string_view text;
-    bool written;
+// Short pieces are copied so many bytes at a time, where there is room for that.
+constexpr std::size_t wide = 16;
+
+class Entity {
+  public:
+    constexpr Entity(char character, std::string_view text)
+        : m_character(character), m_size(text.size()) {
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            m_text[i] = text[i];
+            m_word |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * i);
+            m_mask |= std::uint64_t{0xFF} << (8 * i);
+        }
+    }
+    constexpr char character() const { return m_character; }
+    constexpr std::size_t size() const { return m_size; }
+    std::string_view wide_text() const { return {m_text, wide}; }
+    constexpr std::uint64_t word() const { return m_word; }
+    bool begins(std::uint64_t word) const { return (word & m_mask) == m_word; }
+
+  private:
+    char m_character;
+    std::size_t m_size;
+    char m_text[wide] = {};
+    std::uint64_t m_word = 0;  // the text as one number, and the bits that it takes up
+    std::uint64_t m_mask = 0;
 };
 
 // The tab's entity is read but never written: escaping tabs would change every fragment.
-constexpr Entity entities[] = {
-    {'&', "&amp;", true},  {'<', "&lt;", true},    {'>', "&gt;", true},
-    {'"', "&quot;", true}, {'\'', "&apos;", true}, {'\t', "&#x9;", false},
-};
+constexpr Entity entities[] = {{'&', "&amp;"},  {'<', "&lt;"},    {'>', "&gt;"},
+                               {'"', "&quot;"}, {'\'', "&apos;"}, {'\t', "&#x9;"}};
 
-// What each byte is escaped to; empty for the bytes that stay.
-class EscapeTable {
+// The entities found at once, without a comparison with each. The five characters that are escaped
+// differ in their lower four bits; the six texts in those of a sum over their second and third
+// byte.
+class EntityTable {
   public:
-    constexpr EscapeTable() {
-        for (const Entity& entity : entities) {
-            if (entity.written) m_texts[static_cast<unsigned char>(entity.character)] = entity.text;
+    constexpr EntityTable() {
+        for (std::size_t i = 0; i < std::size(entities); ++i) {
+            if (i < 5) m_by_character[slot(entities[i].character())] = i;
+            m_by_text[slot(entities[i].word())] = i;
         }
     }
-    constexpr std::string_view operator[](char c) const {
-        return m_texts[static_cast<unsigned char>(c)];
+    // What a byte that must be escaped is written as.
+    const Entity& of(char special) const { return entities[m_by_character[slot(special)]]; }
+    // The entity that a text with these first bytes begins with, or null.
+    const Entity* of(std::uint64_t word) const {
+        const Entity& entity = entities[m_by_text[slot(word)]];
+        return entity.begins(word) ? &entity : nullptr;
     }
 
   private:
-    std::string_view m_texts[256];
+    static constexpr std::size_t slot(char special) { return special & 15; }
+    static constexpr std::size_t slot(std::uint64_t word) {
+        return (7 * (word >> 8) + (word >> 16)) & 15;
+    }
+
+    std::size_t m_by_character[16] = {};
+    std::size_t m_by_text[16] = {};
 };
 
-constexpr EscapeTable escapes;
+constexpr EntityTable entity_table;
 
-// The entity that text begins with, or null.
-const Entity* entity_at(std::string_view text) {
-    for (const Entity& entity : entities) {
-        if (text.substr(0, entity.text.size()) == entity.text) return &entity;
+// A text of a size that is known beforehand, written from its beginning on.
+class Writer {
+  public:
+    explicit Writer(std::size_t size)
+        : m_text(size, '\0'), m_to(m_text.data()), m_end(m_to + size) {}
+
+    // The first size bytes of text, which may go on behind them.
+    void put(std::string_view text, std::size_t size) {
+        const auto room = static_cast<std::size_t>(m_end - m_to);
+        if (size <= wide && wide <= text.size() && wide <= room) {
+            std::memcpy(m_to, text.data(), wide);
+        } else {
+            std::memcpy(m_to, text.data(), size);
+        }
+        m_to += size;
     }
-    return nullptr;
+    void put(char c) { *m_to++ = c; }
+
+    // What has been written.
+    std::string take() {
+        m_text.resize(static_cast<std::size_t>(m_to - m_text.data()));
+        return std::move(m_text);
+    }
+
+  private:
+    std::string m_text;
+    char* m_to;
+    char* m_end;
+};
+
+// The first bytes of text as the processor reads them, the first one lowest; zeros behind its end.
+std::uint64_t first_word(std::string_view text) {
+    std::uint64_t word = 0;
+    if (text.size() >= sizeof word) {
+        std::memcpy(&word, text.data(), sizeof word);
+    } else {
+        std::memcpy(&word, text.data(), text.size());
+    }
+    return word;
 }
 
 bool has_outer_quotes(std::string_view text) {
@@ -52,7 +122,18 @@ bool has_outer_quotes(std::string_view text) {
 // ends of the stored text: that a NUL inside cuts the text comes after.
 std::string_view visible_inside(std::string_view text) {
     if (has_outer_quotes(text)) text = text.substr(1, text.size() - 2);
-    return text.substr(0, text.find('\0'));
+    return util::up_to_nul(text);
+}
+
+// Calls take(position) for each byte of the text that is one of bytes.
+template <typename Take>
+void for_each_of(const util::kernels::Members& bytes, std::string_view text, Take take) {
+    for (std::size_t line = 0; line < text.size(); line += util::line_size) {
+        const std::size_t size = std::min(util::line_size, text.size() - line);
+        std::uint64_t bits = bytes.bits(text.data() + line, size);
+        for (; bits != 0; bits &= bits - 1)
+            take(line + util::lowest_bit(bits));
+    }
 }
 
 }  // namespace
@@ -61,24 +142,29 @@ String String::replaceXML() {
     const bool quoted = has_outer_quotes(view());
     const std::string_view inside = visible_inside(view());
 
-    // Counting first lets the result be allocated once, at its size.
-    std::size_t escaped_size = quoted ? 2 : 0;
-    for (const char c : inside)
-        escaped_size += std::max<std::size_t>(escapes[c].size(), 1);
+    static const util::kernels::Members specials("&<>\"'");
 
-    std::string escaped;
-    escaped.reserve(escaped_size);
-    if (quoted) escaped += '"';
-    for (const char c : inside) {
-        if (const std::string_view entity = escapes[c]; !entity.empty()) {
-            escaped += entity;
-        } else {
-            escaped += c;
-        }
-    }
-    if (quoted) escaped += '"';
-    String copy(escaped);  // made first: when it fails, this object is as it was
-    m_text = std::move(escaped);
+    // Counting first lets the result be allocated once, at its size.
+    std::size_t escaped_size = inside.size() + (quoted ? 2 : 0);
+    const bool whole = escaped_size == size();  // nothing behind a NUL
+    for_each_of(specials, inside,
+                [&](std::size_t at) { escaped_size += entity_table.of(inside[at]).size() - 1; });
+    if (whole && escaped_size == size()) return *this;
+
+    Writer escaped(escaped_size);
+    if (quoted) escaped.put('"');
+    std::size_t begin = 0;
+    for_each_of(specials, inside, [&](std::size_t at) {
+        const Entity& entity = entity_table.of(inside[at]);
+        escaped.put(inside.substr(begin), at - begin);
+        escaped.put(entity.wide_text(), entity.size());
+        begin = at + 1;
+    });
+    escaped.put(inside.substr(begin), inside.size() - begin);
+    if (quoted) escaped.put('"');
+    std::string result = escaped.take();
+    String copy(result);  // made first: when it fails, this object is as it was
+    m_text = std::move(result);
     return copy;
 }
 
@@ -89,22 +175,28 @@ String String::placeXML() {
         util::require_position(npos, size());
     }
     const bool quoted = has_outer_quotes(view());
-    std::string_view unread = visible_inside(view());
+    const std::string_view inside = visible_inside(view());
 
-    std::string decoded;
-    decoded.reserve(unread.size() + (quoted ? 2 : 0));  // no entity is shorter than its character
-    if (quoted) decoded += '"';
-    while (!unread.empty()) {
-        const std::size_t plain = std::min(unread.find('&'), unread.size());
-        decoded.append(unread, 0, plain);
-        unread.remove_prefix(plain);
-        if (unread.empty()) break;
-        const Entity* entity = entity_at(unread);
-        decoded += entity ? entity->character : '&';
-        unread.remove_prefix(entity ? entity->text.size() : 1);
-    }
-    if (quoted) decoded += '"';
-    String copy(decoded);  // made first, as above
-    m_text = std::move(decoded);
+    static const util::kernels::Members ampersand("&");
+
+    // No entity is shorter than its character.
+    const std::size_t decoded_size = inside.size() + (quoted ? 2 : 0);
+    if (decoded_size == size() && util::find_byte(inside, '&') == npos) return *this;
+
+    Writer decoded(decoded_size);
+    if (quoted) decoded.put('"');
+    std::size_t begin = 0;
+    for_each_of(ampersand, inside, [&](std::size_t at) {
+        const Entity* const entity = entity_table.of(first_word(inside.substr(at)));
+        if (!entity) return;
+        decoded.put(inside.substr(begin), at - begin);
+        decoded.put(entity->character());
+        begin = at + entity->size();
+    });
+    decoded.put(inside.substr(begin), inside.size() - begin);
+    if (quoted) decoded.put('"');
+    std::string result = decoded.take();
+    String copy(result);  // made first, as above
+    m_text = std::move(result);
     return copy;
 }

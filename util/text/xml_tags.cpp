@@ -18,7 +18,7 @@ int extract_tag(const String& document, const String& tag, String& value) {
     const auto start = util::find_text(text, opening.view());
     if (start == none) return failed;
     const auto begin = start + opening.size();
-    const auto end = text.find('<', begin);
+    const auto end = util::find_byte(text, '<', begin);
     if (end == none) return failed;
     String element;
     element = document.substr(begin, end - begin);  // assigned: up to a NUL
@@ -33,11 +33,11 @@ int extract_attribute(const String& document, const String& tag, const String& a
     const auto name = document.first(attribute, 0);
     if (name == none) return failed;
     const std::string_view text = document.view();
-    const auto equals = text.find('=', name + util::view_of(attribute).size());
+    const auto equals = util::find_byte(text, '=', name + attribute.size());
     if (equals == none) return failed;
-    const auto open = text.find('"', equals + 1);
+    const auto open = util::find_byte(text, '"', equals + 1);
     if (open == none) return failed;
-    const auto close = text.find('"', open + 1);
+    const auto close = util::find_byte(text, '"', open + 1);
     if (close == none) return failed;
     value = document.substr(open + 1, close - open - 1);
     return done;
@@ -50,7 +50,7 @@ int extract_content(const String& document, const String& tag, String& content,
     auto end = document.first("</" + tag + ">", 0);
     if (start_tag == none || end == none) return failed;
     const std::string_view text = document.view();
-    auto begin = text.find('>', start_tag + opening.size());
+    auto begin = util::find_byte(text, '>', start_tag + opening.size());
     if (begin == none) return failed;
     do {
         ++begin;

@@ -16,6 +16,8 @@
 
 namespace util {
 
+constexpr std::size_t line_size = 64;  // as many bytes as a number has bits
+
 namespace plain {}
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {}
@@ -29,6 +31,7 @@ namespace sse2 {
 
 using Block = __m128i;  // 16 bytes
 constexpr std::size_t block_size = sizeof(Block);
+static_assert(line_size == 4 * block_size);
 
 inline Block load(const void* from) {
     return _mm_loadu_si128(static_cast<const Block*>(from));
@@ -39,9 +42,19 @@ inline void store(void* to, Block block) {
 inline Block all(char c) {
     return _mm_set1_epi8(c);
 }
-// Bit i is set when the bytes at i are equal.
-inline unsigned equal_bits(Block a, Block b) {
-    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(a, b)));
+// Bit i is set when byte i of a comparison's result is.
+inline unsigned block_bits(Block compared) {
+    return static_cast<unsigned>(_mm_movemask_epi8(compared));
+}
+// The same for four blocks, each of which compare(address) makes. Mostly none is set.
+template <typename Compare>
+[[gnu::always_inline]] inline std::uint64_t line_bits(const char* from, Compare compare) {
+    const Block b0 = compare(from), b1 = compare(from + block_size);
+    const Block b2 = compare(from + 2 * block_size), b3 = compare(from + 3 * block_size);
+    if (block_bits(_mm_or_si128(_mm_or_si128(b0, b1), _mm_or_si128(b2, b3))) == 0) return 0;
+    return std::uint64_t{block_bits(b0)} | std::uint64_t{block_bits(b1)} << block_size |
+           std::uint64_t{block_bits(b2)} << 2 * block_size |
+           std::uint64_t{block_bits(b3)} << 3 * block_size;
 }
 
 }  // namespace sse2

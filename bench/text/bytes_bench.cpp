@@ -1,0 +1,147 @@
+// What goes byte by byte: case, trimming, the hash.
+#include <boost/algorithm/string/case_conv.hpp>
+#include <boost/algorithm/string/trim.hpp>
+#include <cctype>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#ifndef _WIN32
+#include <absl/strings/ascii.h>
+#endif
+
+#include "bench/harness.h"
+#include "util/text/text.h"
+
+using bench::keep;
+using bench::Operation;
+
+namespace {
+
+// No power of two: of two blocks that lie so far apart the processor takes every load from one to
+// depend on the stores to the other.
+constexpr std::size_t megabyte = 1000000;
+
+std::string mixed_case(std::size_t size) {
+    std::string text;
+    while (text.size() < size)
+        text += "Server-07\\Share ";
+    text.resize(size);
+    return text;
+}
+
+struct Bars {
+    double limit, absl;  // 0: none
+};
+
+void lower(std::size_t size, const Bars& bars) {
+    const std::string text = mixed_case(size);
+    const String subject(text);
+    Operation operation("to_lower, " + std::to_string(size) + " bytes");
+    operation.limit("copy", [&] { keep(std::string(text.data(), text.size())); })
+        .library([&] { keep(subject.to_lower()); })
+        .peer("boost::to_lower_copy", [&] { keep(boost::to_lower_copy(text)); })
+        .described("tolower for each byte", [&] {
+            std::string result(text);
+            for (char& c : result)
+                c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+            keep(result);
+        });
+    if (bars.limit > 0) operation.bar("copy", bars.limit);
+#ifndef _WIN32
+    operation.peer("absl::AsciiStrToLower", [&] { keep(absl::AsciiStrToLower(text)); })
+        .bar("absl::AsciiStrToLower", bars.absl);
+#endif
+    if (size == megabyte) {
+        operation.doubled([twice = String(text + text)] { keep(twice.to_lower()); });
+    }
+    run(operation);
+}
+
+void trim(std::size_t padding) {
+    const std::string blanks(padding, ' ');
+    const std::string text = blanks + "\tC:\\Program Files\\Vendor\\bin" + blanks + "\r\n";
+    const std::string kept = boost::trim_copy(text);
+    const String subject(text);
+    Operation operation("trim, " + std::to_string(2 * padding) + " bytes of padding");
+    operation.limit("copy of what is kept", [&] { keep(std::string(kept.data(), kept.size())); })
+        .library([&] { keep(subject.trim(" \t\r\n")); })
+        .peer("boost::trim_copy_if",
+              [&] { keep(boost::trim_copy_if(text, boost::is_any_of(" \t\r\n"))); })
+        .described("strchr for each byte", [&] {
+            std::size_t begin = 0, end = text.size();
+            while (begin < end && std::strchr(" \t\r\n", text[begin]))
+                ++begin;
+            while (begin < end && std::strchr(" \t\r\n", text[end - 1]))
+                --end;
+            keep(text.substr(begin, end - begin));
+        });
+    if (padding < 10) operation.bar("copy of what is kept", 1.15);
+#ifndef _WIN32
+    operation
+        .peer("absl::StripAsciiWhitespace",
+              [&] { keep(std::string(absl::StripAsciiWhitespace(text))); })
+        .bar("absl::StripAsciiWhitespace", 0.9);
+#endif
+    run(operation);
+}
+
+// Each group of four bytes in turn, as the hash is described; for texts of whole groups. Kept out
+// of line, as the library's is.
+[[gnu::noinline]] std::uint32_t hash_in_a_chain(std::string_view text) {
+    auto h = static_cast<std::uint32_t>(text.size());
+    for (std::size_t i = 0; i < text.size(); i += 4) {
+        std::uint32_t word;
+        std::memcpy(&word, text.data() + i, sizeof word);
+        h = (h << 5 | h >> 27) ^ word;
+    }
+    return h;
+}
+
+// Every byte read once, in numbers that do not wait for each other.
+[[gnu::noinline]] std::uint64_t read_every_byte(std::string_view text) {
+    std::uint64_t folded[4] = {};
+    for (std::size_t i = 0; i + sizeof folded <= text.size(); i += sizeof folded) {
+        std::uint64_t words[4];
+        std::memcpy(words, text.data() + i, sizeof words);
+        for (int k = 0; k < 4; ++k)
+            folded[k] ^= words[k];
+    }
+    return folded[0] ^ folded[1] ^ folded[2] ^ folded[3];
+}
+
+void hash(std::size_t size, double chain_bar) {
+    const std::string text = mixed_case(size);
+    const String subject(text);
+    Operation operation("hash, " + std::to_string(size) + " bytes");
+    operation.limit("reading", [&] { keep(read_every_byte(text)); })
+        .library([&] { keep(subject.hash()); })
+        .peer("std::hash", [&] { keep(std::hash<std::string_view>()(text)); })
+        .described("a chain of groups", [&] { keep(hash_in_a_chain(text)); })
+        .bar("a chain of groups", chain_bar);
+    run(operation);
+}
+
+const bench::Section section("4 Case, trimming, hash", [] {
+#ifdef _WIN32
+    lower(12, {2.5, 0});
+    lower(100, {1.3, 0});
+    lower(65536 + 64, {0, 0});
+    lower(megabyte, {1.2, 0});
+#else
+    lower(12, {2.1, 0.85});
+    lower(100, {1.25, 0.6});
+    lower(65536 + 64, {0, 0.2});
+    lower(megabyte, {0, 0.2});
+#endif
+    trim(2);
+    trim(5000);
+    hash(12, 1);
+    hash(60, 1);
+    hash(256, 1 / 1.8);
+    hash(4096, 1.0 / 12);
+    hash(megabyte, 1.0 / 12);
+});
+
+}  // namespace

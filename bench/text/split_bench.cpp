@@ -1,0 +1,114 @@
+// Splitting: String::split against the splitters of other libraries.
+#include <algorithm>
+#include <boost/algorithm/string/classification.hpp>
+#include <boost/algorithm/string/split.hpp>
+#include <string>
+#include <vector>
+
+#ifndef _WIN32
+#include <absl/strings/str_split.h>
+#endif
+
+#include "bench/harness.h"
+#include "util/text/text.h"
+
+using bench::keep;
+using bench::Operation;
+
+namespace {
+
+constexpr std::size_t megabyte = 1000000;
+
+// As the algorithm is described: a search for each end of a field, a copy cut out for it, and a
+// list that grows.
+std::vector<std::string> split_by_search(const std::string& text, const char* separators) {
+    std::vector<std::string> fields;
+    for (std::size_t end = 0;;) {
+        const std::size_t begin = text.find_first_not_of(separators, end);
+        if (begin == std::string::npos) return fields;
+        end = std::min(text.find_first_of(separators, begin), text.size());
+        const std::string field = text.substr(begin, end - begin);
+        fields.push_back(field);
+    }
+}
+
+struct Bars {
+    double limit, absl, boost;
+};
+
+void split(const char* name, const std::string& text, const char* separators, const Bars& bars) {
+    const std::vector<std::string> known = split_by_search(text, separators);
+    const String subject(text), set(separators);
+    Operation operation(name);
+    operation
+        .limit("known fields",
+               [&] {
+                   std::vector<std::string> fields;
+                   fields.reserve(known.size());
+                   for (const std::string& field : known)
+                       fields.emplace_back(field.data(), field.size());
+                   keep(fields);
+               })
+        .library([&] { keep(subject.split(set, true)); })
+        .peer("boost::split",
+              [&] {
+                  std::vector<std::string> fields;
+                  boost::split(fields, text, boost::is_any_of(separators),
+                               boost::token_compress_on);
+                  keep(fields);
+              })
+        .described("find_first_of, substr, push_back",
+                   [&] { keep(split_by_search(text, separators)); })
+        .bar("known fields", bars.limit)
+        .bar("boost::split", bars.boost);
+#ifndef _WIN32
+    operation
+        .peer("absl::StrSplit",
+              [&] {
+                  keep(std::vector<std::string>(
+                      absl::StrSplit(text, absl::ByAnyChar(separators), absl::SkipEmpty())));
+              })
+        .bar("absl::StrSplit", bars.absl);
+#endif
+    if (text.size() >= megabyte) {
+        operation.doubled([&, twice = String(text + text)] { keep(twice.split(set, true)); });
+    }
+    run(operation);
+}
+
+std::string search_path() {
+    std::string path;
+    for (int i = 0; i < 40; ++i)
+        path += "C:\\Program Files\\Vendor " + std::to_string(i * 37 % 100) + "\\bin;";
+    return path;
+}
+
+// A megabyte of fields of 1 to 20 bytes, each ended by a separator of the two in turn.
+std::string table_of_values(const char* separators) {
+    std::string text;
+    for (unsigned seed = 1; text.size() < megabyte;) {
+        seed = seed * 1103515245 + 12345;
+        text.append(1 + (seed >> 16) % 20, 'v');
+        text += separators[(seed >> 24) % 8 == 0];
+    }
+    return text;
+}
+
+const bench::Section section("2 Splitting", [] {
+#ifdef _WIN32
+    const Bars path = {1.12, 0, 1 / 1.75}, large = {1.22, 0, 1 / 1.75}, short_text = {1.35, 0, 0.5};
+    const Bars two_separators = large;
+#else
+    const Bars path = {1.20, 0.90, 0.4}, large = {1.35, 0.82, 0.4}, short_text = {1.9, 0.65, 0.4};
+    const Bars two_separators = {1.35, 0.35, 0.4};
+#endif
+    split("split \"7.1.2\"", "7.1.2", ".", short_text);
+    split("split a date", "2010/05/17 12:30:45", " /:", short_text);
+    split("split 3 addresses", "ann@example.test;bob@example.test;eve@example.test", ";",
+          short_text);
+    split("split a search path of 40", search_path(), ";", path);
+    split("split 1 MB at \",\"", table_of_values(",,"), ",", large);
+    split("split 1 MB at \",\" and line feed", table_of_values(",\n"), ",\n", two_separators);
+});
+
+}  // namespace
