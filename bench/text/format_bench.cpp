@@ -4,7 +4,9 @@
 
 #include <boost/format.hpp>
 #include <cstdio>
+#include <mutex>
 #include <string>
+#include <thread>
 
 #ifndef _WIN32
 #include <absl/strings/str_cat.h>
@@ -54,9 +56,87 @@ void format_text_and_number(std::size_t size) {
     run(operation);
 }
 
+// As formatting is described: the runtime's formatter into one shared buffer under one lock, and a
+// copy up to the NUL.
+template <typename... Arguments>
+std::string format_as_described(const char* format, Arguments... arguments) {
+    static std::mutex lock;
+    static char buffer[8192];
+    const std::lock_guard<std::mutex> guard(lock);
+    std::snprintf(buffer, sizeof buffer, format, arguments...);
+    return buffer;
+}
+
+// The runtime's formatter into a buffer that is there, and a copy: no lock.
+template <typename... Arguments>
+std::string format_and_copy(const char* format, Arguments... arguments) {
+    char buffer[512];
+    const int length = std::snprintf(buffer, sizeof buffer, format, arguments...);
+    return std::string(buffer, static_cast<std::size_t>(length));
+}
+
+void text_of_an_int() {
+    int number = 12345;
+    Operation operation("String(int)");
+    operation.limit("std::to_string", [&] { keep(std::to_string(number)); })
+        .library([&] { keep(String(number)); })
+        .peer("fmt::format_int", [&] { keep(fmt::format_int(number).str()); })
+        .described("formatter, lock, copy", [&] { keep(format_as_described("%d", number)); });
+#ifndef _WIN32
+    operation.bar("std::to_string", 3.3);
+#endif
+    run(operation);
+}
+
+// Formats that the runtime converts.
+void format_by_the_runtime() {
+    run(Operation("String(double)")
+            .limit("formatter into a buffer, copy", [] { keep(format_and_copy("%f", 1.5)); })
+            .library([] { keep(String(1.5)); })
+            .peer("fmt::sprintf", [] { keep(fmt::sprintf("%f", 1.5)); })
+            .bar("formatter into a buffer, copy", 1.15));
+    const char* const name = "replica";
+    run(Operation("format \"%-8s|%5d\"")
+            .limit("formatter into a buffer, copy",
+                   [&] { keep(format_and_copy("%-8s|%5d", name, 12345)); })
+            .library([&] { keep(String::format("%-8s|%5d", name, 12345)); })
+            .peer("fmt::sprintf", [&] { keep(fmt::sprintf("%-8s|%5d", name, 12345)); })
+            .bar("formatter into a buffer, copy", 1.15));
+}
+
+// Two threads that format at the same time: per call, over both.
+template <typename Format>
+void in_two_threads(Format format) {
+    const auto many = [&] {
+        for (int i = 0; i < 5000; ++i)
+            keep(format("agent-replica", i));
+    };
+    std::thread other(many);
+    many();
+    other.join();
+}
+
+void format_in_two_threads() {
+    run(Operation("format \"%s-%d\" in two threads")
+            .library(
+                [] { in_two_threads([](auto s, int n) { return String::format("%s-%d", s, n); }); })
+            .peer("fmt::sprintf, no lock",
+                  [] { in_two_threads([](auto s, int n) { return fmt::sprintf("%s-%d", s, n); }); })
+            .described("formatter, lock, copy",
+                       [] {
+                           in_two_threads(
+                               [](auto s, int n) { return format_as_described("%s-%d", s, n); });
+                       })
+            .per(10000)
+            .bar("formatter, lock, copy", 0.65));
+}
+
 const bench::Section section("1 Formatting", [] {
     for (const std::size_t size : {20, 200, 5000})
         format_text_and_number(size);
+    text_of_an_int();
+    format_by_the_runtime();
+    format_in_two_threads();
 });
 
 }  // namespace
