@@ -41,11 +41,11 @@ inline std::size_t find_byte(const char* text, std::size_t size, char c) {
         if (bits != 0) return i + lowest_bit(bits);
     }
     for (; i + block_size <= size; i += block_size) {
-        const unsigned bits = block_bits(_mm_cmpeq_epi8(load(text + i), wanted));
+        const unsigned bits = equal_bits(load(text + i), wanted);
         if (bits != 0) return i + lowest_bit(bits);
     }
     const std::size_t last = size - block_size;
-    const unsigned bits = block_bits(_mm_cmpeq_epi8(load(text + last), wanted));
+    const unsigned bits = equal_bits(load(text + last), wanted);
     return bits != 0 ? last + lowest_bit(bits) : size;
 }
 

@@ -46,7 +46,10 @@ inline Block all(char c) {
 inline unsigned block_bits(Block compared) {
     return static_cast<unsigned>(_mm_movemask_epi8(compared));
 }
-// The same for four blocks, each of which compare(address) makes. Mostly none is set.
+inline unsigned equal_bits(Block a, Block b) {
+    return block_bits(_mm_cmpeq_epi8(a, b));
+}
+// As block_bits, for the four blocks that compare makes of as many addresses. Mostly none is set.
 template <typename Compare>
 [[gnu::always_inline]] inline std::uint64_t line_bits(const char* from, Compare compare) {
     const Block b0 = compare(from), b1 = compare(from + block_size);
