@@ -9,8 +9,7 @@ namespace util {
 namespace plain {
 
 // Encodes up to the first 1 or 2, and decodes up to the first 2 (of text without a 0); both return
-// the number of bytes. `to` has room for as many as `from` has, and what lies behind the result
-// may be written as well.
+// the number of bytes, which are written to `to`.
 inline std::size_t encode_run(const char* from, std::size_t size, char* to) {
     std::size_t i = 0;
     for (; i < size && from[i] != 1 && from[i] != 2; ++i)
@@ -33,9 +32,10 @@ inline std::size_t encode_run(const char* from, std::size_t size, char* to) {
     std::size_t i = 0;
     for (; i + block_size <= size; i += block_size) {
         const Block bytes = load(from + i);
-        const Block at_least_1 = _mm_max_epu8(bytes, all(1));
-        if (equal_bits(bytes, all(1)) | equal_bits(bytes, all(2))) break;
-        store(to + i, at_least_1);
+        const Block one = _mm_cmpeq_epi8(bytes, all(1));
+        const Block two = _mm_cmpeq_epi8(bytes, all(2));
+        if (_mm_movemask_epi8(_mm_or_si128(one, two)) != 0) break;
+        store(to + i, _mm_max_epu8(bytes, all(1)));
     }
     return i + plain::encode_run(from + i, size - i, to + i);
 }
@@ -44,7 +44,7 @@ inline std::size_t decode_run(const char* from, std::size_t size, char* to) {
     std::size_t i = 0;
     for (; i + block_size <= size; i += block_size) {
         const Block bytes = load(from + i);
-        if (equal_bits(bytes, all(2)) != 0) break;
+        if (_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, all(2))) != 0) break;
         store(to + i, _mm_andnot_si128(_mm_cmpeq_epi8(bytes, all(1)), bytes));
     }
     return i + plain::decode_run(from + i, size - i, to + i);
