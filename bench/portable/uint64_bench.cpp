@@ -37,7 +37,7 @@ struct Numbers {
     std::string decimal[count], hex[count];
 };
 
-// The native operators, called like the library's.
+// The native operators and the peers, called out of line as the library is.
 [[gnu::noinline]] std::uint64_t add(const std::uint64_t& a, std::uint64_t b) {
     return a + b;
 }
@@ -86,14 +86,18 @@ void arithmetic(const Numbers& n) {
 }
 
 template <int base>
-char to_chars(std::uint64_t v) {
+[[gnu::noinline]] char to_chars(std::uint64_t v) {
     char text[24];
     *std::to_chars(text, text + sizeof text, v, base).ptr = '\0';
     return text[0];
 }
 
+[[gnu::noinline]] char format_int(std::uint64_t v) {
+    return *fmt::format_int(v).c_str();
+}
+
 template <int base>
-std::uint64_t from_chars(const std::string& text) {
+[[gnu::noinline]] std::uint64_t from_chars(const std::string& text) {
     std::uint64_t value = 0;
     std::from_chars(text.data(), text.data() + text.size(), value, base);
     return value;
@@ -103,8 +107,7 @@ void texts(const Numbers& n) {
     run(Operation("64-bit value: to_decimal")
             .limit("std::to_chars", for_each([&](auto i) { return to_chars<10>(n.a[i]); }))
             .library(for_each([&](auto i) { return *n.x[i].to_decimal(); }))
-            .peer("fmt::format_int",
-                  for_each([&](auto i) { return *fmt::format_int(n.a[i]).c_str(); }))
+            .peer("fmt::format_int", for_each([&](auto i) { return format_int(n.a[i]); }))
             .bar("fmt::format_int", 0.75)
             .per(count));
     run(Operation("64-bit value: to_hex(0)")
@@ -115,7 +118,7 @@ void texts(const Numbers& n) {
 }
 
 template <int base>
-void parsing(const Numbers& n, const char* name, const std::string* texts) {
+void parsing(const char* name, const std::string* texts) {
     Operation operation(name);
     operation.limit("std::from_chars", for_each([&](auto i) { return from_chars<base>(texts[i]); }))
         .library(for_each([&](auto i) { return ksl_uint64_c(texts[i].c_str()); }))
@@ -127,7 +130,6 @@ void parsing(const Numbers& n, const char* name, const std::string* texts) {
 #else
     operation.bar("std::from_chars", 1.1);
 #endif
-    static_cast<void>(n);
     run(operation);
 }
 
@@ -135,8 +137,8 @@ const bench::Section section("5 64-bit values", [] {
     const Numbers numbers;
     arithmetic(numbers);
     texts(numbers);
-    parsing<10>(numbers, "64-bit value from decimal text", numbers.decimal);
-    parsing<16>(numbers, "64-bit value from hexadecimal text", numbers.hex);
+    parsing<10>("64-bit value from decimal text", numbers.decimal);
+    parsing<16>("64-bit value from hexadecimal text", numbers.hex);
 });
 
 }  // namespace
