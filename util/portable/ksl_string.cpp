@@ -13,6 +13,7 @@
 #include "util/internal/kernels/coded_bytes.h"
 #include "util/internal/kernels/compare_folded.h"
 #include "util/internal/kernels/find_byte.h"
+#include "util/internal/kernels/pair_bits.h"
 
 namespace {
 
@@ -159,19 +160,30 @@ int ksl_match_token_str(const char* token_str, const char* token, const char* de
     // Warnings only, on purpose: see the header. The list is measured, and a null one faults,
     // before the others are looked at.
     if (!token_str) report("NULL token_str passed to ksl_match_token_str");
-    const char* const end = token_str + util::text_length(token_str);
+    const std::size_t size = util::text_length(token_str);
     if (!token) report("NULL token passed to ksl_match_token_str_aux");
     if (!delimits) report("NULL delimits passed to ksl_match_token_str_aux");
 
-    const util::ByteSet separators(delimits);
+    util::ByteSet separators(delimits);
+    separators.add('\0');
     const auto is_separator = [&](char c) { return separators.has(c); };
-    for (const char* word = token_str;;) {
-        word = std::find_if_not(word, end, is_separator);
-        if (word == end) return 0;
-        const char* const word_end = std::find_if(word, end, is_separator);
-        // Never more of the token than the word is long, so that all words together cost one pass.
-        const auto length = static_cast<std::size_t>(word_end - word);
-        if (std::strncmp(word, token, length) == 0 && token[length] == '\0') return 1;
-        word = word_end;
+    if (std::all_of(token_str, token_str + size, is_separator)) return 0;
+    const std::size_t length = util::text_length(token);
+    if (length == 0 || length > size || std::any_of(token, token + length, is_separator)) return 0;
+
+    // The token is looked for where its first and last byte stand between separators. It has none
+    // itself, so comparing never leaves that word, and all words together cost one pass.
+    const util::BytePair ends = {token[0], token[length - 1], length - 1};
+    const std::size_t places = size - ends.distance;
+    for (std::size_t line = 0; line < places; line += util::line_size) {
+        const std::size_t count = std::min(util::line_size, places - line);
+        std::uint64_t bits = util::kernels::pair_bits(token_str + line, count, ends);
+        for (; bits != 0; bits &= bits - 1) {
+            const char* const at = token_str + line + util::lowest_bit(bits);
+            const bool stands_alone =
+                (at == token_str || is_separator(at[-1])) && is_separator(at[length]);
+            if (stands_alone && std::memcmp(at, token, length) == 0) return 1;
+        }
     }
+    return 0;
 }

@@ -34,7 +34,7 @@ inline std::size_t encode_run(const char* from, std::size_t size, char* to) {
         const Block bytes = load(from + i);
         const Block one = _mm_cmpeq_epi8(bytes, all(1));
         const Block two = _mm_cmpeq_epi8(bytes, all(2));
-        if (_mm_movemask_epi8(_mm_or_si128(one, two)) != 0) break;
+        if (block_bits(_mm_or_si128(one, two)) != 0) break;
         store(to + i, _mm_max_epu8(bytes, all(1)));
     }
     return i + plain::encode_run(from + i, size - i, to + i);
@@ -44,7 +44,7 @@ inline std::size_t decode_run(const char* from, std::size_t size, char* to) {
     std::size_t i = 0;
     for (; i + block_size <= size; i += block_size) {
         const Block bytes = load(from + i);
-        if (_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, all(2))) != 0) break;
+        if (block_bits(_mm_cmpeq_epi8(bytes, all(2))) != 0) break;
         store(to + i, _mm_andnot_si128(_mm_cmpeq_epi8(bytes, all(1)), bytes));
     }
     return i + plain::decode_run(from + i, size - i, to + i);

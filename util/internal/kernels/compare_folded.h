@@ -37,9 +37,7 @@ inline std::size_t equal_folded(const char* a, const char* b, std::size_t size) 
     const auto block_at = [&](std::size_t i) {
         return equal_but_for_case(load(a + i), load(b + i));
     };
-    const auto differing = [](Block equal) {
-        return static_cast<unsigned>(_mm_movemask_epi8(equal)) ^ 0xFFFF;
-    };
+    const auto differing = [](Block equal) { return block_bits(equal) ^ 0xFFFF; };
     std::size_t i = 0;
     for (; i + 2 * block_size <= size; i += 2 * block_size) {
         if (differing(_mm_and_si128(block_at(i), block_at(i + block_size))) != 0) break;
