@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <new>
+#include <system_error>
 
 #include "util/internal/kept_errors.h"
 #include "util/text/byte_string.h"
@@ -128,6 +129,15 @@ class FormatBuffer {
 
 std::mutex format_lock;
 
+// A lock that has to be waited for may want memory, and reports the lack of it in a way of its own.
+std::unique_lock<std::mutex> taken(std::mutex& lock) {
+    try {
+        return std::unique_lock<std::mutex>(lock);
+    } catch (const std::system_error&) {
+        throw std::bad_alloc();
+    }
+}
+
 // To be called under the lock. Never destroyed: other objects of static storage may format while
 // the library unloads.
 FormatBuffer& format_buffer() {
@@ -138,7 +148,7 @@ FormatBuffer& format_buffer() {
 
 template <typename Number>
 void assign_decimal(std::string& text, Number value) {
-    const std::lock_guard<std::mutex> lock(format_lock);
+    const std::unique_lock<std::mutex> lock = taken(format_lock);
     text = format_buffer().decimal(value);
 }
 
@@ -167,6 +177,6 @@ String String::format(const char* fmt, ...) {
 
 String String::va_format(const char* fmt, va_list args) {
     if (!fmt) return String();
-    const std::lock_guard<std::mutex> lock(format_lock);
+    const std::unique_lock<std::mutex> lock = taken(format_lock);
     return format_buffer().format(fmt, args);
 }
