@@ -17,13 +17,11 @@ constexpr int most_draws = 4096;  // a directory has room for 65535 names of thi
 
 void remove_file(const std::string& path) noexcept {
     try {
-        UTF8_unlink(path.c_str());
-    } catch (...) {  // no memory; this way needs none
-        wchar_t wide[MAX_PATH];
-        if (MultiByteToWideChar(CP_UTF8, 0, path.c_str(), -1, wide, MAX_PATH) > 0) {
-            DeleteFileW(wide);
-        }
+        if (UTF8_unlink(path.c_str()) == 0) return;
+    } catch (...) {  // no memory, which a mere -1 may mean as well
     }
+    wchar_t wide[MAX_PATH];  // this way needs none
+    if (MultiByteToWideChar(CP_UTF8, 0, path.c_str(), -1, wide, MAX_PATH) > 0) DeleteFileW(wide);
 }
 
 // Files that only keep a name; gone at the end of their scope.
