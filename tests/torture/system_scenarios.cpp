@@ -1,0 +1,345 @@
+#include <cstring>
+#include <list>
+
+#include "poll/loopback.h"
+#include "support/built_file.h"
+#include "support/environment_change.h"
+#include "torture/scenario.h"
+#include "torture/stand_ins.h"
+#include "util/host/host.h"
+#include "util/mail/mail.h"
+#include "util/poll/poll.h"
+
+namespace torture {
+namespace {
+
+const std::string server_key = "SOFTWARE\\Vorn\\Vorn Quillmark Tessaron\\Server";
+const std::string web_key = "SOFTWARE\\Microsoft\\InetStp";
+const std::string database_key = "SOFTWARE\\Torture\\Db";
+const std::string volume_key = "SOFTWARE\\VERITAS\\Volume Manager 4.1";
+const String text("a text longer than any short string holds");
+
+// Sizes of a directory's files, by their number: [0] how many are empty, [1] how many are not.
+std::pair<int, int> files_in(const std::string& directory) {
+    std::pair<int, int> count;
+    WIN32_FIND_DATAA found;
+    const HANDLE search = FindFirstFileA((directory + "\\tsr*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return count;
+    do {
+        ++(found.nFileSizeLow == 0 ? count.first : count.second);
+    } while (FindNextFileA(search, &found));
+    FindClose(search);
+    return count;
+}
+
+void send_two(Run& run, bool is_registered) {
+    const std::string temp = run.scratch.directory("temp"),
+                      pickup = run.scratch.directory("pickup");
+    const util_test::EnvironmentChange change(L"TMP", util_test::to_wide(temp).c_str());
+    registry().set_text(web_key, "InstallPath", "C:\\inetsrv");
+    if (is_registered) {
+        registry().set_text(server_key, "EmailPickupDir", pickup);
+    } else {
+        registry().set_text(web_key, "PathWWWRoot", run.scratch.path() + "\\wwwroot");
+        run.scratch.directory("mailroot\\Pickup");
+    }
+    int result = 1;
+    email mail("from", "a; ;b", "subject", text);
+    result = run.call(memory, [&] { return mail.send(); });
+    const auto dropped = files_in(is_registered ? pickup : run.scratch / "mailroot\\Pickup");
+    const auto kept = files_in(temp);
+    run.outcome(!run.raised() && result == 0 && dropped.second == 2 && kept.second == 0,
+                run.raised() || result == -1 || (result == 0 && dropped.second >= 1));
+    const bool can_delete = !Run::failing("_wunlink") && !Run::failing("DeleteFileA") &&
+                            !Run::failing("DeleteFileW") &&
+                            !(Run::failing("MultiByteToWideChar") && Run::for_good());
+    if (can_delete) run.always(dropped.first == 0, "a placeholder is left");
+    registry().remove_value(server_key, "EmailPickupDir");
+    registry().remove_value(web_key, "PathWWWRoot");
+}
+
+// A formatter that rejects its format leaves nothing to say.
+bool names_the_call(const char* message) {
+    return std::strstr(message, " failed (error code = ") || Run::failing("_vsnprintf_s_l");
+}
+
+void connect_share(Run& run, DWORD result, DWORD disconnected, const char* message) {
+    stand_ins.connect = result;
+    stand_ins.disconnect = disconnected;
+    char said[4096] = "";
+    const int got = run.call(
+        nothing, [&] { return UTIL_ConnectCifsShare("\\\\srv\\share", "user", "secret", said); });
+    run.outcome(got == (result ? -1 : 0) && !std::strcmp(said, message),
+                (got == -1 && names_the_call(said)) || (got == 0 && !*said));
+}
+
+void enumerate(Run& run) {
+    const String directory(run.scratch.path());
+    std::list<String> hosts;
+    String message;
+    const int result =
+        run.call(nothing, [&] { return UTIL_EnumHostsOnANetwork(hosts, directory, message); });
+    run.outcome(
+        result == 0 && hosts.size() == 2 && message.empty(),
+        (result == 0 && !hosts.empty()) || !message.empty() || (result == -1 && hosts.empty()));
+}
+
+struct Reader : Poll::Callback {
+    explicit Reader(const util_test::Connection& from) : connection(from) {}
+    void ready(int fd, int) override {
+        if (fd != 0) connection.read();
+        ++served;
+    }
+    const util_test::Connection& connection;
+    int served = 0;
+};
+
+}  // namespace
+
+const std::vector<Scenario> system_scenarios = {
+    {"Poll",
+     [](Run& run) {
+         const util_test::Connection connection, idle;
+         connection.send_byte();
+         SetStdHandle(STD_INPUT_HANDLE, CreateEventA(nullptr, FALSE, TRUE, nullptr));
+         Reader reader(connection);
+         run.completes(memory, [&] {
+             Poll poll;
+             poll.append(0, &reader);
+             poll.append(connection.fd(), &reader);
+             poll.append(idle.fd(), &reader);
+             poll.append(idle.fd(), nullptr);
+             poll.SetBlockingMode(idle.fd());
+             poll.SetNonBlockingMode(idle.fd());
+             poll.run(0);
+             poll.remove(idle.fd());
+             poll.remove(12345);
+             poll.remove(0);
+         });
+         run.outcome(reader.served == 2, reader.served < 2);
+         // Where the poller never took the standard input over, it is still to be closed.
+         DWORD flags;
+         const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+         if (GetHandleInformation(input, &flags)) CloseHandle(input);
+     }},
+    {"email",
+     [](Run& run) {
+         run.completes(memory, [&] {
+             email mail, other("f", "t", "s", "b"), copy(other);
+             mail = other;
+             mail.updateFrom(text), mail.updateTo(text), mail.updateSubject(text);
+             mail.updateBody(text);
+             if (!(mail.isReady() && !mail.isNull() && mail.getTo() == "t;" + text &&
+                   mail.getFrom() == "f;" + text && mail.getSubject() == "s " + text &&
+                   mail.getBody() == "b\r\n" + text && mail.GetLastErrorMessage().empty())) {
+                 throw std::logic_error("a wrong field");
+             }
+         });
+     }},
+    {"email::send", [](Run& run) { send_two(run, true); }},
+    {"email::send, by the web server", [](Run& run) { send_two(run, false); }},
+    {"email::send_mail to nobody",
+     [](Run& run) {
+         const String nobody, blank(" ;");
+         registry().set_text(web_key, "InstallPath", "C:\\inetsrv");
+         email mail;
+         int result = run.call(memory, [&] { return mail.send_mail(text, nobody, text, text); });
+         run.outcome(result == 0 && !mail.GetLastErrorMessage().empty(), run.raised());
+         result = run.call(memory, [&] { return mail.send_mail(text, blank, text, text); });
+         run.outcome(!run.raised() && result == 0, run.raised() || result == -1);
+     }},
+    {"MailInstalled, MailRunning",
+     [](Run& run) {
+         registry().set_text(web_key, "InstallPath", "C:\\inetsrv");
+         bool results[2] = {};
+         run.completes(memory, [&] {
+             results[0] = MailInstalled();
+             results[1] = MailRunning();
+         });
+         run.outcome(results[0] && results[1], true);
+     }},
+    {"UTIL_basename and others that ask nobody",
+     [](Run& run) {
+         char name[8];
+         const char* argument = nullptr;
+         const char* const args[] = {"p", "-b", "v", nullptr};
+         int index = 1;
+         UTIL_TimeOfDay now;
+         const bool right = run.call(nothing, [&] {
+             return UTIL_basename(name, "a/b") == -1 && UTIL_CDPbasename(name, "a/b") == -1 &&
+                    UTIL_IsBinaryEqual("a", "a", 1) && UTIL_isBKDevice("Talvora") &&
+                    UTIL_getopt(3, args, "b:", &index, &argument) == 'b' &&
+                    UTIL_GetTimeOfDay(&now) == 0 && UTIL_getFeatureSet() == 1;
+         });
+         run.always(right && !std::strcmp(name, "b"), "a wrong answer");
+     }},
+    {"UTIL_ConnectCifsShare", [](Run& run) { connect_share(run, 0, 0, ""); }},
+    {"UTIL_ConnectCifsShare, conflict",
+     [](Run& run) {
+         connect_share(run, ERROR_SESSION_CREDENTIAL_CONFLICT, ERROR_NOT_CONNECTED,
+                       "WNetAddConnection2 failed (error code = 1219) \n Earlier attempt(s):"
+                       "WNetAddConnection2 failed (error code = 1219)\n"
+                       "WNetCancelConnection2 failed (error code = 2250)");
+     }},
+    {"UTIL_ConnectCifsShare, provider",
+     [](Run& run) {
+         connect_share(run, ERROR_EXTENDED_ERROR, 0,
+                       "WNetAddConnection2 failed (error code = 42). caf\xC3\xA9 \n ");
+     }},
+    {"UTIL_DisconnectCifsShare",
+     [](Run& run) {
+         char said[4096] = "";
+         const int got =
+             run.call(nothing, [&] { return UTIL_DisconnectCifsShare("\\\\srv\\share", said); });
+         run.outcome(got == 0 && !*said, got == -1 && names_the_call(said));
+     }},
+    {"UTIL_IsClustered, UTIL_IsCluster",
+     [](Run& run) {
+         const String name("IISADMIN");
+         bool results[2] = {};
+         run.call(nothing, [&] {
+             results[0] = UTIL_IsClustered(name);
+             results[1] = UTIL_IsCluster();
+         });
+         run.outcome(results[0] && !results[1], !results[0]);
+     }},
+    {"UTIL_getTSSEDBInfoFromRegistry",
+     [](Run& run) {
+         registry().set_text(database_key, "Database Path", "\\\\srv\\share\\a\\long\\path\\to.db");
+         registry().set_text(database_key, "DatabaseUsername", text.str());
+         registry().set_text(database_key, "DatabasePassword", text.str());
+         const String key(database_key);
+         String path("p"), user("u"), password("w");
+         // The key is taken by value, so the caller's copy may be what finds no memory.
+         const bool result = run.call(
+             memory, [&] { return UTIL_getTSSEDBInfoFromRegistry(key, path, user, password); });
+         run.outcome(result && user == text && password == text,
+                     !result && user == "u" && password == "w");
+     }},
+    {"UTIL_SetupPnPRescan",
+     [](Run& run) {
+         String message;
+         SetLastError(77);
+         const int result = run.call(nothing, [&] { return UTIL_SetupPnPRescan(message); });
+         run.outcome(result == 0 && message.empty(), result == -1);
+     }},
+    {"UTIL_FormatMessage",
+     [](Run& run) {
+         String out("before");
+         const DWORD code = run.call(nothing, [&] {
+             SetLastError(ERROR_FILENAME_EXCED_RANGE);
+             UTIL_FormatMessage(out);
+             return GetLastError();
+         });
+         run.outcome(!out.empty() && out != "before", out.empty());
+         run.always(code == ERROR_FILENAME_EXCED_RANGE, "the last error");
+     }},
+    {"UTIL_EnumHostsOnANetwork",
+     [](Run& run) {
+         registry().set_text(server_key, "ComputerDomainName", "example.test");
+         enumerate(run);
+         registry().remove_value(server_key, "ComputerDomainName");
+     }},
+    {"UTIL_EnumHostsOnANetwork, the computer's domain",
+     [](Run& run) {
+         String message;
+         std::list<String> hosts;
+         const String directory(run.scratch.path());
+         const int result =
+             run.call(nothing, [&] { return UTIL_EnumHostsOnANetwork(hosts, directory, message); });
+         // Whether this machine has a domain is not known here.
+         run.always(result == 0 || (result == -1 && hosts.empty()), "the result");
+     }},
+    {"UTIL_GetModuleVersion",
+     [](Run& run) {
+         const std::string module = util_test::built_file("stamped.dll");
+         char out[30] = "before";
+         const char* const result =
+             run.call(nothing, [&] { return UTIL_GetModuleVersion(module.c_str(), out); });
+         run.outcome(result == out && !std::strcmp(out, "1.2.3.196608"),
+                     result && result != out && !*result && !*out);
+     }},
+    {"UTIL_GetOsVersion and its like",
+     [](Run& run) {
+         unsigned long major = 0;
+         int results[5] = {};
+         bool transportable = false;
+         String name;
+         run.call(nothing, [&] {
+             results[0] = UTIL_GetOsVersion(&major, nullptr, nullptr, nullptr, nullptr, nullptr);
+             results[1] = UTIL_IsOSVersionAtLeast(5, 0);
+             results[2] = UTIL_IsOSVersionEqualTo(1, 1, 1, 1, 1, 1);
+             results[3] = UTIL_IsEnterpriseEdition();
+             results[4] = UTIL_IsWin2k3SP_1_Or_Later();
+             transportable = UTIL_IsVSSTransportableSupported();
+             results[0] += UTIL_getPlatform(name);
+         });
+         run.outcome(results[0] == 0 && major >= 5, results[0] == -1 && major == 0);
+         run.outcome(results[1] == 1 && results[2] == 0, results[1] == -1 || results[2] == -1);
+         run.outcome(results[3] >= 0 && results[4] >= 0, results[3] == -1 || results[4] == -1);
+         run.outcome(name == "Windows", name.empty());
+     }},
+    {"UTIL_GetOsVersion, R2",
+     [](Run& run) {
+         stand_ins.is_old = true;
+         unsigned short r2 = 2;
+         const int result = run.call(nothing, [&] {
+             return UTIL_GetOsVersion(nullptr, nullptr, nullptr, nullptr, nullptr, &r2);
+         });
+         run.outcome(result == 0 && r2 <= 1, result == -1 && r2 == 2);
+     }},
+    {"UTIL_ModifyPrivilege",
+     [](Run& run) {
+         const unsigned long result =
+             run.call(nothing, [] { return UTIL_ModifyPrivilege("SeBackupPrivilege", 1); });
+         run.outcome(result == 0, result != 0);
+     }},
+    {"UTIL_GetRegistryValue",
+     [](Run& run) {
+         registry().set_text(volume_key, "InstallDir", text.str());
+         const String key(volume_key), name("InstallDir");
+         String out("untouched");
+         const int result =
+             run.call(nothing, [&] { return UTIL_GetRegistryValue(key, name, out); });
+         run.outcome(result == 0 && out == text, result == -1 && out == "untouched");
+     }},
+    {"UTIL_GetVeritasVersion, UTIL_GetVeritasPath",
+     [](Run& run) {
+         registry().set_text(volume_key, "InstallDir", text.str());
+         char version[4] = "";
+         const bool found = run.call(nothing, [&] { return UTIL_GetVeritasVersion(version); });
+         run.outcome(found && !std::strcmp(version, "4.1"), !found && !*version);
+         String path("untouched"), message;
+         const bool result = run.call(nothing, [&] { return UTIL_GetVeritasPath(path, message); });
+         run.outcome(result && path == text && message.empty(), !result && path == "untouched");
+     }},
+    {"UTIL_GetHalcVexsnapFileName",
+     [](Run& run) {
+         const String tool(run.scratch.file("vexsnap.exe"));
+         const util_test::EnvironmentChange path(
+             L"PATH", util_test::to_wide("C:\\no_such_directory;" + run.scratch.path()).c_str());
+         String out("before");
+         const int result = run.call(nothing, [&] { return UTIL_GetHalcVexsnapFileName(out); });
+         run.outcome(result == 0 && out == tool, result == -1 && out.empty());
+     }},
+    {"UTIL_GetTempDirectory",
+     [](Run& run) {
+         const String path = run.call(nothing, [] { return UTIL_GetTempDirectory(); });
+         run.outcome(!path.empty() && path != ".", true);
+     }},
+    {"UTIL_getIsWow64 and the redirection",
+     [](Run& run) {
+         unsigned char flag = 2;
+         int results[2] = {};
+         void* state = nullptr;
+         const unsigned long result = run.call(nothing, [&] {
+             results[0] = UTIL_VornWow64DisableWow64FsRedirection(&state);
+             results[1] = UTIL_VornWow64RevertWow64FsRedirection(state);
+             return UTIL_getIsWow64(&flag);
+         });
+         run.outcome(result == 0 && flag == 1, result == 0 && flag == 0);
+         run.outcome(results[0] == 1 && results[1] == 1, true);
+     }},
+};
+
+}  // namespace torture
