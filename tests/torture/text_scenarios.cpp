@@ -29,8 +29,12 @@ String formatted(const char* format, ...) {
     return String::va_format(format, args);
 }
 
+// What derived classes may use.
 struct OpenDate : ExtDate {
     using ExtDate::set_time_of_day;
+};
+struct OpenString : ExtString {
+    OpenString(const char* bytes, std::uint64_t size) : ExtString(bytes, size) {}
 };
 
 // A change of a text that is made or not made, and nothing between.
@@ -64,6 +68,7 @@ const std::vector<Scenario> text_scenarios = {
              const ExtString plain[] = {ExtString(), ExtString("text"), ExtString(standard),
                                         ExtString(base)};
              const std::unique_ptr<ExtString> other(new ExtString(plain[3]));
+             const OpenString open(text, 30);
          });
      }},
     {"String, from numbers",

@@ -38,8 +38,8 @@ class Worker {
           progress(static_cast<Progress*>(
               MapViewOfFile(m_mapping.get(), FILE_MAP_ALL_ACCESS, 0, 0, sizeof(Progress)))) {
         progress->target = -1;
-        DeleteFileA(m_log.c_str());
     }
+    ~Worker() { DeleteFileA(m_log.c_str()); }
 
     void work() {
         constexpr int most_ends = 50;
