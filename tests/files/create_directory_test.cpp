@@ -13,7 +13,8 @@ namespace {
 TEST(MakeNewNtDirTest, TellsNewFromExistingFromInUse) {
     ScratchDirectory scratch;
     scratch.file("file", "");
-    const HANDLE held = CreateFileA(scratch.directory("held").c_str(), GENERIC_READ, 0, nullptr,
+    const HANDLE held = CreateFileA(scratch.directory("held").c_str(), GENERIC_READ,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                     OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     const struct {
         const char* name;

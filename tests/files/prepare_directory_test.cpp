@@ -2,11 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <random>
 #include <set>
 
-#include "support/handle_count.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
 #include "support/second_process.h"
@@ -123,32 +121,6 @@ TEST_F(PrepareDirectoryTest, SaysWhatWhereAndWhy) {
     String path = "in-out";
     EXPECT_EQ(UTIL_prepareAndCreateDir(path, m_message, ".", path, nullptr), 0u);
     EXPECT_TRUE(XrDirectory::IsDirectory("in-out")) << "read before it is told";
-}
-
-int allocations_left = -1;  // no limit
-void* limited_malloc(size_t size) {
-    if (allocations_left == 0) return nullptr;
-    if (allocations_left > 0) --allocations_left;
-    return std::malloc(size);
-}
-
-TEST_F(PrepareDirectoryTest, OutOfMemoryAnywhereIsAFailureAndGivesEverythingBack) {
-    const ImportPatch patch("libstdc++-6.dll", "malloc", limited_malloc);
-    long handles = 0;
-    for (const char* name : {"first exceptions keep handles\\b", "a\\b"}) {
-        const String path = m_scratch / name;
-        handles = util_test::handle_count();  // of the last time
-        int failures = -1;
-        for (unsigned long result = 8; result == 8; ++failures) {
-            allocations_left = failures + 1;
-            result = UTIL_prepareAndCreateDir(path, m_message, m_tracking, m_failed, &m_kind);
-            allocations_left = -1;
-            EXPECT_TRUE(result == 0 || result == 8) << result;
-        }
-        EXPECT_GE(failures, 5);
-    }
-    EXPECT_EQ(util_test::handle_count(), handles);
-    EXPECT_EQ(records(m_tracking.str()).size(), 4u) << "what was created is recorded";
 }
 
 TEST_F(PrepareDirectoryTest, TwoProcessesAtOnceRecordEachDirectoryOnce) {

@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <memory>
 
-#include "support/handle_count.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
 #include "util/portable/utf8_files.h"
@@ -142,35 +141,6 @@ TEST_F(XrDirectoryTest, UnreadableDirectoriesSaySoOnStandardOutput) {
     EXPECT_EQ(missing.getDirectoryList(false, false)->size(), 0u);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Failed to open directory: " + m_scratch / "missing" + "\n");
-}
-
-int allocations_left;
-void* counted_new(size_t size) {
-    if (allocations_left-- <= 0) throw std::bad_alloc();
-    return ::operator new(size);
-}
-
-TEST_F(XrDirectoryTest, ListingGivesEverythingBackWhenMemoryRunsOut) {
-    for (const char* name : {"a", "b", "c"})
-        m_scratch.file(name, "");
-    XrDirectory directory(m_scratch.path());
-    long handles[2];
-    for (long& count : handles) {  // the runtime keeps handles from the first exception on
-        int limit = 0;
-        for (Names found; found.empty(); ++limit) {
-            const ImportPatch patch("_Znwy", counted_new);
-            allocations_left = limit;
-            try {
-                found = names(directory);
-                EXPECT_EQ(found, (Names{"a", "b", "c"})) << "never a listing cut short";
-            } catch (...) {  // from the conversion of a path, the platform's own error
-            }
-        }
-        EXPECT_GE(limit, 5);
-        directory.destroy();
-        count = handle_count();
-    }
-    EXPECT_EQ(handles[0], handles[1]);
 }
 
 TEST_F(XrDirectoryTest, AnswersAboutPathsAndCreatesNothing) {

@@ -288,33 +288,4 @@ TEST_F(RegistryTest, DatabaseKeyIsMadeWhenMissingAndStaysOpenAfterAFailedConvers
     keys_meant_to_stay = 1;
 }
 
-// --- all of them ---
-
-void* no_memory(std::size_t) {
-    return nullptr;
-}
-
-TEST_F(RegistryTest, ExhaustedMemoryIsAFailureLikeAnyOther) {
-    registry.set_text(key, "Home", "x");
-    registry.create(manager + "4.1");
-    const String path = key, name = "Home";
-    String a = "before", b = "before", c = "before";
-    for (const bool first : {true, false}) {
-        char version[4];
-        int value;
-        bool found;
-        String by_value = path;
-        {
-            const ImportPatch patch("libstdc++-6.dll", "malloc", no_memory);
-            value = UTIL_GetRegistryValue(path, name, a);
-            found = UTIL_GetVeritasVersion(version) || UTIL_GetVeritasPath(a, b) ||
-                    UTIL_getTSSEDBInfoFromRegistry(std::move(by_value), a, b, c);
-        }
-        EXPECT_EQ(value, -1);
-        EXPECT_FALSE(found);
-        EXPECT_EQ(a + b + c, "beforebeforebefore");
-        if (first) keys_meant_to_stay = keys_left_open();  // what the runtime keeps from then on
-    }
-}
-
 }  // namespace

@@ -297,6 +297,7 @@ TEST_F(SendMailTest, MessagesWaitForAServiceThatIsNotThere) {
     send("b", -1, "IIS is not running.");
     service->start();
     send("c;", -1, "IIS is not installed.");
+    send(" ;", -1, "IIS is not installed.");  // asked also when there is nobody to send to
     EXPECT_EQ(contents("pickup"), messages_to({"a", "b", "c"}));
 
     registry.set_text(util_test::web_key, "InstallPath", "C:\\inetsrv");

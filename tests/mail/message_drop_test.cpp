@@ -136,44 +136,6 @@ TEST_F(MessageDropTest, APickupDirectoryThatVanishesHalfWayLeavesTheRestInTheTem
     EXPECT_EQ(other.GetLastErrorMessage(), "") << "it vanished behind the name";
 }
 
-int until_failure;  // 0: no allocation fails (any more)
-
-void* failing_malloc(std::size_t size) {
-    if (until_failure > 0 && --until_failure == 0) return nullptr;
-    return std::malloc(size);
-}
-wchar_t* WINAPI failing_wide(const wchar_t* text) {
-    using Allocate = wchar_t* WINAPI(const wchar_t*);
-    if (until_failure > 0 && --until_failure == 0) return nullptr;
-    static auto* const real = reinterpret_cast<Allocate*>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleA("oleaut32.dll"), "SysAllocString")));
-    return real(text);
-}
-
-TEST_F(MessageDropTest, ExhaustedMemoryIsRaisedAndLeavesNothingHalfDone) {
-    const String from("f"), to("a"), subject("s"), body("b");
-    const ImportPatch narrow("libstdc++-6.dll", "malloc", failing_malloc),
-        wide("SysAllocString", failing_wide);
-    bool failed = true;
-    for (int n = 1; failed; ++n) {
-        bool raised = false;
-        until_failure = n;
-        try {
-            mail.send_mail(from, to, subject, body);
-        } catch (const std::bad_alloc&) {
-            raised = true;
-        }
-        failed = until_failure == 0;
-        until_failure = 0;
-        EXPECT_LE(raised, failed) << n;
-        for (const auto& [name, content] : files("pickup"))
-            EXPECT_EQ(content, message_to("a")) << name << " after " << n;
-        empty("pickup");
-        if (n == 1) handles = util_test::handle_count();  // raising takes some for good
-        EXPECT_TRUE(failed || n > 10);
-    }
-}
-
 // --- kills --------------------------------------------------------------------------------------
 
 // A process that drops messages, and how many it has finished.

@@ -89,27 +89,6 @@ TEST(System2Test, EveryFailureIsReportedAndGivesEverythingBack) {
     EXPECT_EQ(handle_count(), handles);
 }
 
-int allocations_left = -1;  // but one; negative: as many as wanted
-
-void* limited_malloc(size_t size) {
-    if (allocations_left > 0) --allocations_left;
-    return allocations_left == 0 ? nullptr : std::malloc(size);
-}
-
-TEST(System2Test, OutOfMemoryAnywhereIsMinusOne) {
-    ImportPatch patch("libstdc++-6.dll", "malloc", limited_malloc);
-    const std::string command = child + "unit \xC3\xA4";
-    for (int granted : {1, 2, 1000}) {  // the wide and the narrow text both need memory
-        errno = 0;
-        allocations_left = granted;
-        const int result = ksl_system2(command.c_str());
-        const int error = errno;
-        allocations_left = -1;
-        EXPECT_EQ(result, granted < 3 ? -1 : 0xE4) << granted;
-        EXPECT_EQ(error, granted < 3 ? ENOMEM : 0) << granted;
-    }
-}
-
 TEST(SystemTest, ForwardsToTheInterpreter) {
     EXPECT_EQ(ksl_system("exit 300"), 300);
     EXPECT_NE(ksl_system(nullptr), 0) << "there is an interpreter";

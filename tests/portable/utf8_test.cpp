@@ -5,12 +5,9 @@
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
 // after the platform's header
-#include <comdef.h>
+#include <comutil.h>
 
-#include <new>
 #include <string>
-
-#include "util/portable/utf8_files.h"
 
 using util_test::ImportPatch;
 
@@ -109,29 +106,6 @@ TEST(ConversionFailureTest, NullPointersFailingCallsAndNoMemory) {
         expect_failures(L"text", "text", calls);
     ImportPatch memory("calloc", nothing);
     expect_failures(L"text", "text", 100);
-}
-
-void* failing_new(size_t) {
-    throw std::bad_alloc();
-}
-
-HRESULT raised() {
-    try {
-        UTF8_access("C:\\", 0);
-        return S_OK;
-    } catch (const _com_error& error) {
-        return error.Error();
-    }
-}
-
-TEST(ConversionFailureTest, NoMemoryForTheWideStringRaises) {
-    EXPECT_EQ(raised(), S_OK);
-    {
-        ImportPatch patch("SysAllocString", nothing);
-        EXPECT_EQ(raised(), HRESULT(0x8007000E));
-    }
-    ImportPatch patch("_Znwy", failing_new);
-    EXPECT_EQ(raised(), HRESULT(0x8007000E)) << "the holder of the string";
 }
 
 }  // namespace
