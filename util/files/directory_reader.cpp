@@ -4,6 +4,8 @@
 #include <cstring>
 #include <new>
 
+#include "util/files/wide_path.h"
+#include "util/portable/utf8.h"
 #include "util/portable/utf8_files.h"
 
 namespace util {
@@ -18,8 +20,14 @@ String search_pattern(const String& path) {
 
 }  // namespace
 
+// Not UTF8_FindFirstFile: it would report want of memory as a directory that cannot be read.
 DirectoryReader::DirectoryReader(const String& path)
-    : m_search(UTF8_FindFirstFile(search_pattern(path), &m_data, m_name)) {}
+    : m_search(FindFirstFileW(wide_path(search_pattern(path)).c_str(), &m_data)) {
+    if (!is_open()) return;
+    String name;
+    if (!UTIL_WideCharToUtf8(m_data.cFileName, &name)) throw std::bad_alloc();
+    std::memcpy(m_name, name.c_str(), name.size() + 1);
+}
 
 bool DirectoryReader::next() {
     if (!is_open()) return false;

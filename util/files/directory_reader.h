@@ -11,7 +11,8 @@ namespace util {
 
 class DirectoryReader {
   public:
-    // Starts the search; is_open() tells whether the directory can be read.
+    // Starts the search; is_open() tells whether the directory can be read. Raises std::bad_alloc,
+    // and what the UTF-8 layer raises when it has no memory.
     explicit DirectoryReader(const String& path);
 
     bool is_open() const { return static_cast<bool>(m_search); }
