@@ -3,6 +3,7 @@
 #ifndef UTIL_EXPORT_H
 #define UTIL_EXPORT_H
 
+// Marks what util.dll exports.
 #if !defined(_WIN32)
 #define UTIL_API
 #elif defined(UTIL_BUILDING)  // set by the build of util.dll alone

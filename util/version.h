@@ -3,6 +3,7 @@
 #ifndef UTIL_VERSION_H
 #define UTIL_VERSION_H
 
+// MAJOR.MINOR.PATCH of these headers, as numbers and as one text.
 #define UTIL_VERSION_MAJOR 0
 #define UTIL_VERSION_MINOR 1
 #define UTIL_VERSION_PATCH 0

@@ -26,12 +26,13 @@ class UTIL_API FileAttr {
     static const FileAttr no_write;   // 0x40
     static const FileAttr any;        // 0x00
 
+    // Copy the mask.
     FileAttr(const FileAttr&) = default;
     FileAttr& operator=(const FileAttr& other);
 
-    bool operator==(const FileAttr& other) const;  // share at least one bit
-    bool operator!=(const FileAttr& other) const;  // share none
-    FileAttr operator|(const FileAttr& other) const;
+    bool operator==(const FileAttr& other) const;     // share at least one bit
+    bool operator!=(const FileAttr& other) const;     // share none
+    FileAttr operator|(const FileAttr& other) const;  // the bits of both
 
   private:
     constexpr explicit FileAttr(int mask) : m_mask(mask) {}

@@ -21,9 +21,10 @@ namespace extstl {
 template <typename T, typename Cmp>
 class ExtPtrSortedVector {
   public:
+    // Iterates over pointers to the elements.
     using const_iterator = typename std::vector<T*>::const_iterator;
 
-    ExtPtrSortedVector() = default;
+    ExtPtrSortedVector() = default;  // empty
     ~ExtPtrSortedVector() { clear(); }
     ExtPtrSortedVector(const ExtPtrSortedVector&) = delete;
     ExtPtrSortedVector& operator=(const ExtPtrSortedVector&) = delete;
@@ -57,6 +58,7 @@ class ExtPtrSortedVector {
         m_elements.clear();
     }
 
+    // The elements in their order. An index must be below size().
     std::uint64_t size() const { return m_elements.size(); }
     T* operator[](std::uint64_t index) const { return m_elements[index]; }
     const_iterator begin() const { return m_elements.begin(); }

@@ -19,8 +19,10 @@
 //     }
 class UTIL_API XrDirectory {
   public:
+    // What a listing is.
     using List = extstl::ExtPtrSortedVector<XrDirectoryEntry, XrDirectoryEntry>;
 
+    // Looks once whether the directory is there; see isValid().
     explicit XrDirectory(const String& path);
 
     // Copies share the listing: whichever is destroyed first deletes it for both. So at most one of
@@ -56,6 +58,7 @@ class UTIL_API XrDirectory {
     // when the platform cannot tell; -1 for a null pointer.
     int getFreeSpace(double* kilobytes) const;
 
+    // Whether the path is an existing directory.
     static bool IsDirectory(const String& path);
 
     // Create nothing and return 0; kept for old callers.

@@ -9,12 +9,14 @@
 // status. A value; distinct objects may be used from distinct threads. Raises std::bad_alloc.
 class UTIL_API XrDirectoryEntry : public String {
   public:
-    XrDirectoryEntry(const String& name, int mode, long size);
+    XrDirectoryEntry(const String& name, int mode, long size);  // a name with its status
+
+    // Copy name, mode and size; names as String copies and assigns.
     XrDirectoryEntry(const XrDirectoryEntry& other);
     XrDirectoryEntry& operator=(const XrDirectoryEntry& other);
     ~XrDirectoryEntry() override;
 
-    String getName() const;
+    String getName() const;    // the name, as the entry itself
     int getMode() const;       // the runtime's st_mode, file type included
     long getSize() const;      // bytes, low 32 bits; 0 for a drive root
     bool isDirectory() const;  // bit 0x4000 of the mode

@@ -106,8 +106,12 @@ class UTIL_API XrFile {
     // True when the position is at the end, and on failure. Leaves the position where it was.
     bool Eof();
 
+    // Whether a failure was recorded since the last successful open. The second form also stores
+    // the code last recorded.
     bool Error() const;
-    bool Error(int& code) const;  // also stores the code last recorded
+    bool Error(int& code) const;
+
+    // Whether the file is open: from a successful open to Close() or a failure that clears it.
     bool isValid() const;
 
     // Whether the file exists. The static form takes the mode of _access: 0 existence, 2 write,

@@ -4,6 +4,7 @@
 
 #include "util/export.h"
 
+// A time of day without its hours and minutes.
 struct UTIL_TimeOfDay {
     long seconds;       // of the current minute, 0 to 59
     long microseconds;  // whole milliseconds, 0 to 999000

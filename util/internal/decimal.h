@@ -1,5 +1,5 @@
-// Decimal text to number as the runtime's atoi reads it, in the "C" locale whatever the host
-// program has set.
+// Not installed. Decimal text to number as the runtime's atoi reads it, in the "C" locale whatever
+// the host program has set.
 #ifndef UTIL_INTERNAL_DECIMAL_H
 #define UTIL_INTERNAL_DECIMAL_H
 

@@ -48,6 +48,8 @@
 class UTIL_API email {
   public:
     email();  // five empty texts
+
+    // These four fields, and no error message.
     email(String const& from, String const& to, String const& subject, String const& body);
 
     // Copy all five texts, the error message too, as String copies and assigns.

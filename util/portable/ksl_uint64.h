@@ -9,8 +9,8 @@
 
 // Two halves as other interfaces hand them over, the upper one first.
 struct u_hyper {
-    util::ulong32 high;
-    util::ulong32 low;
+    util::ulong32 high;  // bits 32 to 63
+    util::ulong32 low;   // bits 0 to 31
 };
 
 // Sizes and counters, with arithmetic modulo 2^64, and their decimal and hexadecimal texts. A plain
@@ -49,7 +49,7 @@ class UTIL_API ksl_uint64_c {
     // whose number fits no such integer is 0: 1e300 and NaN are 0, 2^63 keeps its high half.
     ksl_uint64_c(double v);
 
-    ksl_uint64_c(u_hyper h);
+    ksl_uint64_c(u_hyper h);  // both halves; leaves the status as it is
 
     // Reads decimal text (digits only, at most 20), else hexadecimal text (at most 16 digits in
     // either case, after an optional "x", "X", "0x" or "0X"). Sets the status:
@@ -62,14 +62,16 @@ class UTIL_API ksl_uint64_c {
     // With a status other than 0 the value is 0. "0x1f" is 31, "1f" is 31, "1g" sets status 4.
     ksl_uint64_c(const char* s);
 
+    // The upper and the lower half: read, set, or both read at once.
     util::ulong32 hi() const;
     util::ulong32 lo() const;
     void high(util::ulong32 v);
     void low(util::ulong32 v);
     void value(util::ulong32* h, util::ulong32* l) const;  // neither may be null
 
-    static int status();
+    static int status();  // the process's status word
 
+    // Modulo 2^64.
     ksl_uint64_c operator+(ksl_uint64_c b) const;
     ksl_uint64_c operator-(ksl_uint64_c b) const;
     ksl_uint64_c operator-() const;  // status 0
@@ -81,6 +83,7 @@ class UTIL_API ksl_uint64_c {
     ksl_uint64_c operator<<(int n) const;
     ksl_uint64_c operator>>(int n) const;
 
+    // Modulo 2^64, in place.
     ksl_uint64_c& operator+=(ksl_uint64_c b);
     ksl_uint64_c& operator-=(ksl_uint64_c b);
     ksl_uint64_c& operator*=(ksl_uint64_c b);

@@ -6,6 +6,7 @@
 
 namespace util {
 
+// The type itself.
 #ifdef _WIN32
 using ulong32 = unsigned long;
 #else

@@ -43,7 +43,7 @@ class UTIL_API String : public extstl::ExtString {
     // A single line feed, on every platform. Exists from load to unload of the library.
     static const String eol;
 
-    String();
+    String();                                // ""
     String(const String& other);             // every stored byte
     String(const extstl::ExtString& other);  // every stored byte
     String(String&& other) noexcept;         // leaves other empty
@@ -264,6 +264,7 @@ bool operator>=(const A& a, const B& b) {
     return util::view_of(a) >= util::view_of(b);
 }
 #if defined(__cpp_lib_three_way_comparison)
+// The same by contents, for C++20.
 template <typename A, typename B, util::if_texts<A, B> = 0>
 std::strong_ordering operator<=>(const A& a, const B& b) {
     return util::view_of(a) <=> util::view_of(b);
@@ -303,9 +304,14 @@ String operator+(const String&, int) = delete;
 // Writes every stored byte, padded to the stream's width.
 UTIL_API std::ostream& operator<<(std::ostream& out, const String& s);
 
+namespace std {
+
+// Strings as keys of the unordered containers, by String::hash().
 template <>
-struct std::hash<String> {
-    std::size_t operator()(const String& s) const { return s.hash(); }
+struct hash<String> {
+    size_t operator()(const String& s) const { return s.hash(); }  // s.hash()
 };
+
+}  // namespace std
 
 #endif

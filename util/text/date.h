@@ -27,6 +27,8 @@ class UTIL_API ExtDate {
 
     ExtDate();                              // today
     ExtDate(int day, int month, int year);  // month from 1; a year below 100 means 2000 + year
+
+    // The other's day, at 00:00:01.
     ExtDate(const ExtDate& other);
     ExtDate& operator=(const ExtDate& other);
 
@@ -49,8 +51,8 @@ class UTIL_API ExtDate {
     // Completes a change: daylight saving is the runtime's to decide, and the time is made anew.
     void set_time_of_day(int hour, int minute, int second);
 
-    std::int64_t m_time = -1;
-    std::tm m_fields = {};
+    std::int64_t m_time = -1;  // as time() gives it
+    std::tm m_fields = {};     // as fields() gives them
 };
 
 // A date with its time of day, to the second, and a label that the library keeps but never reads;
@@ -67,6 +69,8 @@ class UTIL_API ExtTime : public ExtDate {
     ExtString toString() const override;
 
     ExtTime();  // now, with an empty label
+
+    // That time of the date's day; fields out of range carry over.
     ExtTime(const ExtDate& date, int hour, int minute, int second, const ExtString& label);
 
     // Makes the time anew from date and time of day, so in the hour that daylight saving repeats
@@ -75,7 +79,7 @@ class UTIL_API ExtTime : public ExtDate {
     ExtTime(const ExtTime& other);
     ExtTime& operator=(const ExtTime& other);
 
-    ExtString label() const;
+    ExtString label() const;  // the label as it was given
 
   private:
     ExtString m_label;

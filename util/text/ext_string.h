@@ -29,10 +29,10 @@ class UTIL_API ExtString {
     // "Not found", and "to the end" as a length: all bits set.
     static const std::uint64_t npos = ~std::uint64_t{0};
 
-    ExtString();
-    ExtString(const char* text);  // up to its NUL; a null pointer gives the empty string
-    ExtString(const std::string& text);
-    ExtString(const ExtString& other);
+    ExtString();                            // ""
+    ExtString(const char* text);            // up to its NUL; a null pointer gives the empty string
+    ExtString(const std::string& text);     // every stored byte
+    ExtString(const ExtString& other);      // every stored byte
     ExtString(ExtString&& other) noexcept;  // leaves other empty
     virtual ~ExtString();
 
@@ -52,6 +52,8 @@ class UTIL_API ExtString {
     // ASCII letters match in either case: ExtString("a-XY").find("xy", 0, 1) is 2.
     std::uint64_t find(const std::string& what, std::uint64_t pos, int ignore_case) const;
 
+    // The stored bytes: how many, whether none, and the text itself, which is valid until the
+    // object changes or goes. c_str() ends in a NUL behind the last of them.
     std::uint64_t size() const noexcept { return m_text.size(); }
     bool empty() const noexcept { return m_text.empty(); }
     const char* c_str() const noexcept { return m_text.c_str(); }
@@ -60,7 +62,7 @@ class UTIL_API ExtString {
   protected:
     ExtString(const char* bytes, std::uint64_t size);  // NULs included
 
-    std::string m_text;
+    std::string m_text;  // the stored bytes
 };
 
 }  // namespace extstl

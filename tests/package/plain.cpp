@@ -1,0 +1,13 @@
+// A program of another compiler, without any runtime library: plain functions and data alone.
+#include "util/host/binary_equal.h"
+#include "util/host/clone_sync.h"
+#include "util/portable/ksl_descriptor.h"
+#include "util/portable/ksl_string.h"
+
+extern "C" int start() {
+    char text[] = "plain\n";
+    ksl_str2upper(text);
+    ksl_write(1, text, sizeof text - 1);
+    g_bCloneSyncSerialized = UTIL_IsBinaryEqual(text, "PLAIN", 5);
+    return g_bCloneSyncSerialized ? 7 : 1;
+}
