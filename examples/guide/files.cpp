@@ -1,0 +1,44 @@
+#include <iostream>
+
+#include "util/files/files.h"
+#include "util/portable/current_directory.h"
+
+int main() {
+    // A record file: values go in and come out with their types, and a failure is remembered, so
+    // that one question after a run of operations is enough.
+    XrFile file("state.rec", "w");
+    file << 42 << "ready" << String("a b");
+    file.Close();
+    int number = 0;
+    String state, text;
+    file.Open("r");
+    file >> number >> state >> text;
+    std::cout << number << ", " << state << ", " << text << '\n';
+    file >> number;  // there is no more
+    int code = 0;
+    std::cout << std::boolalpha << "failed: " << file.Error(code) << '\n';
+    file.Close();
+
+    // A tree, with a record of what was missing, so that exactly that can go again.
+    const String here = UTIL_CurrentDirectory();
+    String message, failed;
+    int kind = 0;
+    const unsigned long result =
+        UTIL_prepareAndCreateDir(here + "\\mount\\r1", message, here + "\\made.rec", failed, &kind);
+    std::cout << "prepared: " << result << '\n';
+
+    // A listing, in order of the names.
+    XrDirectory directory(here);
+    for (const XrDirectoryEntry* entry : *directory.getDirectoryList(false, false)) {
+        std::cout << entry->getName();
+        if (!entry->isDirectory()) std::cout << ", " << entry->getSize() << " bytes";
+        std::cout << '\n';
+    }
+
+    // Copy, delete, clean up.
+    std::cout << "copied: " << UTIL_copy("state.rec", "state.bak", 0) << '\n';
+    for (const char* name : {"state.rec", "state.bak", "made.rec"})
+        UTIL_delete(name);
+    std::cout << "left over: " << UTIL_cleanupDir("mount\\r1", 1) + UTIL_cleanupDir("mount", 1)
+              << '\n';
+}

@@ -1,0 +1,58 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "support/built_file.h"
+#include "support/scratch_directory.h"
+
+namespace {
+
+std::string content(const std::string& path) {
+    std::ifstream file(path);  // in text mode, so that line ends are the same everywhere
+    EXPECT_TRUE(file) << path;
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// What stands between ```language and ``` for the first time; "" when there is no such block.
+std::string block(const std::string& page, const std::string& language) {
+    const std::string fence = "\n```" + language + "\n";
+    const std::size_t begin = page.find(fence);
+    if (begin == std::string::npos) return "";
+    const std::size_t end = page.find("\n```\n", begin + fence.size() - 1);
+    return page.substr(begin + fence.size(), end + 1 - begin - fence.size());
+}
+
+std::string output_of(const std::string& program) {
+    FILE* pipe = _popen(("\"" + program + "\"").c_str(), "r");
+    std::string output;
+    for (int c; (c = std::fgetc(pipe)) != EOF;)
+        output += static_cast<char>(c);
+    EXPECT_EQ(_pclose(pipe), 0) << program;
+    return output;
+}
+
+class GuideTest : public testing::TestWithParam<const char*> {};
+
+// A page shows the program that is compiled, and what that prints.
+TEST_P(GuideTest, ShowsWhatIsCompiledAndWhatThatPrints) {
+    const std::string name = GetParam();
+    const std::string root = UTIL_ROOT;
+    const std::string page =
+        content(root + (name == "readme" ? "/README" : "/docs/" + name) + ".md");
+    EXPECT_EQ(block(page, "cpp"), content(root + "/examples/guide/" + name + ".cpp"));
+
+    const std::string program = util_test::built_file("guide_" + name + ".exe");
+    util_test::ScratchDirectory scratch;
+    SetCurrentDirectoryA(scratch.path().c_str());
+    EXPECT_EQ(output_of(program), block(page, "text"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Pages, GuideTest,
+                         testing::Values("text", "portable", "files", "poll", "mail", "host",
+                                         "readme"),
+                         [](const auto& test) { return std::string(test.param); });
+
+}  // namespace
