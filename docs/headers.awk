@@ -25,7 +25,7 @@ function comment(head,    i, end, margin, text) {
         margin = 99
         for (end = i; end <= count && (as_it_is(end) || (lines[end] == "" && as_it_is(end + 1))); ++end)
             if (match(lines[end], /[^ ]/) && RSTART < margin) margin = RSTART
-        text = text indent "///\n" indent "/// @code" (lines[i] ~ /[(;{]/ ? "{.cpp}" : "{.txt}") "\n"
+        text = text indent "///\n" indent "/// @code" (lines[i] ~ /\/\/|[;{]$|;  / ? "{.cpp}" : "{.txt}") "\n"
         for (; i < end; ++i)
             text = text indent "/// " substr(lines[i], margin) "\n"
         text = text indent "/// @endcode\n"

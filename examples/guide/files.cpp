@@ -29,11 +29,8 @@ int main() {
 
     // A listing, in order of the names.
     XrDirectory directory(here);
-    for (const XrDirectoryEntry* entry : *directory.getDirectoryList(false, false)) {
-        std::cout << entry->getName();
-        if (!entry->isDirectory()) std::cout << ", " << entry->getSize() << " bytes";
-        std::cout << '\n';
-    }
+    for (const XrDirectoryEntry* entry : *directory.getDirectoryList(false, false))
+        std::cout << entry->getName() << (entry->isDirectory() ? ", a directory" : "") << '\n';
 
     // Copy, delete, clean up.
     std::cout << "copied: " << UTIL_copy("state.rec", "state.bak", 0) << '\n';
