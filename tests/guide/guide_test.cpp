@@ -34,10 +34,10 @@ std::string output_of(const std::string& program) {
     return output;
 }
 
-class GuideTest : public testing::TestWithParam<const char*> {};
+class GuidePageTest : public testing::TestWithParam<const char*> {};
 
 // A page shows the program that is compiled, and what that prints.
-TEST_P(GuideTest, ShowsWhatIsCompiledAndWhatThatPrints) {
+TEST_P(GuidePageTest, ShowsWhatIsCompiledAndWhatThatPrints) {
     const std::string name = GetParam();
     const std::string root = UTIL_ROOT;
     const std::string page =
@@ -50,7 +50,13 @@ TEST_P(GuideTest, ShowsWhatIsCompiledAndWhatThatPrints) {
     EXPECT_EQ(output_of(program), block(page, "text"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Pages, GuideTest,
+TEST(GuideTest, ShowsTheManifestThatTheVersionTestsUse) {
+    const std::string root = UTIL_ROOT;
+    EXPECT_EQ(block(content(root + "/docs/windows.md"), "xml"),
+              content(root + "/examples/guide/windows10.manifest"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Pages, GuidePageTest,
                          testing::Values("text", "portable", "files", "poll", "mail", "host",
                                          "readme"),
                          [](const auto& test) { return std::string(test.param); });

@@ -13,9 +13,9 @@ using util_test::ImportPatch;
 
 namespace {
 
-std::string probe() {
+std::string probe(const std::string& program) {
     std::string line(200, '\0');
-    FILE* output = _popen(("\"" + util_test::built_file("version_probe.exe") + "\"").c_str(), "rb");
+    FILE* output = _popen(("\"" + util_test::built_file(program) + "\"").c_str(), "rb");
     line.resize(output ? std::fread(line.data(), 1, line.size(), output) : 0);
     if (output) _pclose(output);
     return line.substr(0, line.find_last_not_of("\r\n") + 1);
@@ -24,9 +24,8 @@ std::string probe() {
 // Wine shows a program the Windows that is set for its name; Windows itself has no such setting.
 TEST(OsVersionTest, NamesTheWindowsThatTheSystemShows) {
     if (!GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version")) GTEST_SKIP();
-    const char* const key = "Software\\Wine\\AppDefaults\\version_probe.exe";
     const struct {
-        const char *version, *line;
+        const char *version, *line, *program = "version_probe.exe";
     } cases[] = {
         {"win31", "3.10 SP0.0 type 0 r2 0 \"Windows 3.1 3\" win2k3sp1 0"},
         {"win95", "4.0 SP0.0 type 0 r2 0 \"Windows95\" win2k3sp1 0"},
@@ -41,13 +40,15 @@ TEST(OsVersionTest, NamesTheWindowsThatTheSystemShows) {
         {"win7", "6.1 SP1.0 type 3 r2 1 \"Windows\" win2k3sp1 0"},
         {"win2008r2", "6.1 SP1.0 type 1 r2 0 \"Windows\" win2k3sp1 0"},
         {"win10", "6.2 SP0.0 type 1 r2 0 \"Windows\" win2k3sp1 0"},
+        {"win10", "10.0 SP0.0 type 1 r2 0 \"Windows\" win2k3sp1 0", "manifest_probe.exe"},
     };
     for (const auto& c : cases) {
-        RegSetKeyValueA(HKEY_CURRENT_USER, key, "Version", REG_SZ, c.version,
+        const std::string key = std::string("Software\\Wine\\AppDefaults\\") + c.program;
+        RegSetKeyValueA(HKEY_CURRENT_USER, key.c_str(), "Version", REG_SZ, c.version,
                         static_cast<DWORD>(std::strlen(c.version) + 1));
-        EXPECT_EQ(probe(), c.line) << c.version;
+        EXPECT_EQ(probe(c.program), c.line) << c.version;
+        RegDeleteTreeA(HKEY_CURRENT_USER, key.c_str());
     }
-    RegDeleteTreeA(HKEY_CURRENT_USER, key);
 }
 
 // The rest is what no setting brings about: editions, the R2 metric, versions that never were, a

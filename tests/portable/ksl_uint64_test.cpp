@@ -87,6 +87,14 @@ TEST(KslUint64DeathTest, DivisionByZeroAborts) {
 #endif
 }
 
+#ifndef NDEBUG
+// What the contract leaves to the caller is asserted where that costs nobody anything.
+TEST(KslUint64DeathTest, NullPointersStopADebugBuild) {
+    util::ulong32 half = 0;
+    EXPECT_DEATH(ksl_uint64_c(1).value(&half, nullptr), "h && l");
+}
+#endif
+
 TEST(KslUint64Test, WritesIntoTheLibrarysOwnBuffersOrTheCallers) {
     const char* first = ksl_uint64_c(12345).to_decimal();
     EXPECT_STREQ(ksl_uint64_c(0).to_decimal(), "0");

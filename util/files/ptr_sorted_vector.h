@@ -3,6 +3,7 @@
 #define UTIL_FILES_PTR_SORTED_VECTOR_H
 
 #include <algorithm>
+#include <cassert>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -41,8 +42,10 @@ class ExtPtrSortedVector {
     void insert(std::vector<std::unique_ptr<T>>&& elements) {
         m_elements.reserve(m_elements.size() + elements.size());
         const auto old_size = static_cast<std::ptrdiff_t>(m_elements.size());
-        for (auto& element : elements)
+        for (auto& element : elements) {
+            assert(element);
             m_elements.push_back(element.release());
+        }
         elements.clear();
         const auto added = m_elements.begin() + old_size;
         if (!std::is_sorted(added, m_elements.end(), is_before)) {
@@ -60,7 +63,10 @@ class ExtPtrSortedVector {
 
     // The elements in their order. An index must be below size().
     std::uint64_t size() const { return m_elements.size(); }
-    T* operator[](std::uint64_t index) const { return m_elements[index]; }
+    T* operator[](std::uint64_t index) const {
+        assert(index < m_elements.size());
+        return m_elements[index];
+    }
     const_iterator begin() const { return m_elements.begin(); }
     const_iterator end() const { return m_elements.end(); }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cassert>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -197,6 +198,7 @@ void ksl_uint64_c::low(util::ulong32 v) {
 }
 
 void ksl_uint64_c::value(util::ulong32* h, util::ulong32* l) const {
+    assert(h && l);
     *h = high_;
     *l = low_;
 }
