@@ -10,7 +10,8 @@ int main() {
     file << 42 << "ready" << String("a b");
     file.Close();
     int number = 0;
-    String state, text;
+    String state;
+    String text;
     file.Open("r");
     file >> number >> state >> text;
     std::cout << number << ", " << state << ", " << text << '\n';
@@ -21,7 +22,8 @@ int main() {
 
     // A tree, with a record of what was missing, so that exactly that can go again.
     const String here = UTIL_CurrentDirectory();
-    String message, failed;
+    String message;
+    String failed;
     int kind = 0;
     const unsigned long result =
         UTIL_prepareAndCreateDir(here + "\\mount\\r1", message, here + "\\made.rec", failed, &kind);

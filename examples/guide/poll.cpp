@@ -29,21 +29,21 @@ class Echo : public Poll::Callback {
     Poll& m_poll;
 };
 
-// Both ends of a connection on this machine.
-void connect_ends(SOCKET ends[2]) {
+// Both ends of a connection on this machine; false without one.
+bool connect_ends(SOCKET ends[2]) {
     const SOCKET listener = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     auto* name = reinterpret_cast<sockaddr*>(&address);
     int size = sizeof address;
-    bind(listener, name, size);
-    listen(listener, 1);
-    getsockname(listener, name, &size);
     ends[0] = socket(AF_INET, SOCK_STREAM, 0);
-    connect(ends[0], name, size);
-    ends[1] = accept(listener, nullptr, nullptr);
+    const bool connected = bind(listener, name, size) == 0 && listen(listener, 1) == 0 &&
+                           getsockname(listener, name, &size) == 0 &&
+                           connect(ends[0], name, size) == 0;
+    ends[1] = connected ? accept(listener, nullptr, nullptr) : INVALID_SOCKET;
     closesocket(listener);
+    return connected;
 }
 
 }  // namespace
@@ -52,7 +52,7 @@ int main() {
     WSADATA data;
     if (WSAStartup(MAKEWORD(2, 0), &data) != 0) return 1;
     SOCKET ends[2];
-    connect_ends(ends);
+    if (!connect_ends(ends)) return 1;
 
     Poll poll;
     Echo echo(poll);

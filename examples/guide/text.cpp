@@ -14,7 +14,8 @@ int main() {
     std::cout << String::format("%s-%03d", "disk", 7) << '\n';
     const String list = serializeStrArray({"alpha", "beta"});
     std::cout << list << ": " << deserializeStrArray(list).size() << " elements\n";
-    String document, value;
+    String document;
+    String value;
     UTIL_addTag(document, "limit", "a<b");
     UTIL_extractTag(document, "limit", value);
     std::cout << document << ": " << value << '\n';
