@@ -1,35 +1,22 @@
-#include <algorithm>
 #include <bitset>
 #include <new>
 #include <stdexcept>
 
 #include "util/internal/find_text.h"
-#include "util/internal/kernels/member_bits.h"
+#include "util/internal/marks.h"
 #include "util/text/byte_string.h"
 
 namespace {
-
-using Separators = util::kernels::Members;
-
-// Calls take(line, bits, size) for each 64 bytes of the text and the rest of it: where that line
-// begins, which of its bytes are separators, and how many it has.
-template <typename Take>
-void for_each_line(std::string_view text, const Separators& separators, Take take) {
-    for (std::size_t line = 0; line < text.size(); line += util::line_size) {
-        const std::size_t size = std::min(util::line_size, text.size() - line);
-        take(line, separators.bits(text.data() + line, size), size);
-    }
-}
 
 struct FieldCounts {
     std::size_t all = 1;
     std::size_t filled = 0;
 };
 
-FieldCounts count_fields(std::string_view text, const Separators& separators) {
+FieldCounts count_fields(const util::Marks& separators) {
     FieldCounts counts;
     std::uint64_t after_separator = 1;
-    for_each_line(text, separators, [&](std::size_t, std::uint64_t bits, std::size_t size) {
+    separators.for_each_line([&](std::size_t, std::size_t size, std::uint64_t bits) {
         const std::uint64_t line = ~std::uint64_t{0} >> (util::line_size - size);
         const std::uint64_t starts = ~bits & (bits << 1 | after_separator) & line;
         after_separator = bits >> (util::line_size - 1);
@@ -46,8 +33,9 @@ std::vector<String> String::split(const String& separators, bool skipEmpty) cons
     if (empty()) return fields;
 
     // Counting first lets the list be allocated once, at its size.
-    const Separators set(separators.view());
-    const FieldCounts counts = count_fields(view(), set);
+    const util::kernels::Members set(separators.view());
+    const util::Marks marks(view(), set);
+    const FieldCounts counts = count_fields(marks);
     // The number of empty fields after the last one filled is then not defined by any text; the
     // count has always wrapped round and exhausted memory. Same error, without the wait.
     if (counts.filled == 0 && !skipEmpty) throw std::bad_alloc();
@@ -60,10 +48,7 @@ std::vector<String> String::split(const String& separators, bool skipEmpty) cons
         if (end > begin || !skipEmpty) fields.emplace_back(m_text.data() + begin, end - begin);
         begin = end + 1;
     };
-    for_each_line(view(), set, [&](std::size_t line, std::uint64_t bits, std::size_t) {
-        for (; bits != 0; bits &= bits - 1)
-            append(line + util::lowest_bit(bits));
-    });
+    marks.for_each(append);
     append(size());
     return fields;
 }

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "util/internal/find_text.h"
-#include "util/internal/kernels/member_bits.h"
+#include "util/internal/marks.h"
 #include "util/text/byte_string.h"
 #include "util/text/position_error.h"
 
@@ -125,36 +125,26 @@ std::string_view visible_inside(std::string_view text) {
     return util::up_to_nul(text);
 }
 
-// Calls take(position) for each byte of the text that is one of bytes.
-template <typename Take>
-void for_each_of(const util::kernels::Members& bytes, std::string_view text, Take take) {
-    for (std::size_t line = 0; line < text.size(); line += util::line_size) {
-        const std::size_t size = std::min(util::line_size, text.size() - line);
-        std::uint64_t bits = bytes.bits(text.data() + line, size);
-        for (; bits != 0; bits &= bits - 1)
-            take(line + util::lowest_bit(bits));
-    }
-}
-
 }  // namespace
 
 String String::replaceXML() {
     const bool quoted = has_outer_quotes(view());
     const std::string_view inside = visible_inside(view());
 
-    static const util::kernels::Members specials("&<>\"'");
+    static const util::kernels::Members characters("&<>\"'");
+    const util::Marks specials(inside, characters);
 
     // Counting first lets the result be allocated once, at its size.
     std::size_t escaped_size = inside.size() + (quoted ? 2 : 0);
     const bool whole = escaped_size == size();  // nothing behind a NUL
-    for_each_of(specials, inside,
-                [&](std::size_t at) { escaped_size += entity_table.of(inside[at]).size() - 1; });
+    specials.for_each(
+        [&](std::size_t at) { escaped_size += entity_table.of(inside[at]).size() - 1; });
     if (whole && escaped_size == size()) return *this;
 
     Writer escaped(escaped_size);
     if (quoted) escaped.put('"');
     std::size_t begin = 0;
-    for_each_of(specials, inside, [&](std::size_t at) {
+    specials.for_each([&](std::size_t at) {
         const Entity& entity = entity_table.of(inside[at]);
         escaped.put(inside.substr(begin), at - begin);
         escaped.put(entity.wide_text(), entity.size());
@@ -178,6 +168,7 @@ String String::placeXML() {
     const std::string_view inside = visible_inside(view());
 
     static const util::kernels::Members ampersand("&");
+    const util::Marks beginnings(inside, ampersand);
 
     // No entity is shorter than its character.
     const std::size_t decoded_size = inside.size() + (quoted ? 2 : 0);
@@ -186,7 +177,7 @@ String String::placeXML() {
     Writer decoded(decoded_size);
     if (quoted) decoded.put('"');
     std::size_t begin = 0;
-    for_each_of(ampersand, inside, [&](std::size_t at) {
+    beginnings.for_each([&](std::size_t at) {
         const Entity* const entity = entity_table.of(first_word(inside.substr(at)));
         if (!entity) return;
         decoded.put(inside.substr(begin), at - begin);
