@@ -25,7 +25,7 @@ inline std::string_view up_to_nul(std::string_view text) {
 
 // The bytes of a C string before its NUL, and none of a null one.
 inline std::string_view c_text(const char* text) {
-    return text ? std::string_view(text, text_length(text)) : std::string_view("", 0);
+    return text ? std::string_view(text, text_length(text)) : std::string_view("");
 }
 
 // Position of the first `what` in text at or after pos, or npos. The empty text is found at every

@@ -40,14 +40,29 @@ int needed_length(const char* fmt, va_list args) {
 #endif
 }
 
+// A copy of an argument list, ended on every path.
+class Arguments {
+  public:
+    explicit Arguments(va_list source) { va_copy(m_list, source); }
+    ~Arguments() { va_end(m_list); }
+    Arguments(const Arguments&) = delete;
+    Arguments& operator=(const Arguments&) = delete;
+
+    va_list& list() { return m_list; }
+
+  private:
+    va_list m_list;
+};
+
 class FormatBuffer {
   public:
     // The decimal text of a number, for which the buffer always has room.
     template <typename Number>
     std::string_view decimal(Number value) {
         if (!m_buffer) resize(m_size);
-        char* const end = std::to_chars(m_buffer.get(), m_buffer.get() + m_size, value).ptr;
-        return {m_buffer.get(), static_cast<std::size_t>(end - m_buffer.get())};
+        char* const begin = m_buffer.get();
+        char* const end = std::to_chars(begin, begin + m_size, value).ptr;
+        return {begin, static_cast<std::size_t>(end - begin)};
     }
 
     // The text up to its first NUL; "" when the runtime rejects the format. A failed allocation
@@ -55,8 +70,8 @@ class FormatBuffer {
     String format(const char* fmt, va_list args) {
         if (!m_buffer) resize(m_size);
         for (;;) {
-            util::FormatArguments copy(args);
-            const auto text = util::format_plainly(m_buffer.get(), m_size, fmt, copy);
+            Arguments copy(args);
+            const auto text = util::format_plainly(m_buffer.get(), m_size, fmt, copy.list());
             if (!text) return format_by_runtime(fmt, args);
             if (text->length < m_size) return String(m_buffer.get(), text->visible);
             grow_beyond(text->length);
@@ -77,7 +92,7 @@ class FormatBuffer {
             resize((static_cast<std::size_t>(length) / m_step + 1) * m_step);
             length = format_once(fmt, args);
         } else if (length == truncated && errno == 0) {
-            util::FormatArguments copy(args);
+            Arguments copy(args);
             const int needed = needed_length(fmt, copy.list());
             if (needed < 0) throw std::bad_alloc();  // more than an int can count
             while (length == truncated && errno == 0) {
@@ -89,7 +104,7 @@ class FormatBuffer {
     }
 
     int format_once(const char* fmt, va_list args) {
-        util::FormatArguments copy(args);
+        Arguments copy(args);
         return format_bounded(m_buffer.get(), m_size, fmt, copy.list());
     }
 

@@ -54,7 +54,7 @@ class Output {
 }  // namespace
 
 std::optional<FormattedLength> format_plainly(char* space, std::size_t size, const char* fmt,
-                                              FormatArguments& args) {
+                                              va_list args) {
     Output output(space, size);
     for (;; ++fmt) {
         if (*fmt != '%' && fmt[0] != '\0' && fmt[1] == '%') {
@@ -67,22 +67,22 @@ std::optional<FormattedLength> format_plainly(char* space, std::size_t size, con
         if (*fmt == '\0') return output.result();
         switch (*++fmt) {
             case 's': {
-                const char* const text = va_arg(args.list(), const char*);
+                const char* const text = va_arg(args, const char*);
                 output.put(text ? c_text(text) : "(null)");
                 break;
             }
             case 'd':
             case 'i':
-                output.put_number(va_arg(args.list(), int));
+                output.put_number(va_arg(args, int));
                 break;
             case 'u':
-                output.put_number(va_arg(args.list(), unsigned));
+                output.put_number(va_arg(args, unsigned));
                 break;
             case 'x':
-                output.put_number(va_arg(args.list(), unsigned), 16);
+                output.put_number(va_arg(args, unsigned), 16);
                 break;
             case 'c':
-                output.put(static_cast<char>(va_arg(args.list(), int)));
+                output.put(static_cast<char>(va_arg(args, int)));
                 break;
             case '%':
                 output.put('%');
@@ -90,10 +90,10 @@ std::optional<FormattedLength> format_plainly(char* space, std::size_t size, con
             case 'l':
                 switch (*++fmt) {
                     case 'd':
-                        output.put_number(va_arg(args.list(), long));
+                        output.put_number(va_arg(args, long));
                         break;
                     case 'u':
-                        output.put_number(va_arg(args.list(), unsigned long));
+                        output.put_number(va_arg(args, unsigned long));
                         break;
                     default:
                         return {};

@@ -8,20 +8,6 @@
 
 namespace util {
 
-// A copy of an argument list, ended on every path.
-class FormatArguments {
-  public:
-    explicit FormatArguments(va_list source) { va_copy(m_list, source); }
-    ~FormatArguments() { va_end(m_list); }
-    FormatArguments(const FormatArguments&) = delete;
-    FormatArguments& operator=(const FormatArguments&) = delete;
-
-    va_list& list() { return m_list; }
-
-  private:
-    va_list m_list;
-};
-
 struct FormattedLength {
     std::size_t length;   // of the whole text
     std::size_t visible;  // of what comes before its first NUL, which only %c can have put there
@@ -29,9 +15,9 @@ struct FormattedLength {
 
 // Formats as the runtime does, if fmt holds no other directives than %s %d %i %u %c %x %ld %lu and
 // %%, without flags, widths and precisions; otherwise the result is empty. A text longer than size
-// is measured to its end, and some of it written.
+// is measured to its end, and some of it written. Uses the arguments up.
 std::optional<FormattedLength> format_plainly(char* space, std::size_t size, const char* fmt,
-                                              FormatArguments& args);
+                                              va_list args);
 
 }  // namespace util
 

@@ -49,9 +49,9 @@ inline std::size_t find_byte(const char* text, std::size_t size, char c) {
     return bits != 0 ? last + lowest_bit(bits) : size;
 }
 
-// Whole blocks of memory hold the text, and of those around it a few bytes too.
+// A block of memory may hold bytes beside the text, which are nobody's or even another thread's.
 #ifdef __GNUC__
-#define UTIL_READS_WHOLE_BLOCKS __attribute__((no_sanitize("address")))
+#define UTIL_READS_WHOLE_BLOCKS __attribute__((no_sanitize("address", "thread")))
 #else
 #define UTIL_READS_WHOLE_BLOCKS
 #endif

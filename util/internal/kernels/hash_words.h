@@ -38,8 +38,13 @@ inline Block rotate_left_20(Block words) {
 inline std::uint32_t hash_words(std::uint32_t h, const char* bytes, std::size_t words) {
     constexpr std::size_t run = 32;
     if (words < run) return plain::hash_words(h, bytes, words);
-    Block w0 = load(bytes), w1 = load(bytes + 16), w2 = load(bytes + 32), w3 = load(bytes + 48);
-    Block w4 = load(bytes + 64), w5 = load(bytes + 80), w6 = load(bytes + 96);
+    Block w0 = load(bytes);
+    Block w1 = load(bytes + 16);
+    Block w2 = load(bytes + 32);
+    Block w3 = load(bytes + 48);
+    Block w4 = load(bytes + 64);
+    Block w5 = load(bytes + 80);
+    Block w6 = load(bytes + 96);
     Block w7 = load(bytes + 112);
     for (bytes += 4 * run, words -= run; words >= run; bytes += 4 * run, words -= run) {
         w0 = _mm_xor_si128(w0, load(bytes));

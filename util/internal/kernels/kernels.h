@@ -52,8 +52,10 @@ inline unsigned equal_bits(Block a, Block b) {
 // As block_bits, for the four blocks that compare makes of as many addresses. Mostly none is set.
 template <typename Compare>
 [[gnu::always_inline]] inline std::uint64_t line_bits(const char* from, Compare compare) {
-    const Block b0 = compare(from), b1 = compare(from + block_size);
-    const Block b2 = compare(from + 2 * block_size), b3 = compare(from + 3 * block_size);
+    const Block b0 = compare(from);
+    const Block b1 = compare(from + block_size);
+    const Block b2 = compare(from + 2 * block_size);
+    const Block b3 = compare(from + 3 * block_size);
     if (block_bits(_mm_or_si128(_mm_or_si128(b0, b1), _mm_or_si128(b2, b3))) == 0) return 0;
     return std::uint64_t{block_bits(b0)} | std::uint64_t{block_bits(b1)} << block_size |
            std::uint64_t{block_bits(b2)} << 2 * block_size |

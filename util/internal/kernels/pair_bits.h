@@ -34,7 +34,8 @@ namespace sse2 {
 [[gnu::always_inline]] inline std::uint64_t pair_bits(const char* text, std::size_t places,
                                                       BytePair pair) {
     if (places < block_size) return plain::pair_bits(text, places, pair);
-    const Block first = all(pair.first), last = all(pair.last);
+    const Block first = all(pair.first);
+    const Block last = all(pair.last);
     const auto compare = [&](const char* at) {
         return _mm_and_si128(_mm_cmpeq_epi8(load(at), first),
                              _mm_cmpeq_epi8(load(at + pair.distance), last));
