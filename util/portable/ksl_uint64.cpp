@@ -71,7 +71,7 @@ constexpr char digit_pairs[] =
     "8081828384858687888990919293949596979899";
 
 char* put_pair(std::uint32_t v, char* end) {
-    std::memcpy(end - 2, digit_pairs + v * 2, 2);
+    std::memcpy(end - 2, digit_pairs + std::size_t{v} * 2, 2);
     return end - 2;
 }
 
@@ -130,8 +130,9 @@ constexpr unsigned char hex_value(char c) {
 
 constexpr auto hex_values = [] {
     std::array<unsigned char, 256> values = {};
-    for (std::size_t c = 0; c < values.size(); ++c)
-        values[c] = hex_value(static_cast<char>(c));
+    int byte = 0;
+    for (unsigned char& value : values)
+        value = hex_value(static_cast<char>(byte++));
     return values;
 }();
 
