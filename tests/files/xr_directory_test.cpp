@@ -84,7 +84,6 @@ TEST_F(XrDirectoryTest, EntriesCarryTheStatusOfEachFile) {
         m_scratch.file(name, std::string(name) + "!");
     SetFileAttributesA(m_scratch.file("read-only", "x").c_str(), FILE_ATTRIBUTE_READONLY);
     SetFileAttributesA(m_scratch.directory("read-only directory").c_str(), FILE_ATTRIBUTE_READONLY);
-    // How they look in 32 bits is the runtime's business.
     for (const std::uint64_t size : {3ull << 30, (5ull << 30) + 7})
         std::filesystem::resize_file(m_scratch.file("size " + std::to_string(size)), size);
     XrDirectory directory(m_scratch.path());

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
@@ -50,16 +49,14 @@ Status status_from_search(const WIN32_FIND_DATAW& found, std::string_view name) 
     } else {
         status.mode |= _S_IFREG;
         if (has_program_extension(name)) status.mode |= execute_all;
-        status.size = static_cast<long>(found.nFileSizeLow);
+        status.size = static_cast<long>(found.nFileSizeLow);  // the status has these 32 bits, too
     }
     return status;
 }
 
 Status status_of(const String& directory, const char* name, const WIN32_FIND_DATAW& found) {
-    // The search describes a link itself, not what it leads to; and how a size beyond 31 bits
-    // looks in the runtime's record is the runtime's business.
-    const bool described = !(found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) &&
-                           found.nFileSizeHigh == 0 && found.nFileSizeLow <= LONG_MAX;
+    // The search describes a link itself, not what it leads to.
+    const bool described = !(found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT);
     // A path of one character always gets a separator: "\" gives "\\name", which names a server.
     // And a path too long for the status call on Windows has none.
     const bool joins_plainly =
