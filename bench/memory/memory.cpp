@@ -80,7 +80,7 @@ void polls(int times) {
 
 void listings(int times) {
     const bench::Scratch scratch;
-    const int files = times * 20;
+    const int files = times * 5;
     for (int i = 0; i < files; ++i)
         scratch.file("file" + std::to_string(i), "");
     const std::string name = "listings of " + std::to_string(files) + " files";
