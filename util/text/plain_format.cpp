@@ -54,7 +54,7 @@ class Output {
 }  // namespace
 
 std::optional<FormattedLength> format_plainly(char* space, std::size_t size, const char* fmt,
-                                              // NOLINTNEXTLINE: on Windows a pointer; va_arg moves it
+                                              // NOLINTNEXTLINE: va_arg moves it on
                                               va_list args) {
     Output output(space, size);
     for (;; ++fmt) {
