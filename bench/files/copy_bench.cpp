@@ -13,7 +13,7 @@ using bench::Operation;
 
 namespace {
 
-constexpr std::size_t megabytes = 128;
+constexpr std::size_t megabytes = 512;
 
 void copy_raw(const std::string& source, const std::string& destination) {
     constexpr DWORD chunk = 256 * 1024;

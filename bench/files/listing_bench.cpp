@@ -18,8 +18,6 @@ using bench::Operation;
 
 namespace {
 
-constexpr int files = 5000;
-
 template <typename Found>
 void enumerate(const std::string& folder, Found found) {
     WIN32_FIND_DATAW data;
@@ -60,12 +58,10 @@ void list_by_standard_library(const std::string& folder) {
 }
 
 const bench::Section section("8 Sorted listing", [] {
-    const bench::Scratch scratch;
-    for (int i = 0; i < files; ++i) {
-        const char* extension = i % 10 == 0 ? ".exe" : i % 3 == 0 ? "" : ".txt";
-        scratch.file("file" + std::to_string(i * 7919 % files) + extension, i % 7 ? "" : "bytes");
-    }
-    const std::string folder = scratch / "";
+    const std::string folder = bench::many_files();
+    if (folder.empty()) return;
+    const auto files =
+        static_cast<double>(XrDirectory(folder).getDirectoryList(true, false)->size());
     run(Operation("getDirectoryList, per file")
             .limit("FindFirstFileW, FindNextFileW",
                    [&] { enumerate(folder, [](const WIN32_FIND_DATAW& data) { keep(data); }); })

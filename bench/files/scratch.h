@@ -1,6 +1,7 @@
 // A folder for the files of a benchmark, removed with them.
 #pragma once
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -36,5 +37,12 @@ class Scratch {
   private:
     std::filesystem::path m_path;
 };
+
+// A folder with many files, or "". Whoever starts the program makes them: under Wine each new name
+// is compared with all that are there.
+inline std::string many_files() {
+    const char* const folder = std::getenv("UTIL_BENCH_FILES");
+    return folder ? folder : "";
+}
 
 }  // namespace bench

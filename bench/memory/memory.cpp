@@ -79,12 +79,11 @@ void polls(int times) {
 }
 
 void listings(int times) {
-    const bench::Scratch scratch;
-    const int files = times * 5;
-    for (int i = 0; i < files; ++i)
-        scratch.file("file" + std::to_string(i), "");
+    const std::string folder = bench::many_files();
+    if (folder.empty()) return;
+    const auto files = XrDirectory(folder).getDirectoryList(true, false)->size();
     const std::string name = "listings of " + std::to_string(files) + " files";
-    measure(name.c_str(), times, [folder = scratch / ""](int) {
+    measure(name.c_str(), times, [&](int) {
         XrDirectory directory(folder);
         directory.getDirectoryList(true, false);
     });
