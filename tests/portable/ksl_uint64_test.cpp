@@ -7,6 +7,8 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -107,6 +109,21 @@ TEST(KslUint64Test, WritesIntoTheLibrarysOwnBuffersOrTheCallers) {
     char text[] = "#";
     EXPECT_EQ(ksl_uint64_c(5).to_decimal_r(text, -1), text);
     EXPECT_STREQ(text, "#");
+}
+
+// For the thread sanitizer: all of them set the one status word.
+TEST(KslUint64Test, ThreadsReckonAndReadAtTheSameTime) {
+    std::vector<std::thread> threads;
+    std::vector<int> right(8);
+    for (int& count : right) {
+        threads.emplace_back([&count] {
+            for (ksl_uint64_c n("0x10"); n != ksl_uint64_c("1016"); ++n)
+                count += ((n << 64) + n) / n == ksl_uint64_c(1) && n.mod_10() < 10;
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(right, std::vector<int>(8, 1000));
 }
 
 }  // namespace

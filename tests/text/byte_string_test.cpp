@@ -184,6 +184,7 @@ TEST(FormatTest, ThreadsTakeTurns) {
             for (int width = 10 + t; width < 9000; width += 37) {
                 const String text = String::format("%*d", width, t);
                 if (text != String::pad(width - 1) + String(t)) ++wrong;
+                if (String("<" + text).replaceXML().placeXML() != "<" + text) ++wrong;
             }
         });
     }

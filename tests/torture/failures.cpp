@@ -165,7 +165,8 @@ bool cannot_fail(const std::string& name) {
         "___lc_codepage_func ___mb_cur_max_func __iob_func _errno localeconv strerror "
         "GetModuleHandleW TlsGetValue",
         // look at memory, move it, or give it back
-        "SysFreeString __WSAFDIsSet free memchr memcmp memcpy memmove memset strchr strlen strncmp "
+        "SysFreeString __WSAFDIsSet __popcountdi2 free memchr memcmp memcpy memmove memset strchr "
+        "strlen strncmp "
         "strstr "
         "wcscmp wcslen wcsrchr _wcsicmp",
         // locks and events: a failure would be a mistake in using them

@@ -124,6 +124,30 @@ void for_each_import(const char* module, const Visit& visit) {
     }
 }
 
+bool is_code(const void* address) {
+    MEMORY_BASIC_INFORMATION information;
+    VirtualQuery(address, &information, sizeof information);
+    return (information.Protect & (PAGE_EXECUTE | PAGE_EXECUTE_READ | PAGE_EXECUTE_READWRITE |
+                                   PAGE_EXECUTE_WRITECOPY)) != 0;
+}
+
+std::vector<Export> exported(const char* module) {
+    auto* const base = reinterpret_cast<char*>(GetModuleHandleA(module));
+    auto* const dos = reinterpret_cast<IMAGE_DOS_HEADER*>(base);
+    auto* const nt = reinterpret_cast<IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+    auto& directory = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT];
+    auto* const table = reinterpret_cast<IMAGE_EXPORT_DIRECTORY*>(base + directory.VirtualAddress);
+    auto* const names = reinterpret_cast<DWORD*>(base + table->AddressOfNames);
+    std::vector<Export> result;
+    for (DWORD i = 0; i < table->NumberOfNames; ++i) {
+        const char* const name = base + names[i];
+        auto* const address =
+            reinterpret_cast<void*>(GetProcAddress(reinterpret_cast<HMODULE>(base), name));
+        result.push_back({name, address, is_code(address)});
+    }
+    return result;
+}
+
 bool called_from(const void* module) {
     const auto* const base = static_cast<const char*>(module);
     const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);

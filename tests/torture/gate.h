@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace torture {
 
@@ -27,6 +28,16 @@ extern std::uint64_t (*after)(Gate& gate, std::uint64_t result);
 
 // Puts a gate into a slot of a table of functions. It stays until the process ends.
 Gate& guard(void** slot, const char* name, int index);
+
+// A function that a module exports, or data; in one order for all processes.
+struct Export {
+    std::string name;
+    void* address;
+    bool is_code;
+};
+std::vector<Export> exported(const char* module);
+
+bool is_code(const void* address);
 
 // Calls visit(library, name, slot) for each import of a loaded module.
 using Visit = std::function<void(const char* library, const char* name, void** slot)>;

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "torture/deliberate_leaks.h"
 #include "torture/failures.h"
 #include "torture/gate.h"
 #include "torture/resources.h"
@@ -15,26 +16,6 @@
 
 namespace torture {
 namespace {
-
-// Leaks that the headers call deliberate: in that scenario, when that function fails (null: in any
-// run), so many more of the resource than before.
-constexpr struct {
-    const char* scenario;
-    const char* function;
-    Resource resource;
-    long most;
-} deliberate_leaks[] = {
-    {"UTIL_CurrentDirectory", "GetCurrentDirectoryA", heap_blocks, 1},      // as long as the path
-    {"Tools::absolute_pathname", "GetCurrentDirectoryA", heap_blocks, 1},   // the same
-    {"UTIL_GetRegistryValue", nullptr, heap_blocks, 1},                     // 1024 bytes
-    {"UTIL_GetModuleVersion", nullptr, heap_blocks, 1},                     // the version resource
-    {"UTIL_ModifyPrivilege", "AdjustTokenPrivileges", kernel_handles, 1},   // the token
-    {"UTIL_getTSSEDBInfoFromRegistry", nullptr, kernel_handles, 1},         // the key
-    {"UTIL_getIsWow64 and the redirection", nullptr, modules, 2},           // kernel32.dll
-    {"XrDirectory::init drops its listing", nullptr, heap_blocks, 3},       // list, table, entry
-    {"XrFile, reopened after a failed seek", "_lseek", kernel_handles, 1},  // the descriptor
-    {"XrFile, reopened after a failed seek", "_lseek", heap_blocks, 1},     // and its lock
-};
 
 enum Kind { failing, allocating, counting, recording };
 
@@ -145,13 +126,6 @@ std::uint64_t after_call(Gate& gate, std::uint64_t result) {
 
 // --- putting up the gates ---
 
-bool is_code(const void* address) {
-    MEMORY_BASIC_INFORMATION information;
-    VirtualQuery(address, &information, sizeof information);
-    return (information.Protect & (PAGE_EXECUTE | PAGE_EXECUTE_READ | PAGE_EXECUTE_READWRITE |
-                                   PAGE_EXECUTE_WRITECOPY)) != 0;
-}
-
 void put_up(void** slot, const char* name, Kind kind, int number = 0) {
     Gated gated = {nullptr, kind, false, {}, nullptr, number, 0, false, nullptr};
     for (std::size_t i = 0; i < failures.size() && kind == failing; ++i) {
@@ -176,7 +150,7 @@ void put_up_virtual(void** entry) {
 }
 
 void put_up_all() {
-    exports = exported();
+    exports = exported("util.dll");
     library = GetModuleHandleA("util.dll");
     // Before there are gates: this may be called by the ones that are being put up.
     std::vector<std::pair<void**, const char*>> imports, runtime, own;
@@ -251,16 +225,6 @@ DWORD WINAPI watch_time(void*) {
     }
 }
 
-long most_allowed(Resource resource) {
-    for (const auto& leak : deliberate_leaks) {
-        if (leak.resource == resource && !std::strcmp(leak.scenario, now.scenario->name) &&
-            (!leak.function || !std::strcmp(leak.function, target_name(now.target)))) {
-            return leak.most;
-        }
-    }
-    return 0;
-}
-
 // How much more, or less, there is of each resource after the run than may be.
 Resources play() {
     static Formatter formatter;
@@ -278,7 +242,9 @@ Resources play() {
     Resources surplus = resources_now(counted);
     for (int i = 0; i < resource_kinds; ++i) {
         surplus[i] -= before[i];
-        if (surplus[i] > 0) surplus[i] -= std::min(surplus[i], most_allowed(Resource(i)));
+        if (surplus[i] > 0)
+            surplus[i] -= std::min(
+                surplus[i], most_left(now.scenario->name, target_name(now.target), Resource(i)));
     }
     ++shared->runs;
     if (!formatter.answers()) write_log("formatting hangs");
@@ -370,23 +336,6 @@ std::vector<Scenario> all_scenarios() {
     return all;
 }
 
-std::vector<Export> exported() {
-    auto* const base = reinterpret_cast<char*>(GetModuleHandleA("util.dll"));
-    auto* const dos = reinterpret_cast<IMAGE_DOS_HEADER*>(base);
-    auto* const nt = reinterpret_cast<IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-    auto& directory = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT];
-    auto* const table = reinterpret_cast<IMAGE_EXPORT_DIRECTORY*>(base + directory.VirtualAddress);
-    auto* const names = reinterpret_cast<DWORD*>(base + table->AddressOfNames);
-    std::vector<Export> result;
-    for (DWORD i = 0; i < table->NumberOfNames; ++i) {
-        const char* const name = base + names[i];
-        auto* const address =
-            reinterpret_cast<void*>(GetProcAddress(reinterpret_cast<HMODULE>(base), name));
-        result.push_back({name, address, is_code(address)});
-    }
-    return result;
-}
-
 bool sweep(Progress& progress, const Share& share, HANDLE log) {
     shared = &progress;
     log_file = log;
@@ -418,6 +367,7 @@ bool sweep(Progress& progress, const Share& share, HANDLE log) {
             fail_each_call(targets[std::size_t(t)], resumed ? mode : 0, resumed ? call : 1);
         }
     }
+    decide = [](Gate&) { return pass; };  // the process's end makes calls, too
     progress.finished = 1;
     return true;
 }

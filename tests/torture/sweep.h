@@ -37,14 +37,6 @@ bool sweep(Progress& progress, const Share& share, HANDLE log);
 // Every scenario there is.
 std::vector<Scenario> all_scenarios();
 
-// A function of util.dll's, or data; in one order for all processes.
-struct Export {
-    std::string name;
-    void* address;
-    bool is_code;
-};
-std::vector<Export> exported();
-
 }  // namespace torture
 
 #endif
