@@ -28,6 +28,15 @@ void check_sized(const std::vector<char>& text, char c) {
             "hash_words");
 }
 
+template <typename Members>
+std::vector<std::uint64_t> line_bits_of(const std::vector<char>& text, const std::string& set) {
+    std::vector<std::uint64_t> lines;
+    Members(set).for_each_line(
+        {text.data(), text.size()},
+        [&](std::size_t, std::size_t, std::uint64_t bits) { lines.push_back(bits); });
+    return lines;
+}
+
 // The bits of up to a line of the text, for a set of bytes and for two at a distance.
 void check_bits(const std::vector<char>& text, const std::string& set) {
     if (text.empty()) return;
@@ -35,6 +44,8 @@ void check_bits(const std::vector<char>& text, const std::string& set) {
     require(kernels::Members(set).bits(text.data(), size) ==
                 plain::Members(set).bits(text.data(), size),
             "Members");
+    require(line_bits_of<kernels::Members>(text, set) == line_bits_of<plain::Members>(text, set),
+            "Members of each line");
     for (const std::size_t distance : {std::size_t{0}, std::size_t{1}, set.size()}) {
         if (set.empty() || text.size() <= distance) continue;
         const BytePair pair = {set.front(), set.back(), distance};

@@ -1,6 +1,8 @@
 #include "util/internal/find_text.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 #include "util/internal/kernels/pair_bits.h"
 
@@ -40,6 +42,29 @@ void each_in_repetitive(std::string_view text, std::string_view what, std::size_
     }
 }
 
+template <typename Word>
+bool same_word(const char* a, const char* b) {
+    Word word_a, word_b;
+    std::memcpy(&word_a, a, sizeof word_a);
+    std::memcpy(&word_b, b, sizeof word_b);
+    return word_a == word_b;
+}
+
+// Texts that are looked for are mostly short, and a call would cost more than their comparison: two
+// words that may overlap hold up to twice their size.
+bool same_bytes(const char* a, const char* b, std::size_t size) {
+    if (size > 2 * sizeof(std::uint64_t)) return std::memcmp(a, b, size) == 0;
+    if (size >= sizeof(std::uint64_t)) {
+        const std::size_t last = size - sizeof(std::uint64_t);
+        return same_word<std::uint64_t>(a, b) && same_word<std::uint64_t>(a + last, b + last);
+    }
+    if (size >= sizeof(std::uint32_t)) {
+        const std::size_t last = size - sizeof(std::uint32_t);
+        return same_word<std::uint32_t>(a, b) && same_word<std::uint32_t>(a + last, b + last);
+    }
+    return std::equal(a, a + size, b);
+}
+
 std::size_t common_length(const char* a, std::string_view b) {
     std::size_t length = 0;
     while (length < b.size() && a[length] == b[length])
@@ -66,11 +91,13 @@ void each_occurrence(std::string_view text, std::string_view what, std::size_t p
         for (; bits != 0; bits &= bits - 1) {
             const std::size_t at = line + lowest_bit(bits);
             if (at < next) continue;
-            const std::size_t common = common_length(text.data() + at, what);
-            if (common == what.size()) {
+            if (same_bytes(text.data() + at, what.data(), what.size())) {
                 if (!take(at)) return;
                 next = at + what.size();
-            } else if ((wasted += common) > at - pos + allowance) {
+                continue;
+            }
+            wasted += common_length(text.data() + at, what);
+            if (wasted > at - pos + allowance) {
                 return each_in_repetitive(text, what, at + 1, take);
             }
         }

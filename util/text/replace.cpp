@@ -1,6 +1,7 @@
 #include <vector>
 
 #include "util/internal/find_text.h"
+#include "util/internal/text_writer.h"
 #include "util/text/byte_string.h"
 
 namespace {
@@ -8,16 +9,16 @@ namespace {
 // The text with another in place of what stands, size bytes long, at each of the positions.
 std::string replaced(std::string_view text, const std::vector<std::size_t>& positions,
                      std::size_t size, std::string_view with) {
-    std::string result;
     // First what goes and then what comes, so that no step is negative.
-    result.reserve(text.size() - positions.size() * size + positions.size() * with.size());
+    util::TextWriter result(text.size() - positions.size() * size + positions.size() * with.size());
     std::size_t begin = 0;
     for (const std::size_t at : positions) {
-        result.append(text, begin, at - begin).append(with);
+        result.put(text.substr(begin), at - begin);
+        result.put(with);
         begin = at + size;
     }
-    result.append(text, begin);
-    return result;
+    result.put(text.substr(begin));
+    return result.take();
 }
 
 }  // namespace
@@ -28,7 +29,7 @@ String& String::replace(const char* from, const char* to, scopeType scope) {
     // The empty text occurs without end at one place; replacing it everywhere has no result.
     if (!from || (what.empty() && !only_first)) return *this;
 
-    const std::string_view visible = util::c_text(c_str());
+    const std::string_view visible = util::up_to_nul(view());
     std::vector<std::size_t> positions;
     if (!only_first) {
         positions = util::find_all(visible, what);
@@ -42,6 +43,6 @@ String& String::replace(const char* from, const char* to, scopeType scope) {
 String String::replace(const char* from, const char* to) const {
     const std::string_view what = util::c_text(from);
     if (what.empty()) return *this;
-    const std::string_view visible = util::c_text(c_str());
+    const std::string_view visible = util::up_to_nul(view());
     return replaced(visible, util::find_all(visible, what), what.size(), util::c_text(to));
 }

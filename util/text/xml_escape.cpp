@@ -6,13 +6,11 @@
 
 #include "util/internal/find_text.h"
 #include "util/internal/marks.h"
+#include "util/internal/text_writer.h"
 #include "util/text/byte_string.h"
 #include "util/text/position_error.h"
 
 namespace {
-
-// Short pieces are copied so many bytes at a time, where there is room for that.
-constexpr std::size_t wide = 16;
 
 class Entity {
   public:
@@ -26,14 +24,14 @@ class Entity {
     }
     constexpr char character() const { return m_character; }
     constexpr std::size_t size() const { return m_size; }
-    std::string_view wide_text() const { return {m_text, wide}; }
+    std::string_view wide_text() const { return {m_text, sizeof m_text}; }
     constexpr std::uint64_t word() const { return m_word; }
     bool begins(std::uint64_t word) const { return (word & m_mask) == m_word; }
 
   private:
     char m_character;
     std::size_t m_size;
-    char m_text[wide] = {};
+    char m_text[2 * util::TextWriter::block] = {};  // more than its size, for the writer's blocks
     std::uint64_t m_word = 0;  // the text as one number, and the bits that it takes up
     std::uint64_t m_mask = 0;
 };
@@ -73,36 +71,6 @@ class EntityTable {
 
 constexpr EntityTable entity_table;
 
-// A text of a size that is known beforehand, written from its beginning on.
-class Writer {
-  public:
-    explicit Writer(std::size_t size)
-        : m_text(size, '\0'), m_to(m_text.data()), m_end(m_to + size) {}
-
-    // The first size bytes of text, which may go on behind them.
-    void put(std::string_view text, std::size_t size) {
-        const auto room = static_cast<std::size_t>(m_end - m_to);
-        if (size <= wide && wide <= text.size() && wide <= room) {
-            std::memcpy(m_to, text.data(), wide);
-        } else {
-            std::memcpy(m_to, text.data(), size);
-        }
-        m_to += size;
-    }
-    void put(char c) { *m_to++ = c; }
-
-    // What has been written.
-    std::string take() {
-        m_text.resize(static_cast<std::size_t>(m_to - m_text.data()));
-        return std::move(m_text);
-    }
-
-  private:
-    std::string m_text;
-    char* m_to;
-    char* m_end;
-};
-
 // The first bytes of text as the processor reads them, the first one lowest; zeros behind its end.
 std::uint64_t first_word(std::string_view text) {
     std::uint64_t word = 0;
@@ -141,7 +109,7 @@ String String::replaceXML() {
         [&](std::size_t at) { escaped_size += entity_table.of(inside[at]).size() - 1; });
     if (whole && escaped_size == size()) return *this;
 
-    Writer escaped(escaped_size);
+    util::TextWriter escaped(escaped_size);
     if (quoted) escaped.put('"');
     std::size_t begin = 0;
     specials.for_each([&](std::size_t at) {
@@ -174,7 +142,7 @@ String String::placeXML() {
     const std::size_t decoded_size = inside.size() + (quoted ? 2 : 0);
     if (decoded_size == size() && util::find_byte(inside, '&') == npos) return *this;
 
-    Writer decoded(decoded_size);
+    util::TextWriter decoded(decoded_size);
     if (quoted) decoded.put('"');
     std::size_t begin = 0;
     beginnings.for_each([&](std::size_t at) {

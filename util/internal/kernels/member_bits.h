@@ -26,6 +26,15 @@ class Members {
         return bits;
     }
 
+    // Calls take(begin, size, bits) for each line of the text, of which the last may be shorter.
+    template <typename Take>
+    void for_each_line(std::string_view text, Take take) const {
+        for (std::size_t begin = 0; begin < text.size(); begin += line_size) {
+            const std::size_t size = std::min(line_size, text.size() - begin);
+            take(begin, size, bits(text.data() + begin, size));
+        }
+    }
+
   private:
     ByteSet m_set;
 };
@@ -35,54 +44,113 @@ class Members {
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
 
-// Each member is compared with all bytes, so this pays for a few of them; the table of the plain
-// form serves for many. Setting a bit twice changes nothing: unused places of the few hold the
-// first member again, and the last block may overlap the one before it.
+// All bytes are compared with each member, or with two members at once: where two differ in a
+// single bit, a byte with that bit set equals both of them with it set just when it is one of them.
+// So this pays for a few members, and the table of the plain form serves for many. Setting a bit of
+// the result twice changes nothing: unused comparisons repeat the first one, and the last block may
+// overlap the one before it.
 class Members {
   public:
-    explicit Members(std::string_view members)
-        : m_count(members.size()), m_plain(m_count > few ? members : "") {
-        for (std::size_t i = 0; i < few && m_count > 0; ++i)
-            m_blocks[i] = all(members[i < m_count ? i : 0]);
+    explicit Members(std::string_view members) : m_plain("") {
+        for (const char c : members)
+            add(c);
+        if (m_count > few) m_plain = plain::Members(members);
+        for (std::size_t i = m_count; i < few && m_count > 0; ++i)
+            m_tests[i] = m_tests[0];
     }
 
     std::uint64_t bits(const char* text, std::size_t size) const {
-        if (m_count == 1) {
-            return bits(text, size, [this](Block block) { return equal(block, 0); });
-        }
         if (m_count == 0 || m_count > few) return m_plain.bits(text, size);
-        return bits(text, size, [this](Block block) {
-            const Block some = _mm_or_si128(equal(block, 0), equal(block, 1));
-            const Block others = _mm_or_si128(equal(block, 2), equal(block, 3));
-            return _mm_or_si128(_mm_or_si128(some, others), equal(block, 4));
-        });
+        if (m_count == 1) return bits(text, size, Comparison<1>(m_tests));
+        if (m_count <= 3) return bits(text, size, Comparison<3>(m_tests));
+        return bits(text, size, Comparison<few>(m_tests));
+    }
+
+    template <typename Take>
+    void for_each_line(std::string_view text, Take take) const {
+        if (m_count == 0 || m_count > few) return m_plain.for_each_line(text, take);
+        if (m_count == 1) return for_each_line(text, take, Comparison<1>(m_tests));
+        if (m_count <= 3) return for_each_line(text, take, Comparison<3>(m_tests));
+        for_each_line(text, take, Comparison<few>(m_tests));
     }
 
   private:
     static constexpr std::size_t few = 5;
 
-    Block equal(Block block, std::size_t i) const { return _mm_cmpeq_epi8(block, m_blocks[i]); }
+    struct Test {
+        char set;    // the bit that is set before the comparison, or none
+        char value;  // what the byte is then
+    };
+
+    void add(char c) {
+        Test* const end = m_tests + std::min(m_count, few);
+        const auto has = [c](const Test& test) { return (c | test.set) == test.value; };
+        if (std::any_of(m_tests, end, has)) return;
+        const auto is_pair = [c](const Test& test) {
+            const auto difference = static_cast<unsigned char>(test.value ^ c);
+            return test.set == 0 && (difference & (difference - 1)) == 0;
+        };
+        Test* const other = std::find_if(m_tests, end, is_pair);
+        if (other != end) {
+            *other = {static_cast<char>(other->value ^ c), static_cast<char>(other->value | c)};
+        } else if (m_count++ < few) {
+            *other = {0, c};
+        }
+    }
+
+    // The first n tests, in registers.
+    template <std::size_t n>
+    class Comparison {
+      public:
+        explicit Comparison(const Test* tests) {
+            for (std::size_t i = 0; i < n; ++i) {
+                m_set[i] = all(tests[i].set);
+                m_values[i] = all(tests[i].value);
+            }
+        }
+        Block operator()(const char* from) const {
+            const Block block = load(from);
+            Block found = equal(block, 0);
+            for (std::size_t i = 1; i < n; ++i)
+                found = _mm_or_si128(found, equal(block, i));
+            return found;
+        }
+
+      private:
+        Block equal(Block block, std::size_t i) const {
+            return _mm_cmpeq_epi8(_mm_or_si128(block, m_set[i]), m_values[i]);
+        }
+
+        Block m_set[n], m_values[n];
+    };
 
     template <typename Compare>
-    [[gnu::always_inline]] std::uint64_t bits(const char* text, std::size_t size,
-                                              Compare compare) const {
-        const auto at = [&](const char* from) { return compare(load(from)); };
-        if (size == line_size) return line_bits(text, at);
+    static std::uint64_t bits(const char* text, std::size_t size, const Compare& compare) {
+        if (size == line_size) return line_bits(text, compare);
         if (size < block_size) {
             char block[block_size] = {};
             std::memcpy(block, text, size);
-            return block_bits(at(block)) & ((1u << size) - 1);
+            return block_bits(compare(block)) & ((1u << size) - 1);
         }
         const std::size_t last = size - block_size;
-        std::uint64_t bits = std::uint64_t{block_bits(at(text + last))} << last;
+        std::uint64_t bits = std::uint64_t{block_bits(compare(text + last))} << last;
         for (std::size_t i = 0; i < last; i += block_size)
-            bits |= std::uint64_t{block_bits(at(text + i))} << i;
+            bits |= std::uint64_t{block_bits(compare(text + i))} << i;
         return bits;
     }
 
-    std::size_t m_count;
+    template <typename Take, typename Compare>
+    static void for_each_line(std::string_view text, Take take, const Compare& compare) {
+        std::size_t begin = 0;
+        for (; text.size() - begin >= line_size; begin += line_size)
+            take(begin, line_size, line_bits(text.data() + begin, compare));
+        const std::size_t rest = text.size() - begin;
+        if (rest > 0) take(begin, rest, bits(text.data() + begin, rest, compare));
+    }
+
+    std::size_t m_count = 0;  // of tests, and of those that there would be beyond few
+    Test m_tests[few];
     plain::Members m_plain;
-    Block m_blocks[few];
 };
 
 }  // namespace sse2
