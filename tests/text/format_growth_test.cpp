@@ -32,7 +32,7 @@ int spy(char* buffer, size_t size, size_t count, const char* fmt, _locale_t loca
 }
 
 // For a text of more than INT_MAX bytes.
-int uncountable(const char*, va_list) {
+int uncountable(const char*, _locale_t, va_list) {
     return -1;
 }
 
@@ -101,7 +101,7 @@ TEST_F(FormatGrowthTest, FailuresLeaveTheLockFreeAndTheSizeAsItWas) {
     };
     raises_with("_Znay", failing_new, grow);
     raises_with("_Znay", failing_new, grow_plainly);
-    raises_with("_vscprintf", uncountable, grow);
+    raises_with("_vscprintf_l", uncountable, grow);
     String text;
     std::thread([&] { text = String::format("%d", 42); }).join();
     EXPECT_EQ(text, "42");

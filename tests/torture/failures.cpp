@@ -63,6 +63,7 @@ const std::vector<Failure> failures = {
     {"_popen", 0, 0, ENOMEM, instead},
     {"_putenv", -1, 0, EINVAL, instead},
     {"_time64", -1, 0, 0, instead},
+    {"_vscprintf_l", -1, 0, EINVAL, instead},
     {"_vsnprintf_s_l", -1, 0, EINVAL, instead},
     {"pthread_mutex_lock", ENOMEM, 0, 0, instead},  // it may have to make its event first
     {"strftime", 0, 0, ERANGE, instead},
@@ -175,7 +176,7 @@ bool cannot_fail(const std::string& name) {
         // printing: nobody is told when a diagnostic cannot be printed
         "fputc fwrite perror vfprintf",
         // the compiler's substitutes for functions that this runtime has itself
-        "_localtime64 _vscprintf",
+        "_localtime64",
         // ends the process
         "abort",
         // of the compiler's start-up code, called while the DLL is loaded

@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <string_view>
-#include <vector>
 
 #include "util/internal/kernels/find_byte.h"
 
@@ -34,10 +33,6 @@ inline std::string_view c_text(const char* text) {
 // The standard library's find compares anew at every place where the first byte fits, which takes
 // the product of both lengths for texts that repeat themselves.
 std::size_t find_text(std::string_view text, std::string_view what, std::size_t pos = 0);
-
-// The positions of what, which must not be empty, from left to right, each behind the end of the
-// occurrence before it. May raise std::bad_alloc.
-std::vector<std::size_t> find_all(std::string_view text, std::string_view what);
 
 }  // namespace util
 

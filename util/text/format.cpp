@@ -1,4 +1,5 @@
 // All printf-style formatting of the library: one growing buffer behind one lock.
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <climits>
@@ -18,13 +19,21 @@ namespace {
 
 constexpr int truncated = -1;
 
+#ifdef _WIN32
+// The host program may set a locale; the library's texts do not follow it. To be called under the
+// lock; asked for again when there was no memory for it.
+_locale_t c_locale() {
+    static _locale_t locale;
+    if (!locale) locale = _create_locale(LC_ALL, "C");
+    return locale;
+}
+#endif
+
 // One bounded format into buffer. Returns the length, `truncated` when the text and its NUL did not
 // fit, or (some runtimes) the length needed. errno is set only when the format is rejected.
 int format_bounded(char* buffer, std::size_t size, const char* fmt, va_list args) {
 #ifdef _WIN32
-    // The host program may set a locale; the library's texts do not follow it.
-    static const _locale_t c_locale = _create_locale(LC_ALL, "C");
-    return _vsnprintf_s_l(buffer, size, _TRUNCATE, fmt, c_locale, args);
+    return _vsnprintf_s_l(buffer, size, _TRUNCATE, fmt, c_locale(), args);
 #else
     const int length = std::vsnprintf(buffer, size, fmt, args);
     return length >= 0 && static_cast<std::size_t>(length) >= size ? truncated : length;
@@ -34,7 +43,7 @@ int format_bounded(char* buffer, std::size_t size, const char* fmt, va_list args
 // The length that fmt needs, or -1 when the runtime cannot tell.
 int needed_length(const char* fmt, va_list args) {
 #ifdef _WIN32
-    return _vscprintf(fmt, args);
+    return _vscprintf_l(fmt, c_locale(), args);
 #else
     return std::vsnprintf(nullptr, 0, fmt, args);
 #endif
@@ -85,7 +94,6 @@ class FormatBuffer {
     static constexpr std::size_t large_increment = 100 * first_step;
 
     String format_by_runtime(const char* fmt, va_list args) {
-        const util::KeptErrors kept;
         errno = 0;
         int length = format_once(fmt, args);
         if (length != truncated && static_cast<std::size_t>(length) > m_size) {
@@ -112,7 +120,8 @@ class FormatBuffer {
     // 8192, ... 20480, 24576, 126976, ... The sizes between are passed over without a format each,
     // which would make long texts quadratic.
     void grow_beyond(std::size_t needed) {
-        if (needed > INT_MAX) throw std::bad_alloc();  // more than the runtime can count
+        constexpr std::size_t most = INT_MAX;  // as the runtime counts
+        if (needed >= most) throw std::bad_alloc();
         std::size_t step = m_step;
         std::size_t size = m_size;
         do {
@@ -125,14 +134,18 @@ class FormatBuffer {
             }
             size += step;
         } while (size <= needed);
-        resize(size);
+        resize(std::min(size, most));
         m_step = step;
     }
 
     void resize(std::size_t size) {
         // Without the padding a result may come to lie a multiple of 4096 and a few bytes behind
         // the buffer, where processors take every load of the copy to depend on its last stores.
+#ifdef __SANITIZE_ADDRESS__
+        constexpr std::size_t padding = 0;  // which would hide a step beyond the end
+#else
         constexpr std::size_t padding = 64;
+#endif
         m_buffer.reset(new char[size + padding]);
         m_size = size;
     }
@@ -144,27 +157,35 @@ class FormatBuffer {
 
 std::mutex format_lock;
 
-// A lock that has to be waited for may want memory, and reports the lack of it in a way of its own.
-std::unique_lock<std::mutex> taken(std::mutex& lock) {
-    try {
-        return std::unique_lock<std::mutex>(lock);
-    } catch (const std::system_error&) {
-        throw std::bad_alloc();
+// The one buffer and the lock on it. errno and the last error are put back at the end, since a
+// lock that has to be waited for makes calls of its own.
+class LockedBuffer {
+  public:
+    LockedBuffer() : m_lock(taken(format_lock)) {
+        if (!buffer) buffer = new FormatBuffer;
     }
-}
+    FormatBuffer* operator->() const { return buffer; }
 
-// To be called under the lock. Never destroyed: other objects of static storage may format while
-// the library unloads.
-FormatBuffer& format_buffer() {
-    static FormatBuffer* buffer;
-    if (!buffer) buffer = new FormatBuffer;
-    return *buffer;
-}
+  private:
+    // Waiting may want memory, too, and reports the lack of it in a way of its own.
+    static std::unique_lock<std::mutex> taken(std::mutex& lock) {
+        try {
+            return std::unique_lock<std::mutex>(lock);
+        } catch (const std::system_error&) {
+            throw std::bad_alloc();
+        }
+    }
+
+    // Never destroyed: other objects of static storage may format while the library unloads.
+    inline static FormatBuffer* buffer;
+
+    const util::KeptErrors m_kept;
+    const std::unique_lock<std::mutex> m_lock;
+};
 
 template <typename Number>
 void assign_decimal(std::string& text, Number value) {
-    const std::unique_lock<std::mutex> lock = taken(format_lock);
-    text = format_buffer().decimal(value);
+    text = LockedBuffer()->decimal(value);
 }
 
 }  // namespace
@@ -192,6 +213,5 @@ String String::format(const char* fmt, ...) {
 
 String String::va_format(const char* fmt, va_list args) {
     if (!fmt) return String();
-    const std::unique_lock<std::mutex> lock = taken(format_lock);
-    return format_buffer().format(fmt, args);
+    return LockedBuffer()->format(fmt, args);
 }

@@ -1,24 +1,31 @@
-#include <vector>
-
 #include "util/internal/find_text.h"
+#include "util/internal/occurrences.h"
 #include "util/internal/text_writer.h"
 #include "util/text/byte_string.h"
 
 namespace {
 
-// The text with another in place of what stands, size bytes long, at each of the positions.
-std::string replaced(std::string_view text, const std::vector<std::size_t>& positions,
-                     std::size_t size, std::string_view with) {
+std::string all_replaced(std::string_view text, std::string_view what, std::string_view with) {
+    const util::Occurrences places(text, what);
     // First what goes and then what comes, so that no step is negative.
-    util::TextWriter result(text.size() - positions.size() * size + positions.size() * with.size());
+    util::TextWriter result(text.size() - places.count() * what.size() +
+                            places.count() * with.size());
     std::size_t begin = 0;
-    for (const std::size_t at : positions) {
+    places.for_each([&](std::size_t at) {
         result.put(text.substr(begin), at - begin);
         result.put(with);
-        begin = at + size;
-    }
+        begin = at + what.size();
+    });
     result.put(text.substr(begin));
     return result.take();
+}
+
+std::string first_replaced(std::string_view text, std::string_view what, std::string_view with) {
+    const std::size_t at = util::find_text(text, what);
+    if (at == std::string_view::npos) return std::string(text);
+    std::string result;
+    result.reserve(text.size() - what.size() + with.size());
+    return result.append(text, 0, at).append(with).append(text, at + what.size());
 }
 
 }  // namespace
@@ -30,19 +37,13 @@ String& String::replace(const char* from, const char* to, scopeType scope) {
     if (!from || (what.empty() && !only_first)) return *this;
 
     const std::string_view visible = util::up_to_nul(view());
-    std::vector<std::size_t> positions;
-    if (!only_first) {
-        positions = util::find_all(visible, what);
-    } else if (const std::size_t at = util::find_text(visible, what); at != npos) {
-        positions.push_back(at);
-    }
-    m_text = replaced(visible, positions, what.size(), util::c_text(to));
+    m_text = only_first ? first_replaced(visible, what, util::c_text(to))
+                        : all_replaced(visible, what, util::c_text(to));
     return *this;
 }
 
 String String::replace(const char* from, const char* to) const {
     const std::string_view what = util::c_text(from);
     if (what.empty()) return *this;
-    const std::string_view visible = util::up_to_nul(view());
-    return replaced(visible, util::find_all(visible, what), what.size(), util::c_text(to));
+    return all_replaced(util::up_to_nul(view()), what, util::c_text(to));
 }

@@ -2,8 +2,8 @@
 #include <new>
 #include <stdexcept>
 
-#include "util/internal/find_text.h"
 #include "util/internal/marks.h"
+#include "util/internal/occurrences.h"
 #include "util/text/byte_string.h"
 
 namespace {
@@ -60,13 +60,13 @@ std::vector<String> String::split_by_tag(const String& tag) const {
         pieces.push_back(*this);
         return pieces;
     }
-    const std::vector<std::size_t> tags = util::find_all(view(), tag.view());
-    pieces.reserve(tags.size() + 1);
+    const util::Occurrences tags(view(), tag.view());
+    pieces.reserve(tags.count() + 1);
     std::size_t begin = 0;
-    for (const std::size_t at : tags) {
+    tags.for_each([&](std::size_t at) {
         pieces.emplace_back(m_text.data() + begin, at - begin);
         begin = at + tag.size();
-    }
+    });
     if (begin < size()) pieces.emplace_back(m_text.data() + begin, size() - begin);
     return pieces;
 }

@@ -26,7 +26,7 @@ class Entity {
     constexpr std::size_t size() const { return m_size; }
     std::string_view wide_text() const { return {m_text, sizeof m_text}; }
     constexpr std::uint64_t word() const { return m_word; }
-    bool begins(std::uint64_t word) const { return (word & m_mask) == m_word; }
+    constexpr bool begins(std::uint64_t word) const { return (word & m_mask) == m_word; }
 
   private:
     char m_character;
@@ -52,9 +52,11 @@ class EntityTable {
         }
     }
     // What a byte that must be escaped is written as.
-    const Entity& of(char special) const { return entities[m_by_character[slot(special)]]; }
+    constexpr const Entity& of(char special) const {
+        return entities[m_by_character[slot(special)]];
+    }
     // The entity that a text with these first bytes begins with, or null.
-    const Entity* of(std::uint64_t word) const {
+    constexpr const Entity* of(std::uint64_t word) const {
         const Entity& entity = entities[m_by_text[slot(word)]];
         return entity.begins(word) ? &entity : nullptr;
     }
@@ -70,6 +72,19 @@ class EntityTable {
 };
 
 constexpr EntityTable entity_table;
+
+// No two entities share a place in the tables.
+constexpr bool finds_each() {
+    for (std::size_t i = 0; i < std::size(entities); ++i) {
+        const Entity& entity = entities[i];
+        if (i < 5 && entity_table.of(entity.character()).character() != entity.character()) {
+            return false;
+        }
+        if (!entity_table.of(entity.word())) return false;
+    }
+    return true;
+}
+static_assert(finds_each());
 
 // The first bytes of text as the processor reads them, the first one lowest; zeros behind its end.
 std::uint64_t first_word(std::string_view text) {

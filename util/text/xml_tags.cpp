@@ -33,7 +33,7 @@ int extract_attribute(const String& document, const String& tag, const String& a
     const auto name = document.first(attribute, 0);
     if (name == none) return failed;
     const std::string_view text = document.view();
-    const auto equals = util::find_byte(text, '=', name + attribute.size());
+    const auto equals = util::find_byte(text, '=', name + util::up_to_nul(attribute.view()).size());
     if (equals == none) return failed;
     const auto open = util::find_byte(text, '"', equals + 1);
     if (open == none) return failed;
