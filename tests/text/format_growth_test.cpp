@@ -40,6 +40,16 @@ void* failing_new(size_t) {
     throw std::bad_alloc();
 }
 
+using Locker = int(void**);
+Locker* real_locker;
+
+// As when another thread holds the lock: waiting makes an event, for one.
+int waiting(void** lock) {
+    errno = 9;
+    SetLastError(5);
+    return real_locker(lock);
+}
+
 class FormatGrowthTest : public testing::Test {
   protected:
     FormatGrowthTest() { real_formatter = m_patch.original<Formatter>(); }
@@ -109,6 +119,15 @@ TEST_F(FormatGrowthTest, FailuresLeaveTheLockFreeAndTheSizeAsItWas) {
     SetLastError(77);
     EXPECT_EQ(grow(), size_t(huge));
     EXPECT_EQ(GetLastError(), 77u) << "growing leaves the last error alone";
+}
+
+TEST_F(FormatGrowthTest, WaitingForTheLockLeavesTheErrorsAlone) {
+    const ImportPatch patch("pthread_mutex_lock", waiting);
+    real_locker = patch.original<Locker>();
+    errno = 33;
+    SetLastError(77);
+    EXPECT_EQ(String::format("%d", 7) + String(7), "77");
+    EXPECT_TRUE(errno == 33 && GetLastError() == 77);
 }
 
 TEST_F(FormatGrowthTest, HostProgramsLocaleChangesNothing) {
