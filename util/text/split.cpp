@@ -17,7 +17,8 @@ FieldCounts count_fields(const util::Marks& separators) {
     FieldCounts counts;
     std::uint64_t after_separator = 1;
     separators.for_each_line([&](std::size_t, std::size_t size, std::uint64_t bits) {
-        const std::uint64_t line = ~std::uint64_t{0} >> (util::line_size - size);
+        const std::uint64_t line =
+            size == util::line_size ? ~std::uint64_t{0} : (std::uint64_t{1} << size) - 1;
         const std::uint64_t starts = ~bits & (bits << 1 | after_separator) & line;
         after_separator = bits >> (util::line_size - 1);
         counts.all += std::bitset<util::line_size>(bits).count();
