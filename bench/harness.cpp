@@ -174,8 +174,12 @@ int main(int argc, char** argv) {
     mallopt(M_MMAP_THRESHOLD, 1 << 30);
     mallopt(M_TRIM_THRESHOLD, 1 << 30);
 #endif
-    for (int i = 1; i + 1 < argc; i += 2) {
+    for (int i = 1; i < argc; i += 2) {
         const std::string option = argv[i];
+        if (i + 1 == argc) {
+            std::fprintf(stderr, "'%s' stands without a value\n", argv[i]);
+            return 2;
+        }
         const char* const value = argv[i + 1];
         if (option == "--rounds") {
             settings.rounds = std::max(1, std::atoi(value));

@@ -7,7 +7,8 @@
 // alike, so the quotient of two variants is taken within a round; the ratio that is reported is the
 // median of these quotients over all rounds. Figures in nanoseconds move with the machine; the
 // ratios are what counts.
-#pragma once
+#ifndef UTIL_BENCH_HARNESS_H
+#define UTIL_BENCH_HARNESS_H
 
 #include <cstddef>
 #include <functional>
@@ -143,3 +144,5 @@ class Section {
 };
 
 }  // namespace bench
+
+#endif

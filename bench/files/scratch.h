@@ -1,5 +1,6 @@
 // A folder for the files of a benchmark, removed with them.
-#pragma once
+#ifndef UTIL_BENCH_FILES_SCRATCH_H
+#define UTIL_BENCH_FILES_SCRATCH_H
 
 #include <cstdlib>
 #include <filesystem>
@@ -46,3 +47,5 @@ inline std::string many_files() {
 }
 
 }  // namespace bench
+
+#endif

@@ -6,13 +6,14 @@
 #include <malloc.h>
 #include <process.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "bench/files/scratch.h"
-#include "tests/poll/loopback.h"
+#include "tests/support/loopback.h"
 #include "util/util.h"
 // after the platform's header, which the loopback brings
 #include <psapi.h>

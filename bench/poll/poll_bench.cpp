@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "bench/harness.h"
-#include "tests/poll/loopback.h"
+#include "tests/support/loopback.h"
 #include "util/poll/poll.h"
 
 using bench::Operation;

@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-#include "poll/loopback.h"
+#include "support/loopback.h"
 #include "support/private_registry.h"
 #include "support/scratch_directory.h"
 #include "util/internal/windows.h"

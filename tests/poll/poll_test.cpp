@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "poll/loopback.h"
 #include "support/handle_count.h"
 #include "support/import_patch.h"
+#include "support/loopback.h"
 
 using util_test::Connection;
 using util_test::handle_count;

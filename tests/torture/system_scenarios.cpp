@@ -2,9 +2,9 @@
 #include <list>
 #include <set>
 
-#include "poll/loopback.h"
 #include "support/built_file.h"
 #include "support/environment_change.h"
+#include "support/loopback.h"
 #include "torture/scenario.h"
 #include "torture/stand_ins.h"
 #include "util/host/host.h"

@@ -1,6 +1,6 @@
 // Connected sockets on this machine.
-#ifndef UTIL_TESTS_POLL_LOOPBACK_H
-#define UTIL_TESTS_POLL_LOOPBACK_H
+#ifndef UTIL_TESTS_SUPPORT_LOOPBACK_H
+#define UTIL_TESTS_SUPPORT_LOOPBACK_H
 
 #include <stdexcept>
 #include <utility>
