@@ -10,6 +10,7 @@
 #include <cstring>
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "util/internal/kept_errors.h"
 #include "util/portable/stat_path.h"
