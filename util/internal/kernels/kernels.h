@@ -8,8 +8,9 @@
 #include <cstddef>
 #include <cstdint>
 
-// UTIL_PORTABLE_KERNELS is the one switch: with it the library is plain C++ throughout.
-#if !defined(UTIL_PORTABLE_KERNELS) && (defined(__SSE2__) || defined(_M_X64))
+// UTIL_PORTABLE_KERNELS is the one switch: it leaves out the SSE2 kernels. With it, too, the
+// library needs GCC or Clang, whose built-in functions it calls, and a little-endian processor.
+#if !defined(UTIL_PORTABLE_KERNELS) && defined(__x86_64__)
 #define UTIL_SSE2_KERNELS
 #include <emmintrin.h>
 #endif
