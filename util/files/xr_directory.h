@@ -26,8 +26,9 @@ class UTIL_API XrDirectory {
     explicit XrDirectory(const String& path);
 
     // Copies share the listing: whichever is destroyed first deletes it for both. So at most one of
-    // two copies may hold a listing when it goes; call destroy() on one, init() on the other. Meant
-    // as it is.
+    // two copies may hold a listing when it goes; call destroy() on one, init() on the other. A
+    // listing that the target of an assignment holds is dropped without being freed, as by init().
+    // Both are meant.
     XrDirectory(const XrDirectory& other);
     XrDirectory& operator=(const XrDirectory& other);
 

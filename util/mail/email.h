@@ -19,7 +19,7 @@
 // The doubled backslashes are meant. A value is set when it is a text (REG_SZ, or REG_EXPAND_SZ,
 // which is not expanded), is not empty, and takes at most 260 bytes, the last of them a NUL.
 //
-// A message is five header lines and the body, each header ended by "\r\n":
+// A message is six header lines and the body, each header ended by "\r\n":
 //     From: agent@example.test
 //     To: admin@example.test
 //     MIME-Version: 1.0

@@ -6,7 +6,7 @@
 
 namespace util {
 
-// The type itself.
+// The platform's own type where that has 32 bits, so that declarations match its headers.
 #ifdef _WIN32
 using ulong32 = unsigned long;
 #else

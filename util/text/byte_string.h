@@ -309,7 +309,8 @@ namespace std {
 // Strings as keys of the unordered containers, by String::hash().
 template <>
 struct hash<String> {
-    size_t operator()(const String& s) const { return s.hash(); }  // s.hash()
+    // Every stored byte counts, as in comparing, so equal strings have equal hashes.
+    size_t operator()(const String& s) const { return s.hash(); }
 };
 
 }  // namespace std

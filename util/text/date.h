@@ -79,7 +79,8 @@ class UTIL_API ExtTime : public ExtDate {
     ExtTime(const ExtTime& other);
     ExtTime& operator=(const ExtTime& other);
 
-    ExtString label() const;  // the label as it was given
+    // A copy of the label, of which nothing is trimmed or changed; "" for an object made as now.
+    ExtString label() const;
 
   private:
     ExtString m_label;
