@@ -24,7 +24,8 @@ namespace {
 
 template <typename Word>
 bool same_word(const char* a, const char* b) {
-    Word word_a, word_b;
+    Word word_a;
+    Word word_b;
     std::memcpy(&word_a, a, sizeof word_a);
     std::memcpy(&word_b, b, sizeof word_b);
     return word_a == word_b;
