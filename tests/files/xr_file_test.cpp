@@ -223,6 +223,40 @@ TEST_F(XrFileTest, TransfersFollowTheRetryRule) {
     }
 }
 
+int interruptions, read_calls;
+int interrupted_read(int fd, void* buffer, unsigned count) {
+    if (++read_calls > interruptions) return _read(fd, buffer, count);
+    errno = EINTR;
+    return -1;
+}
+
+TEST_F(XrFileTest, ChunksReadAheadFollowTheRetryRule) {
+    const struct {
+        int interruptions;
+        bool line;  // else a number
+        bool done;
+        int code, read_calls;
+    } cases[] = {
+        {5, false, true, 0, 6},
+        {6, false, false, EINTR, 6},
+        {1, true, false, 77, 1},  // lines have no such rule
+    };
+    const ImportPatch patch("_read", interrupted_read);
+    for (const auto& c : cases) {
+        XrFile file = open("42\0rest"s);
+        int number = 0;
+        char buffer[9];
+        interruptions = c.interruptions;
+        read_calls = 0;
+        SetLastError(77);
+        c.line ? void(file.Readln(buffer, sizeof buffer)) : void(file >> number);
+        EXPECT_EQ(file.Error(), !c.done) << c.interruptions;
+        EXPECT_EQ(code_of(file), c.code) << c.interruptions;
+        EXPECT_EQ(read_calls, c.read_calls) << c.interruptions;
+        EXPECT_EQ(number, c.done ? 42 : 0);
+    }
+}
+
 TEST_F(XrFileTest, ReadsLinesExactlyToTheirEnd) {
     XrFile file = open("one\r\n\ntwelve chars\nlast");
     const struct {
