@@ -65,7 +65,8 @@ TEST_F(PrepareDirectoryTest, CreatesAndRecordsWhatIsMissing) {
     ASSERT_NE(in_use, INVALID_HANDLE_VALUE);
     for (const String& path :
          {String(absolute + "gr\xC3\xBC\xE6\x96\x87\\\\"), String("held\\b"), String("a\\x"),
-          String("a\\x"), String("\\\\server\\share"), String("\\rooted"), String("server/new")}) {
+          String("a\\x"), String("cut\0off", 7), String("\\\\server\\share"), String("\\rooted"),
+          String("server/new")}) {
         EXPECT_EQ(prepare(path, m_tracking), 0u) << path;
         EXPECT_TRUE(m_message == "before" && m_failed == "before" && m_kind == 77) << path;
     }
@@ -79,7 +80,7 @@ TEST_F(PrepareDirectoryTest, CreatesAndRecordsWhatIsMissing) {
     EXPECT_TRUE(XrDirectory::IsDirectory("a\\y"));
     const Names made = records(m_tracking.str());
     EXPECT_EQ(made, (Names{absolute, absolute + "gr\xC3\xBC\xE6\x96\x87\\", "held\\b\\", "a\\x\\",
-                           "server\\", "server\\share\\", "rooted\\", "server/new\\"}));
+                           "cut", "server\\", "server\\share\\", "rooted\\", "server/new\\"}));
     for (const std::string& directory : made)
         EXPECT_TRUE(XrDirectory::IsDirectory(directory)) << directory;
 }

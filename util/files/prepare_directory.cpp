@@ -1,6 +1,7 @@
 #include "util/files/prepare_directory.h"
 
 #include <string>
+#include <string_view>
 
 #include "util/files/create_directory.h"
 #include "util/files/wide_path.h"
@@ -60,10 +61,11 @@ class CreationRecord {
     }
 
     // Forms the record of a directory that is about to be created, so that its creation is followed
-    // by nothing that could want memory.
+    // by nothing that could want memory. What is created ends at the first NUL, and so does this.
     void prepare(const String& directory) {
-        m_bytes = std::to_string(directory.size() + 1);
-        m_bytes.append(1, '\0').append(directory.c_str()).append(1, '\0');
+        const std::string_view created = directory.c_str();
+        m_bytes = std::to_string(created.size() + 1);
+        m_bytes.append(1, '\0').append(created).append(1, '\0');
     }
 
     // Nothing is appended behind a record that could not be written whole: it would be misread.

@@ -105,7 +105,8 @@ class ReadAhead {
     int fill(std::uint64_t wanted) {
         const auto size = static_cast<unsigned>(std::min<std::uint64_t>(m_step, wanted));
         int count = ksl_read(m_fd, m_chunk, size);
-        // An interruption has nothing to do with the size: it is for the rule of transfer() to count.
+        // An interruption has nothing to do with the size: it is for the rule of transfer() to
+        // count.
         if (count < 0 && size > 1 && errno != EINTR) {
             m_step = 1;
             count = ksl_read(m_fd, m_chunk, 1);
