@@ -4,70 +4,17 @@
 // after the platform's header
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
-#include <iterator>
 #include <memory>
-#include <string_view>
 #include <utility>
 
 #include "util/files/directory_reader.h"
+#include "util/files/entry_status.h"
 #include "util/internal/ansi_text.h"
-#include "util/internal/ascii.h"
 #include "util/portable/utf8_files.h"
 
 namespace {
-
-struct Status {
-    int mode = 0;
-    long size = 0;
-};
-
-bool has_program_extension(std::string_view name) {
-    constexpr std::size_t length = 4;
-    if (name.size() < length) return false;
-    char ending[length];
-    std::transform(name.end() - length, name.end(), ending, util::to_lower);
-    constexpr std::string_view extensions[] = {".exe", ".bat", ".cmd", ".com"};
-    return std::find(std::begin(extensions), std::end(extensions),
-                     std::string_view(ending, length)) != std::end(extensions);
-}
-
-// The status that UTF8_stat would give, from what the search has already brought; a call per entry
-// would more than double the time of a listing.
-Status status_from_search(const WIN32_FIND_DATAW& found, std::string_view name) {
-    constexpr int read_all = 0444;
-    constexpr int write_all = 0222;
-    constexpr int execute_all = 0111;
-    Status status;
-    status.mode = read_all;
-    if (!(found.dwFileAttributes & FILE_ATTRIBUTE_READONLY)) status.mode |= write_all;
-    if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-        status.mode |= _S_IFDIR | execute_all;
-    } else {
-        status.mode |= _S_IFREG;
-        if (has_program_extension(name)) status.mode |= execute_all;
-        status.size = static_cast<long>(found.nFileSizeLow);  // the status has these 32 bits, too
-    }
-    return status;
-}
-
-Status status_of(const String& directory, const char* name, const WIN32_FIND_DATAW& found) {
-    // The search describes a link itself, not what it leads to.
-    const bool described = !(found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT);
-    // A path of one character always gets a separator: "\" gives "\\name", which names a server.
-    // And a path too long for the status call on Windows has none.
-    const bool joins_plainly =
-        directory.size() > 1 && directory.size() + 1 + std::strlen(name) < MAX_PATH;
-    if (described && joins_plainly) return status_from_search(found, name);
-
-    const bool separated = directory.size() > 1 && directory.view().back() == '\\';
-    struct _stat64i32 record = {};
-    if (UTF8_stat(directory + (separated ? "" : "\\") + name, &record) != 0) return {};
-    return {record.st_mode, record.st_size};
-}
 
 bool is_wanted(const char* name, bool include_hidden) {
     if (name[0] != '.') return true;
@@ -85,9 +32,10 @@ void append_drive_roots(Entries& entries) {
 bool append_entries(const String& path, bool include_hidden, Entries& entries) {
     util::DirectoryReader reader(path);
     if (!reader.is_open()) return false;
+    const util::EntryStatusReader statuses(path);
     while (reader.next()) {
         if (!is_wanted(reader.name(), include_hidden)) continue;
-        const Status status = status_of(path, reader.name(), reader.data());
+        const util::EntryStatus status = statuses.status_of(reader.name(), reader.data());
         entries.push_back(
             std::make_unique<XrDirectoryEntry>(reader.name(), status.mode, status.size));
     }
