@@ -22,7 +22,7 @@ struct Drive {
     UINT type;
 };
 std::vector<Drive> machine, plugged_in;  // the latter join once the size of the list has been told
-bool sizes_fail, lists_fail;
+bool sizes_fail, lists_fail, may_ask_the_user;
 
 DWORD WINAPI fake_mask() {
     return (1u << machine.size()) - 1;
@@ -41,6 +41,7 @@ DWORD WINAPI fake_list(DWORD room, LPSTR out) {
 BOOL WINAPI fake_volume(LPCSTR root, LPSTR, DWORD, LPDWORD serial, LPDWORD, LPDWORD, LPSTR out,
                         DWORD) {
     const Drive& drive = machine.at(root[0] - 'C');
+    may_ask_the_user |= !(GetThreadErrorMode() & SEM_FAILCRITICALERRORS);
     *serial = drive.serial;
     std::strcpy(out, drive.file_system.c_str());
     return !drive.file_system.empty();
@@ -100,6 +101,16 @@ TEST_F(MountTest, WritesTheseBytesAndNoOthers) {
         EXPECT_STREQ(&m_records[1040], texts[type]) << type;
         EXPECT_EQ(m_records[1048], '\0') << type;
     }
+}
+
+TEST_F(MountTest, NeverAsksTheUserForADisk) {
+    DWORD before;
+    ASSERT_TRUE(SetThreadErrorMode(SEM_NOOPENFILEERRORBOX, &before));
+    may_ask_the_user = false;
+    EXPECT_EQ(fetch(3), 2);
+    EXPECT_FALSE(may_ask_the_user);
+    EXPECT_EQ(GetThreadErrorMode(), static_cast<DWORD>(SEM_NOOPENFILEERRORBOX)) << "put back";
+    SetThreadErrorMode(before, nullptr);
 }
 
 TEST_F(MountTest, SaysHowManyRecordsAreNeededAndNeverOverrunsTheArray) {

@@ -162,7 +162,8 @@ bool cannot_fail(const std::string& name) {
     }
     constexpr const char* groups[] = {
         // answer from what the process has at hand
-        "GetACP GetCurrentProcess GetLastError GetSystemTime IsDBCSLeadByteEx SetLastError Sleep "
+        "GetACP GetCurrentProcess GetLastError GetSystemTime IsDBCSLeadByteEx SetLastError "
+        "SetThreadErrorMode Sleep "
         "___lc_codepage_func ___mb_cur_max_func __iob_func _errno localeconv strerror "
         "GetModuleHandleW TlsGetValue",
         // look at memory, move it, or give it back

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 
+#include "util/internal/kept_errors.h"
 #include "util/internal/windows.h"
 
 // Programs hold arrays of these; the layout never changes.
@@ -61,6 +62,22 @@ const char* type_text(UINT type) {
     }
 }
 
+// While it lives, a drive without a medium fails on this thread at once. Else the platform may ask
+// the user to insert one and wait for the answer, and nobody is there to give it.
+class NoInsertDiskBox {
+  public:
+    NoInsertDiskBox() { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &m_before); }
+    ~NoInsertDiskBox() {
+        const util::KeptErrors kept;
+        SetThreadErrorMode(m_before, nullptr);
+    }
+    NoInsertDiskBox(const NoInsertDiskBox&) = delete;
+    NoInsertDiskBox& operator=(const NoInsertDiskBox&) = delete;
+
+  private:
+    DWORD m_before = 0;
+};
+
 // Fills the record for a drive; false, with the record untouched, when its volume does not answer.
 bool describe(const char* root, ksl_mount_record* record) {
     char volume_name[260];
@@ -101,6 +118,7 @@ int ksl_getMntData(char* records, int* capacity) {
 
     const RootList roots = root_list();
     if (!roots) return -1;
+    const NoInsertDiskBox no_box;
     int written = 0;
     auto* record = reinterpret_cast<ksl_mount_record*>(records);
     for (const char* root = roots.get(); *root && written < *capacity;

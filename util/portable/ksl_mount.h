@@ -26,7 +26,8 @@ UTIL_API int ksl_getNumMntStructures();
 // many were written. records holds *capacity records back to back; no more are ever written. When
 // there are more drives than that, returns 0 with their number in *capacity, records untouched and
 // allowed to be null. Returns -1 when the platform lists no drives or a call fails, and when
-// capacity, or records with any capacity, is null. Any thread may call it.
+// capacity, or records with any capacity, is null. A drive without a medium is passed over without
+// asking the user to insert one. Any thread may call it.
 //
 //     int capacity = 26;
 //     std::vector<ksl_mount_record> drives(26);
