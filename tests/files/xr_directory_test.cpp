@@ -142,6 +142,18 @@ TEST_F(XrDirectoryTest, OnlyPathsThatMayBeTooLongNeedTheStatusCall) {
     }
 }
 
+BOOL WINAPI broken_off(HANDLE, WIN32_FIND_DATAW*) {
+    SetLastError(ERROR_INVALID_NAME);  // also the code of a name that cannot be converted
+    return FALSE;
+}
+
+TEST_F(XrDirectoryTest, ASearchThatBreaksOffGivesWhatWasFound) {
+    m_scratch.file("a");
+    const ImportPatch patch("FindNextFileW", broken_off);
+    XrDirectory directory(m_scratch.path());
+    EXPECT_EQ(names(directory, true).size(), 0u) << "only \".\" was found";
+}
+
 DWORD drive_text_length;
 DWORD WINAPI drive_text(DWORD size, char* buffer) {
     static const char text[] = "C:\\ \0 \t\0\r\nD:\\\0";

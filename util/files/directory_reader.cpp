@@ -1,12 +1,11 @@
 #include "util/files/directory_reader.h"
 
-#include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "util/files/wide_path.h"
 #include "util/portable/utf8.h"
-#include "util/portable/utf8_files.h"
 
 namespace util {
 
@@ -20,13 +19,11 @@ String search_pattern(const String& path) {
 
 }  // namespace
 
-// Not UTF8_FindFirstFile: it would report want of memory as a directory that cannot be read.
+// Not UTF8_FindFirstFile, nor its companion below: they would report want of memory as a failure of
+// the search, with a last error that the search may leave, too.
 DirectoryReader::DirectoryReader(const String& path)
     : m_search(FindFirstFileW(wide_path(search_pattern(path)).c_str(), &m_data)) {
-    if (!is_open()) return;
-    String name;
-    if (!UTIL_WideCharToUtf8(m_data.cFileName, &name)) throw std::bad_alloc();
-    std::memcpy(m_name, name.c_str(), name.size() + 1);
+    if (is_open()) convert_name();
 }
 
 bool DirectoryReader::next() {
@@ -35,10 +32,23 @@ bool DirectoryReader::next() {
         m_first_pending = false;
         return true;
     }
-    if (UTF8_FindNextFile(m_search.get(), &m_data, m_name)) return true;
-    // The platform never gives this code here; the name could not be converted for want of memory.
-    if (GetLastError() == ERROR_INVALID_NAME) throw std::bad_alloc();
-    return false;
+    if (!FindNextFileW(m_search.get(), &m_data)) return false;
+    convert_name();
+    return true;
+}
+
+void DirectoryReader::convert_name() {
+    // ASCII, as most names are, needs none, and it is what would cost time in a listing.
+    const wchar_t* unit = m_data.cFileName;
+    char* to = m_name;
+    while (*unit != L'\0' && *unit < 0x80)
+        *to++ = static_cast<char>(*unit++);
+    *to = '\0';
+    if (*unit == L'\0') return;
+
+    String name;
+    if (!UTIL_WideCharToUtf8(m_data.cFileName, &name)) throw std::bad_alloc();
+    std::memcpy(m_name, name.c_str(), name.size() + 1);
 }
 
 std::vector<String> drive_roots() {

@@ -25,6 +25,8 @@ class DirectoryReader {
     const _WIN32_FIND_DATAW& data() const { return m_data; }
 
   private:
+    void convert_name();
+
     ScopedSearch m_search;
     bool m_first_pending = true;
     _WIN32_FIND_DATAW m_data;
