@@ -104,11 +104,13 @@ class ReadAhead {
     // wanted, so that for a single byte nothing needs to be given back.
     int fill(std::uint64_t wanted) {
         const auto size = static_cast<unsigned>(std::min<std::uint64_t>(m_step, wanted));
+        const int errno_before = errno;
         int count = ksl_read(m_fd, m_chunk, size);
         // An interruption has nothing to do with the size: it is for the rule of transfer() to
         // count.
         if (count < 0 && size > 1 && errno != EINTR) {
             m_step = 1;
+            errno = errno_before;
             count = ksl_read(m_fd, m_chunk, 1);
         }
         m_begin = 0;
