@@ -13,9 +13,9 @@ UTIL_EXTERN_C_BEGIN
 //
 // Both files are opened before anything is looked at, the destination emptied: a missing source
 // leaves an empty destination, and a file copied onto itself is emptied, with result 0. Both are
-// meant. As many bytes are copied as the source has after that: what is added meanwhile is left
-// out, and a source that shrinks meanwhile gives -1. On -1 the destination keeps what was copied
-// until then; it never holds a byte that was not read.
+// meant. As many bytes are copied as the source has after that, beyond 4 GB as well: what is added
+// meanwhile is left out, and a source that shrinks meanwhile gives -1. On -1 the destination keeps
+// what was copied until then; it never holds a byte that was not read.
 //
 // Paths are UTF-8. Takes 256 KiB of memory at most, which is this call's own: any thread may call
 // it. Nothing is raised.

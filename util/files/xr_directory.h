@@ -52,7 +52,8 @@ class UTIL_API XrDirectory {
     // first for a fresh listing. The list and its entries stay owned by this object.
     // An entry whose status cannot be had has mode and size 0. When the directory cannot be read,
     // prints "Failed to open directory: " and the path to standard output and returns what there
-    // is. A search that the platform breaks off gives what was found until then.
+    // is; so it does for a drive's root that holds nothing, which even lacks ".". A search that the
+    // platform breaks off gives what was found until then.
     List* getDirectoryList(bool include_hidden, bool refresh);
 
     // Stores the kilobytes (1024 bytes) free for the caller and returns 0; stores 0 and returns -1

@@ -159,7 +159,7 @@ bool XrFile::fail_and_invalidate(int code) {
 }
 
 // What is flattened below is what programs call in a loop. Behind a system call the processor
-// predicts no return rightly, so every frame less between the two is some 20 ns of about 1000.
+// predicts no return rightly, so every frame less between the two is felt.
 [[gnu::flatten]] bool XrFile::Read(char* buf, std::uint64_t count) {
     if (!buf) return fail(own_failure);
     const auto outcome =

@@ -12,7 +12,7 @@
 // Names are UTF-8. Every failure is recorded in the object instead of raised: test Error() after a
 // run of operations. The flag is sticky; only a successful open clears it. There is no buffer: when
 // a writing operation returns, the bytes have been handed to the operating system. Each operation
-// therefore costs a system call, some eight times what a buffered stream takes for a short record.
+// therefore costs a system call, many times what a buffered stream takes for a short record.
 //
 // Two styles of failure are kept apart. Read, Readln, Write, reading a number and Close only set
 // the error. IsEmpty, Eof, Seek, SeekToBegin, a failed open, reading a string's bad length and a
@@ -80,7 +80,8 @@ class UTIL_API XrFile {
 
     // Moves count bytes. A transfer that is interrupted (errno 4) goes on up to five times. True
     // when all went, and also when the file ended early: ask Tell() for how far. False at the end
-    // of the file, for a count of 0, a null buffer and every failure.
+    // of the file, for a count of 0, a null buffer and every failure. A transfer that succeeds, one
+    // of the operators below included, leaves errno at 0.
     bool Read(char* buf, std::uint64_t count);
     bool Write(const char* buf, std::uint64_t count);
 
