@@ -7,6 +7,7 @@ never run; its JSON keeps it.
 """
 import collections
 import json
+import math
 import os
 import re
 import subprocess
@@ -42,8 +43,8 @@ def decisions(branches):
 
 
 def collect(root, folder):
-    """{file: {line: [executions, {branch: executions}]}}; instances of a template are one."""
-    files = collections.defaultdict(lambda: collections.defaultdict(lambda: [0, collections.Counter()]))
+    """{file: {line: [executions, [executions of each branch in one object file]...]}}"""
+    files = collections.defaultdict(lambda: collections.defaultdict(lambda: [0]))
     for report in reports(folder):
         for file in report["files"]:
             name = os.path.relpath(os.path.join(folder, file["file"]), root)
@@ -52,10 +53,15 @@ def collect(root, folder):
             for line in file["lines"]:
                 seen = files[name][line["line_number"]]
                 seen[0] += line["count"]
-                counts = decisions(line["branches"])
-                for i, count in enumerate(counts):
-                    seen[1][len(counts), i] += count
+                seen.append(decisions(line["branches"]))
     return files
+
+
+def merged(instances):
+    """Executions of each branch. A line of a header has its branches once for each instance in an
+    object file; what all object files have a multiple of is one instance's."""
+    size = math.gcd(*map(len, instances))
+    return [sum(sum(counts[i::size]) for counts in instances) for i in range(size)]
 
 
 def main(root, folder):
@@ -63,12 +69,11 @@ def main(root, folder):
     for name, seen in sorted(collect(root, os.path.abspath(folder)).items()):
         with open(os.path.join(root, name), encoding="utf-8") as source:
             text = source.read().splitlines()
-        for number, (count, taken) in sorted(seen.items()):
+        for number, (count, *instances) in sorted(seen.items()):
             lines += 1
             lines_taken += count > 0
-            if not is_counted(text[number - 1]):
-                taken = {}
-            missing = sum(1 for executions in taken.values() if executions == 0)
+            taken = merged(instances) if is_counted(text[number - 1]) else []
+            missing = taken.count(0)
             branches += len(taken)
             branches_taken += len(taken) - missing
             if missing or (count == 0 and re.search(r"\w", text[number - 1])):

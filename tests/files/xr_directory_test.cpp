@@ -47,14 +47,29 @@ struct XrDirectoryTest : testing::Test {
 
 TEST_F(XrDirectoryTest, ListsSortedByNameAndHidesDotNames) {
     const char* const word = "gr\xC3\xBC\xC3\x9F\xE6\x96\x87\xF0\x9F\x98\x80";
-    for (const char* name : {"b", ".hidden", "A", word})
+    for (const char* name : {"b", ".hidden", "..two", "A", word})
         m_scratch.file(name);
     m_scratch.directory("sub");
     for (const char* ending : {"", "\\", "/"}) {
         XrDirectory directory(m_scratch.path() + ending);
         EXPECT_EQ(names(directory), (Names{"A", "b", word, "sub"})) << ending;
         directory.destroy();
-        EXPECT_EQ(names(directory, true), (Names{".hidden", "A", "b", word, "sub"})) << ending;
+        EXPECT_EQ(names(directory, true), (Names{"..two", ".hidden", "A", "b", word, "sub"}))
+            << ending;
+    }
+}
+
+TEST_F(XrDirectoryTest, ListsTheCurrentDirectoryAndOneAtAnyDepth) {
+    m_scratch.file("a", "12345");
+    SetCurrentDirectoryA(m_scratch.path().c_str());
+    XrDirectory current(".");
+    EXPECT_EQ((*current.getDirectoryList(false, false))[0]->getSize(), 5);
+    const std::string deep = std::string(200, 'd') + "\\" + std::string(200, 'd');
+    m_scratch.directory(deep);
+    m_scratch.file(deep + "\\a");
+    for (const char* ending : {"", "\\"}) {
+        XrDirectory directory((m_scratch / deep) + ending);
+        EXPECT_EQ(names(directory), Names{"a"}) << ending;
     }
 }
 
@@ -190,6 +205,7 @@ TEST_F(XrDirectoryTest, AnswersAboutPathsAndCreatesNothing) {
     EXPECT_NEAR(kilobytes, static_cast<double>(available) / 1024, kilobytes / 100);
     EXPECT_EQ(XrDirectory(m_scratch / "missing").getFreeSpace(&kilobytes), -1);
     EXPECT_EQ(kilobytes, 0);
+    EXPECT_EQ(XrDirectory(m_scratch.path()).getFreeSpace(nullptr), -1);
     EXPECT_EQ(XrDirectory::CreateDirectoryA((m_scratch / "new").c_str()), 0);
     EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch / "new"));
 }

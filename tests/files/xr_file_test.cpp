@@ -336,7 +336,15 @@ TEST_F(XrFileTest, ReadsByteByByteWhereReadingAheadWouldShow) {
     ASSERT_TRUE(WriteFile(pipe, "first\nsecond\n", 13, &written, nullptr));
     EXPECT_TRUE(reads(piped, "first\n"));
     EXPECT_TRUE(reads(piped, "second\n")) << "not lost to reading ahead";
+    ASSERT_TRUE(WriteFile(pipe, "2\0x\0#\n", 6, &written, nullptr));
+    std::string record;
+    piped >> record;
+    EXPECT_EQ(record, "x");
+    EXPECT_TRUE(reads(piped, "#\n")) << "nor to a record";
+    ASSERT_TRUE(WriteFile(pipe, "70000\0cut", 9, &written, nullptr));
     CloseHandle(pipe);
+    piped >> record;
+    EXPECT_EQ(record, "cut") << "whose end cannot be known";
 
     XrFile text = open("a\r\nb\r\n", "rt");
     EXPECT_TRUE(reads(text, "a\n"));
@@ -376,6 +384,7 @@ TEST_F(XrFileTest, ObjectsFailInTheirTwoStyles) {
         {"Readln", [&](XrFile& f) { return f.Readln(&byte, 1); }, false, true, 77},
         {"Write", [](XrFile& f) { return f.Write("x", 1); }, false, true, EBADF},
         {"null", [](XrFile& f) { return f.Write(nullptr, 1); }, false, true, -1},
+        {"null read", [](XrFile& f) { return f.Read(nullptr, 1); }, false, true, -1},
         {"null line", [](XrFile& f) { return f.Readln(nullptr, 1); }, false, true, -1},
         {"number", [&](XrFile& f) { return (f >> number).Error(); }, true, true, EBADF},
         {"text", [&](XrFile& f) { return (f >> text).Error(); }, true, false, -1},

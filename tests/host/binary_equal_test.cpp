@@ -14,6 +14,7 @@ TEST(BinaryEqualTest, ReadsUpToTheFirstDifferenceOnly) {
     EXPECT_TRUE(UTIL_IsBinaryEqual(nullptr, "a", 0));
     EXPECT_TRUE(UTIL_IsBinaryEqual(nullptr, "a", INT_MIN));
     EXPECT_FALSE(UTIL_IsBinaryEqual(nullptr, "a", 1));
+    EXPECT_FALSE(UTIL_IsBinaryEqual("a", nullptr, 1));
 }
 
 }  // namespace

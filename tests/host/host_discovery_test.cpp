@@ -157,6 +157,10 @@ TEST_F(HostDiscoveryTest, WorkFilesAreMadeInTheDirectoryAndStayThere) {
         EXPECT_EQ(scratch.read(name + "\\nslookupOutput.txt"),
                   "\n" + question + "\nhost1 A 10.0.0.5\r\n");
     }
+    SetCurrentDirectoryA(scratch.path().c_str());
+    EXPECT_EQ(enumerate(""), 0);
+    for (const char* name : {"\\nslookupInput.txt", "\\nslookupOutput.txt"})
+        EXPECT_EQ(std::remove(name), 0) << "in the root of the current drive";
 }
 
 TEST_F(HostDiscoveryTest, WithoutAnAnswerThereAreNoHosts) {

@@ -166,6 +166,8 @@ TEST_F(RegistryTest, InstallDirectoryIsReadWhateverItsType) {
         {REG_SZ, "C:\\vm", "C:\\vm", "before"},
         {REG_SZ, "", "", "before"},
         {REG_SZ, "\xE9\0"s, "\xC3\xA9", "before"},
+        {REG_EXPAND_SZ, "%x%\0"s, "%x%", "before"},
+        {REG_MULTI_SZ, "a\0b\0\0"s, "a", "before"},
         {REG_BINARY, "ab\0c"s, "ab", "before"},
         {REG_SZ, text(259) + '\0', text(259), "before"},
         {REG_BINARY, text(260), text(260), "before"},
@@ -281,6 +283,7 @@ TEST_F(RegistryTest, DatabaseKeyIsMadeWhenMissingAndStaysOpenAfterAFailedConvers
         EXPECT_FALSE(UTIL_getTSSEDBInfoFromRegistry(key, path, user, password));
         EXPECT_EQ(path, "before");
     }
+    EXPECT_FALSE(UTIL_getTSSEDBInfoFromRegistry("\xE6\x97\xA5", path, user, password));
     EXPECT_EQ(keys_left_open(), 0);
     const ImportPatch convert("WideCharToMultiByte", refusing_conversion);
     EXPECT_FALSE(UTIL_getTSSEDBInfoFromRegistry(key, path, user, password));

@@ -34,6 +34,10 @@ TEST(StatusPathTest, OneTrailingBackslashGoesAndOnlyOneCallKnowsBareDrives) {
                  {"", L"", L""},
                  {"C:\\d\\", L"C:\\d", L"C:\\d"},
                  {"C:\\d\\\\\\", L"C:\\d\\", L"C:\\d\\"},
+                 {"\\d\\", L"\\d", L"\\d"},
+                 {"\\\\srv\\share\\", L"\\\\srv\\share", L"\\\\srv\\share"},
+                 {"/d/", L"/d", L"/d"},
+                 {"//srv/share/", L"//srv/share/", L"//srv/share/"},
                  {"r\xC3\xA9plica\\", L"r\u00E9plica", L"r\u00E9plica"},
                  {"a\xE9\\", L"a\uFFFD", L"a\uFFFD"}};
     struct _stat64i32 record;

@@ -109,6 +109,8 @@ TEST(KslUint64Test, WritesIntoTheLibrarysOwnBuffersOrTheCallers) {
     char text[] = "#";
     EXPECT_EQ(ksl_uint64_c(5).to_decimal_r(text, -1), text);
     EXPECT_STREQ(text, "#");
+    EXPECT_EQ(ksl_uint64_c(5).to_decimal_r(nullptr, 5), nullptr);
+    EXPECT_EQ(ksl_uint64_c(5).to_hex_r(1, nullptr, 5), nullptr);
 }
 
 // For the thread sanitizer: all of them set the one status word.

@@ -178,6 +178,8 @@ TEST(Utf8FindTest, NameThatCannotBeConvertedLeavesNoNewSearchOpen) {
         EXPECT_EQ(UTF8_FindNextFile(search, &data, nullptr), 1) << "the name is not wanted";
     }
     EXPECT_EQ(handle_count(), before) << "the running search stays, a new one does not";
+    EXPECT_EQ(UTF8_FindNextFile(search, nullptr, name), 0);
+    EXPECT_EQ(GetLastError(), DWORD(ERROR_INVALID_NAME));
     EXPECT_EQ(UTF8_FindNextFile(search, &data, name), 1);
     EXPECT_TRUE(FindClose(search));
     SetLastError(77);

@@ -108,6 +108,7 @@ TEST(StringTest, FindsFromAPosition) {
     EXPECT_EQ(e.find("xY", 0, 0), ExtString::npos);
     EXPECT_EQ(e.find("a", 1, 1), ExtString::npos);
     EXPECT_EQ(e.find("a", 7, 1), ExtString::npos);
+    EXPECT_EQ(e.find("", e.size(), 1), e.size());
 }
 
 TEST(StringTest, CutsAndReplacesWithinItsLength) {
@@ -166,7 +167,7 @@ TEST(StringTest, HashKeepsItsStoredValues) {
 TEST(FormatTest, PrintsWhatTheRuntimePrints) {
     EXPECT_EQ(String::format("%s-%03d|%-4c|%x|%5.1f%%", "disk", 7, 'q', 0xBEEFu, 2.75),
               "disk-007|q   |beef|  2.8%");
-    EXPECT_EQ(String::format("a%cb", 0), "a") << "the text ends at its first NUL";
+    EXPECT_EQ(String::format("a%cb%c", 0, 0), "a") << "the text ends at its first NUL";
     const char* const none = nullptr;
     EXPECT_EQ(String::format(none), "");
     for (const int size : {1023, 1024, 4096, 20480, 24576, 126975, 126976, 300000}) {

@@ -90,6 +90,7 @@ TEST_P(DateTest, WritesPatternsInTheCLocale) {
 #ifdef _WIN32
         {"%", ""},
         {"x%Q", ""},
+        {"x%#", ""},
 #endif
     };
     for (const auto& c : cases)

@@ -7,6 +7,7 @@ using namespace std::string_literals;
 namespace {
 
 TEST(ReplaceTest, OddArgumentsAndEmbeddedNuls) {
+    const std::string many(60, 'a'), some(10, 'a'), repetitive = std::string(40, 'a') + "ba";
     const struct {
         std::string text;
         const char *from, *to;
@@ -16,7 +17,10 @@ TEST(ReplaceTest, OddArgumentsAndEmbeddedNuls) {
                  {"", "", "x", "x", ""},
                  {"a-b\0c-d"s, "-", "+", "a+b", "a+b"},
                  {"ab\0cd"s, "", "x", "xab", "ab\0cd"s},
-                 {"ab\0c"s, nullptr, "x", "ab\0c"s, "ab\0c"s}};
+                 {"ab\0c"s, nullptr, "x", "ab\0c"s, "ab\0c"s},
+                 {"abc", "x", "y", "abc", "abc"},
+                 {many + repetitive + "x" + some + repetitive, repetitive.c_str(), "+",
+                  many + "+x" + some + repetitive, many + "+x" + some + "+"}};
     for (const auto& c : cases) {
         String once(c.text), everywhere(c.text);
         EXPECT_EQ(once.replace(c.from, c.to, String::SCOPE_FIRST), c.once) << c.text;

@@ -195,7 +195,8 @@ const std::vector<Scenario> file_scenarios = {
      }},
     {"XrDirectory, listed",
      [](Run& run) {
-         for (const char* name : {"b", "a", ".hidden", "a_name_longer_than_any_short_string_holds"})
+         for (const char* name :
+              {"\xC3\xA4", "a", ".hidden", "a_name_longer_than_any_short_string_holds"})
              run.scratch.file(name, "x");
          const String path(run.scratch.path());
          run.completes(either, [&] {

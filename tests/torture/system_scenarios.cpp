@@ -114,6 +114,7 @@ const std::vector<Scenario> system_scenarios = {
              poll.append(idle.fd(), &reader);
              poll.append(idle.fd(), nullptr);
              poll.SetBlockingMode(idle.fd());
+             poll.SetBlockingMode(12345);
              poll.SetNonBlockingMode(idle.fd());
              poll.run(0);
              poll.remove(idle.fd());
@@ -161,6 +162,8 @@ const std::vector<Scenario> system_scenarios = {
              results[1] = MailRunning();
          });
          run.outcome(results[0] && results[1], true);
+         for (const char* asked : {"OpenSCManagerA", "OpenServiceA", "QueryServiceStatus"})
+             run.always(!Run::faulted() || !Run::failing(asked) || !results[1], "an answer");
      }},
     {"UTIL_basename and others that ask nobody",
      [](Run& run) {
@@ -203,7 +206,7 @@ const std::vector<Scenario> system_scenarios = {
          bool results[2] = {};
          run.call(nothing, [&] {
              results[0] = UTIL_IsClustered(name);
-             results[1] = UTIL_IsCluster();
+             results[1] = UTIL_IsCluster() || UTIL_IsClustered(text);
          });
          run.outcome(results[0] && !results[1], !results[0]);
      }},
