@@ -12,15 +12,17 @@ TEST(ReplaceTest, OddArgumentsAndEmbeddedNuls) {
         std::string text;
         const char *from, *to;
         std::string once, everywhere;
-    } cases[] = {{"a-b-c", "-", nullptr, "ab-c", "abc"},
-                 {"aaaaa", "aa", "a", "aaaa", "aaa"},
-                 {"", "", "x", "x", ""},
-                 {"a-b\0c-d"s, "-", "+", "a+b", "a+b"},
-                 {"ab\0cd"s, "", "x", "xab", "ab\0cd"s},
-                 {"ab\0c"s, nullptr, "x", "ab\0c"s, "ab\0c"s},
-                 {"abc", "x", "y", "abc", "abc"},
-                 {many + repetitive + "x" + some + repetitive, repetitive.c_str(), "+",
-                  many + "+x" + some + repetitive, many + "+x" + some + "+"}};
+    } cases[] = {
+        {"a-b-c", "-", nullptr, "ab-c", "abc"},
+        {"aaaaa", "aa", "a", "aaaa", "aaa"},
+        {"", "", "x", "x", ""},
+        {"a-b\0c-d"s, "-", "+", "a+b", "a+b"},
+        {"ab\0cd"s, "", "x", "xab", "ab\0cd"s},
+        {"ab\0c"s, nullptr, "x", "ab\0c"s, "ab\0c"s},
+        {"abc", "x", "y", "abc", "abc"},
+        {std::string(3000, '-'), "-", "+", "+" + std::string(2999, '-'), std::string(3000, '+')},
+        {many + repetitive + "x" + some + repetitive, repetitive.c_str(), "+",
+         many + "+x" + some + repetitive, many + "+x" + some + "+"}};
     for (const auto& c : cases) {
         String once(c.text), everywhere(c.text);
         EXPECT_EQ(once.replace(c.from, c.to, String::SCOPE_FIRST), c.once) << c.text;
