@@ -31,9 +31,8 @@ void check_sized(const std::vector<char>& text, char c) {
 template <typename Members>
 std::vector<std::uint64_t> line_bits_of(const std::vector<char>& text, const std::string& set) {
     std::vector<std::uint64_t> lines;
-    Members(set).for_each_line(
-        {text.data(), text.size()},
-        [&](std::size_t, std::size_t, std::uint64_t bits) { lines.push_back(bits); });
+    Members(set).for_each_line({text.data(), text.size()},
+                               [&](std::uint64_t bits) { lines.push_back(bits); });
     return lines;
 }
 
@@ -48,11 +47,10 @@ void check_bits(const std::vector<char>& text, const std::string& set) {
             "Members of each line");
     for (const std::size_t distance : {std::size_t{0}, std::size_t{1}, set.size()}) {
         if (set.empty() || text.size() <= distance) continue;
-        const BytePair pair = {set.front(), set.back(), distance};
         const std::size_t places = std::min(text.size() - distance, line_size);
-        require(kernels::pair_bits(text.data(), places, pair) ==
-                    plain::pair_bits(text.data(), places, pair),
-                "pair_bits");
+        const kernels::BytePair pair(set.front(), set.back(), distance);
+        const plain::BytePair expected(set.front(), set.back(), distance);
+        require(pair.bits(text.data(), places) == expected.bits(text.data(), places), "BytePair");
     }
 }
 

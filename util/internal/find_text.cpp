@@ -1,8 +1,6 @@
 #include "util/internal/find_text.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
 
 #include "util/internal/occurrences.h"
 
@@ -18,34 +16,6 @@ std::vector<std::size_t> borders_of(std::string_view what) {
         borders[i + 1] = border;
     }
     return borders;
-}
-
-namespace {
-
-template <typename Word>
-bool same_word(const char* a, const char* b) {
-    Word word_a;
-    Word word_b;
-    std::memcpy(&word_a, a, sizeof word_a);
-    std::memcpy(&word_b, b, sizeof word_b);
-    return word_a == word_b;
-}
-
-}  // namespace
-
-// Texts that are looked for are mostly short, and a call would cost more than their comparison: two
-// words that may overlap hold up to twice their size.
-bool same_bytes(const char* a, const char* b, std::size_t size) {
-    if (size > 2 * sizeof(std::uint64_t)) return std::memcmp(a, b, size) == 0;
-    if (size >= sizeof(std::uint64_t)) {
-        const std::size_t last = size - sizeof(std::uint64_t);
-        return same_word<std::uint64_t>(a, b) && same_word<std::uint64_t>(a + last, b + last);
-    }
-    if (size >= sizeof(std::uint32_t)) {
-        const std::size_t last = size - sizeof(std::uint32_t);
-        return same_word<std::uint32_t>(a, b) && same_word<std::uint32_t>(a + last, b + last);
-    }
-    return std::equal(a, a + size, b);
 }
 
 std::size_t common_length(const char* a, std::string_view b) {

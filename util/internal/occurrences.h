@@ -3,13 +3,15 @@
 #define UTIL_INTERNAL_OCCURRENCES_H
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <vector>
 
+#include "util/internal/first_word.h"
 #include "util/internal/kernels/pair_bits.h"
+#include "util/internal/places.h"
 
 namespace util {
 
@@ -17,9 +19,31 @@ namespace util {
 // (Knuth, Morris and Pratt).
 std::vector<std::size_t> borders_of(std::string_view what);
 
-// Whether the bytes are the same, and otherwise how many of the first ones are.
-bool same_bytes(const char* a, const char* b, std::size_t size);
+// The number of bytes before the first difference of a, which is as long as b, and b.
 std::size_t common_length(const char* a, std::string_view b);
+
+// A text to compare others with. Those that are looked for are mostly short, and a call would cost
+// more than their comparison: the first eight bytes are compared as one number.
+class Needle {
+  public:
+    explicit Needle(std::string_view text) : m_text(text), m_word(first_word(text)) {
+        if (text.size() < sizeof m_mask) m_mask = (std::uint64_t{1} << 8 * text.size()) - 1;
+    }
+
+    // How many bytes agree, in a text that is as long at least: all of them where it stands there.
+    std::size_t agreeing(std::string_view there) const {
+        const std::uint64_t difference = (first_word(there) ^ m_word) & m_mask;
+        if (difference != 0) return lowest_bit(difference) / 8;
+        if (m_text.size() <= sizeof m_word) return m_text.size();
+        if (std::memcmp(there.data(), m_text.data(), m_text.size()) == 0) return m_text.size();
+        return common_length(there.data(), m_text);
+    }
+
+  private:
+    std::string_view m_text;
+    std::uint64_t m_word;
+    std::uint64_t m_mask = ~std::uint64_t{0};  // of the bytes that it has
+};
 
 // As below, in the time of one pass over both whatever they are.
 template <typename Take>
@@ -46,22 +70,24 @@ void each_occurrence(std::string_view text, std::string_view what, std::size_t p
     // in part; once it has cost more than a pass over the text so far, the texts are of the other
     // kind.
     constexpr std::size_t allowance = 32;
+    const Needle needle(what);
     std::size_t wasted = 0;
-    const BytePair ends = {what.front(), what.back(), what.size() - 1};
-    const std::size_t places = text.size() - ends.distance;
+    const kernels::BytePair ends(what.front(), what.back(), what.size() - 1);
+    const std::size_t places = text.size() - (what.size() - 1);
     std::size_t next = pos;  // where an occurrence may begin
     for (std::size_t line = pos; line < places; line += line_size) {
         const std::size_t size = std::min(line_size, places - line);
-        std::uint64_t bits = kernels::pair_bits(text.data() + line, size, ends);
+        std::uint64_t bits = ends.bits(text.data() + line, size);
         for (; bits != 0; bits &= bits - 1) {
             const std::size_t at = line + lowest_bit(bits);
             if (at < next) continue;
-            if (same_bytes(text.data() + at, what.data(), what.size())) {
+            const std::size_t agreeing = needle.agreeing(text.substr(at));
+            if (agreeing == what.size()) {
                 if (!take(at)) return;
                 next = at + what.size();
                 continue;
             }
-            wasted += common_length(text.data() + at, what);
+            wasted += agreeing;
             if (wasted > at - pos + allowance) {
                 return each_in_repetitive(text, what, at + 1, take);
             }
@@ -69,40 +95,16 @@ void each_occurrence(std::string_view text, std::string_view what, std::size_t p
     }
 }
 
-// The places of what, which must not be empty, from left to right, each behind the end of the one
-// before it. Can be gone through more than once, to count before anything is allocated. The first
-// places are kept; where there are more, which would take memory without bound, they are looked for
-// again. May raise std::bad_alloc; the texts outlive it.
-class Occurrences {
-  public:
-    Occurrences(std::string_view text, std::string_view what) : m_text(text), m_what(what) {
-        each_occurrence(text, what, 0, [this](std::size_t at) {
-            if (m_count < m_kept.size()) m_kept[m_count] = at;
-            ++m_count;
-            return true;
-        });
-    }
-
-    std::size_t count() const { return m_count; }
-
-    // Calls take(position) for each.
-    template <typename Take>
-    void for_each(Take take) const {
-        if (m_count <= m_kept.size()) {
-            std::for_each_n(m_kept.begin(), m_count, take);
-            return;
-        }
-        each_occurrence(m_text, m_what, 0, [&](std::size_t at) {
-            take(at);
-            return true;
-        });
-    }
-
-  private:
-    std::string_view m_text, m_what;
-    std::size_t m_count = 0;
-    std::array<std::size_t, 256> m_kept;
-};
+// The places where what, which is not empty, begins, each behind the end of the one before it. May
+// raise std::bad_alloc.
+inline Places occurrences(std::string_view text, std::string_view what) {
+    Places places(text.size());
+    each_occurrence(text, what, 0, [&](std::size_t at) {
+        places.add(at);
+        return true;
+    });
+    return places;
+}
 
 }  // namespace util
 

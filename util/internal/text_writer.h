@@ -3,6 +3,7 @@
 #define UTIL_INTERNAL_TEXT_WRITER_H
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -10,41 +11,80 @@
 
 namespace util {
 
-// A text of a size that is known beforehand, written from its beginning on: one allocation, and no
-// call for a short piece, which is copied in blocks of a fixed size where there is room for that.
+// A text of a size that is known beforehand: one allocation, whose memory is written once. Short
+// pieces are gathered in a buffer first, where there is room to copy beyond their end in blocks of
+// a fixed size, which takes no call.
 class TextWriter {
   public:
     static constexpr std::size_t block = 16;
+    static constexpr std::size_t large_block = 4 * block;
 
     // May raise std::bad_alloc.
-    explicit TextWriter(std::size_t size)
-        : m_text(size, '\0'), m_to(m_text.data()), m_end(m_to + size) {}
+    explicit TextWriter(std::size_t size) { m_text.reserve(size); }
 
     // The first size bytes of text, which may go on behind them: that is where a block may end.
     void put(std::string_view text, std::size_t size) {
-        constexpr std::size_t most = 4 * block;
-        const auto room = static_cast<std::size_t>(m_end - m_to);
-        if (size <= most && size + block <= text.size() && size + block <= room) {
-            for (std::size_t i = 0; i < size; i += block)
-                std::memcpy(m_to + i, text.data() + i, block);
+        if (size <= block && block <= text.size()) {
+            std::memcpy(space(block), text.data(), block);
+            m_gathered += size;
+        } else if (size <= large_block && large_block <= text.size()) {
+            std::memcpy(space(large_block), text.data(), large_block);
+            m_gathered += size;
         } else {
-            std::memcpy(m_to, text.data(), size);
+            put_any(text.substr(0, size));
         }
-        m_to += size;
     }
-    void put(std::string_view text) { put(text, text.size()); }
-    void put(char c) { *m_to++ = c; }
+    void put(std::string_view text) { put_any(text); }
+    void put(char c) {
+        *space(1) = c;
+        ++m_gathered;
+    }
+
+    // The first size bytes of a number, the lowest one first.
+    void put_word(std::uint64_t word, std::size_t size) {
+        std::memcpy(space(sizeof word), &word, sizeof word);
+        m_gathered += size;
+    }
 
     // What has been written; nothing can be put behind it.
     std::string take() {
-        m_text.resize(static_cast<std::size_t>(m_to - m_text.data()));
+        flush();
         return std::move(m_text);
     }
 
   private:
+    static constexpr std::size_t gathered_most = 2048;
+
+    // Where the next bytes go; so many of them fit.
+    char* space(std::size_t size) {
+        if (m_gathered + size > gathered_most) flush();
+        return m_buffer + m_gathered;
+    }
+    void put_any(std::string_view text);
+    void flush();
+
     std::string m_text;
-    char* m_to;
-    char* m_end;
+    std::size_t m_gathered = 0;
+    char m_buffer[gathered_most];
+};
+
+// A text that is put again and again; a short one has room behind it for the writer's blocks.
+class RepeatedPiece {
+  public:
+    explicit RepeatedPiece(std::string_view text) : m_wide(text), m_size(text.size()) {
+        if (m_size > sizeof m_room) return;
+        std::memcpy(m_room, text.data(), m_size);
+        m_wide = {m_room, sizeof m_room};
+    }
+    RepeatedPiece(const RepeatedPiece&) = delete;
+    RepeatedPiece& operator=(const RepeatedPiece&) = delete;
+
+    void put_to(TextWriter& writer) const { writer.put(m_wide, m_size); }
+
+  private:
+    std::string_view m_wide;
+    std::size_t m_size;
+    char m_room[TextWriter::large_block] = {};
 };
 
 }  // namespace util

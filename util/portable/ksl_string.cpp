@@ -173,11 +173,11 @@ int ksl_match_token_str(const char* token_str, const char* token, const char* de
 
     // The token is looked for where its first and last byte stand between separators. It has none
     // itself, so comparing never leaves that word, and all words together cost one pass.
-    const util::BytePair ends = {token[0], token[length - 1], length - 1};
-    const std::size_t places = size - ends.distance;
+    const util::kernels::BytePair ends(token[0], token[length - 1], length - 1);
+    const std::size_t places = size - (length - 1);
     for (std::size_t line = 0; line < places; line += util::line_size) {
         const std::size_t count = std::min(util::line_size, places - line);
-        std::uint64_t bits = util::kernels::pair_bits(token_str + line, count, ends);
+        std::uint64_t bits = ends.bits(token_str + line, count);
         for (; bits != 0; bits &= bits - 1) {
             const char* const at = token_str + line + util::lowest_bit(bits);
             const bool stands_alone =

@@ -6,14 +6,15 @@
 namespace {
 
 std::string all_replaced(std::string_view text, std::string_view what, std::string_view with) {
-    const util::Occurrences places(text, what);
+    const util::Places places = util::occurrences(text, what);
+    const std::size_t count = places.count();
     // First what goes and then what comes, so that no step is negative.
-    util::TextWriter result(text.size() - places.count() * what.size() +
-                            places.count() * with.size());
+    util::TextWriter result(text.size() - count * what.size() + count * with.size());
+    const util::RepeatedPiece replacement(with);
     std::size_t begin = 0;
     places.for_each([&](std::size_t at) {
         result.put(text.substr(begin), at - begin);
-        result.put(with);
+        replacement.put_to(result);
         begin = at + what.size();
     });
     result.put(text.substr(begin));

@@ -1,30 +1,24 @@
-#include <bitset>
 #include <new>
 #include <stdexcept>
 
-#include "util/internal/marks.h"
 #include "util/internal/occurrences.h"
 #include "util/text/byte_string.h"
 
 namespace {
 
-struct FieldCounts {
-    std::size_t all = 1;
+// Of the size bytes, those between two separators: none of them, and behind one or at the start.
+std::size_t count_filled(const util::Places& separators, std::size_t size) {
     std::size_t filled = 0;
-};
-
-FieldCounts count_fields(const util::Marks& separators) {
-    FieldCounts counts;
     std::uint64_t after_separator = 1;
-    separators.for_each_line([&](std::size_t, std::size_t size, std::uint64_t bits) {
-        const std::uint64_t line =
-            size == util::line_size ? ~std::uint64_t{0} : (std::uint64_t{1} << size) - 1;
-        const std::uint64_t starts = ~bits & (bits << 1 | after_separator) & line;
+    for (std::size_t i = 0; i < separators.lines(); ++i) {
+        const std::uint64_t bits = separators.line(i);
+        std::uint64_t starts = ~bits & (bits << 1 | after_separator);
         after_separator = bits >> (util::line_size - 1);
-        counts.all += std::bitset<util::line_size>(bits).count();
-        counts.filled += std::bitset<util::line_size>(starts).count();
-    });
-    return counts;
+        const std::size_t rest = size - i * util::line_size;
+        if (rest < util::line_size) starts &= (std::uint64_t{1} << rest) - 1;
+        filled += util::bit_count(starts);
+    }
+    return filled;
 }
 
 }  // namespace
@@ -34,14 +28,13 @@ std::vector<String> String::split(const String& separators, bool skipEmpty) cons
     if (empty()) return fields;
 
     // Counting first lets the list be allocated once, at its size.
-    const util::kernels::Members set(separators.view());
-    const util::Marks marks(view(), set);
-    const FieldCounts counts = count_fields(marks);
+    const util::Places marks(view(), util::kernels::Members(separators.view()));
+    const std::size_t filled = count_filled(marks, size());
     // The number of empty fields after the last one filled is then not defined by any text; the
     // count has always wrapped round and exhausted memory. Same error, without the wait.
-    if (counts.filled == 0 && !skipEmpty) throw std::bad_alloc();
+    if (filled == 0 && !skipEmpty) throw std::bad_alloc();
 
-    const std::size_t count = skipEmpty ? counts.filled : counts.all;
+    const std::size_t count = skipEmpty ? filled : marks.count() + 1;
     if (count > fields.max_size()) throw std::length_error("vector<T> too long");
     fields.reserve(count);
     std::size_t begin = 0;
@@ -61,7 +54,7 @@ std::vector<String> String::split_by_tag(const String& tag) const {
         pieces.push_back(*this);
         return pieces;
     }
-    const util::Occurrences tags(view(), tag.view());
+    const util::Places tags = util::occurrences(view(), tag.view());
     pieces.reserve(tags.count() + 1);
     std::size_t begin = 0;
     tags.for_each([&](std::size_t at) {

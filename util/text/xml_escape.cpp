@@ -1,38 +1,36 @@
-#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 #include <utility>
 
 #include "util/internal/find_text.h"
-#include "util/internal/marks.h"
+#include "util/internal/first_word.h"
+#include "util/internal/places.h"
 #include "util/internal/text_writer.h"
 #include "util/text/byte_string.h"
 #include "util/text/position_error.h"
 
 namespace {
 
+// A character and the text that it is written as, which fits into a number: its first byte lowest.
 class Entity {
   public:
     constexpr Entity(char character, std::string_view text)
         : m_character(character), m_size(text.size()) {
         for (std::size_t i = 0; i < text.size(); ++i) {
-            m_text[i] = text[i];
             m_word |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * i);
             m_mask |= std::uint64_t{0xFF} << (8 * i);
         }
     }
     constexpr char character() const { return m_character; }
     constexpr std::size_t size() const { return m_size; }
-    std::string_view wide_text() const { return {m_text, sizeof m_text}; }
     constexpr std::uint64_t word() const { return m_word; }
     constexpr bool begins(std::uint64_t word) const { return (word & m_mask) == m_word; }
 
   private:
     char m_character;
     std::size_t m_size;
-    char m_text[2 * util::TextWriter::block] = {};  // more than its size, for the writer's blocks
-    std::uint64_t m_word = 0;  // the text as one number, and the bits that it takes up
+    std::uint64_t m_word = 0;
     std::uint64_t m_mask = 0;
 };
 
@@ -40,62 +38,62 @@ class Entity {
 constexpr Entity entities[] = {{'&', "&amp;"},  {'<', "&lt;"},    {'>', "&gt;"},
                                {'"', "&quot;"}, {'\'', "&apos;"}, {'\t', "&#x9;"}};
 
-// The entities found at once, without a comparison with each. The five characters that are escaped
-// differ in their lower four bits; the six texts in those of a sum over their second and third
-// byte.
+// What each byte is written as: the text of an entity or the byte itself, and in the highest byte
+// how long that is.
+class WrittenBytes {
+  public:
+    constexpr WrittenBytes() {
+        for (std::size_t byte = 0; byte < m_words.size(); ++byte)
+            m_words[byte] = byte | std::uint64_t{1} << size_shift;
+        for (const Entity& entity : entities) {
+            if (entity.character() == '\t') continue;
+            m_words[static_cast<unsigned char>(entity.character())] =
+                entity.word() | std::uint64_t{entity.size()} << size_shift;
+        }
+    }
+    constexpr std::uint64_t word(char byte) const {
+        return m_words[static_cast<unsigned char>(byte)];
+    }
+    static constexpr std::size_t size(std::uint64_t word) { return word >> size_shift; }
+
+  private:
+    static constexpr unsigned size_shift = 56;
+
+    std::array<std::uint64_t, 256> m_words = {};
+};
+
+constexpr WrittenBytes written_bytes;
+
+// The entity that a text begins with, found at once: the texts differ in the lower four bits of a
+// sum over their second and third byte.
 class EntityTable {
   public:
     constexpr EntityTable() {
-        for (std::size_t i = 0; i < std::size(entities); ++i) {
-            if (i < 5) m_by_character[slot(entities[i].character())] = i;
+        for (std::size_t i = 0; i < std::size(entities); ++i)
             m_by_text[slot(entities[i].word())] = i;
-        }
-    }
-    // What a byte that must be escaped is written as.
-    constexpr const Entity& of(char special) const {
-        return entities[m_by_character[slot(special)]];
     }
     // The entity that a text with these first bytes begins with, or null.
     constexpr const Entity* of(std::uint64_t word) const {
         const Entity& entity = entities[m_by_text[slot(word)]];
         return entity.begins(word) ? &entity : nullptr;
     }
+    constexpr bool finds_each() const {
+        for (const Entity& entity : entities) {
+            if (of(entity.word()) != &entity) return false;
+        }
+        return true;
+    }
 
   private:
-    static constexpr std::size_t slot(char special) { return special & 15; }
     static constexpr std::size_t slot(std::uint64_t word) {
         return (7 * (word >> 8) + (word >> 16)) & 15;
     }
 
-    std::size_t m_by_character[16] = {};
     std::size_t m_by_text[16] = {};
 };
 
 constexpr EntityTable entity_table;
-
-// No two entities share a place in the tables.
-constexpr bool finds_each() {
-    for (std::size_t i = 0; i < std::size(entities); ++i) {
-        const Entity& entity = entities[i];
-        if (i < 5 && entity_table.of(entity.character()).character() != entity.character()) {
-            return false;
-        }
-        if (!entity_table.of(entity.word())) return false;
-    }
-    return true;
-}
-static_assert(finds_each());
-
-// The first bytes of text as the processor reads them, the first one lowest; zeros behind its end.
-std::uint64_t first_word(std::string_view text) {
-    std::uint64_t word = 0;
-    if (text.size() >= sizeof word) {
-        std::memcpy(&word, text.data(), sizeof word);
-    } else {
-        std::memcpy(&word, text.data(), text.size());
-    }
-    return word;
-}
+static_assert(entity_table.finds_each());
 
 bool has_outer_quotes(std::string_view text) {
     return text.size() > 1 && text.front() == '"' && text.back() == '"';
@@ -111,34 +109,32 @@ std::string_view visible_inside(std::string_view text) {
 }  // namespace
 
 String String::replaceXML() {
-    const bool quoted = has_outer_quotes(view());
+    static const util::kernels::Members specials("&<>\"'");
+    const std::size_t quotes = has_outer_quotes(view()) ? 1 : 0;
     const std::string_view inside = visible_inside(view());
+    const util::Places places(inside, specials);
 
-    static const util::kernels::Members characters("&<>\"'");
-    const util::Marks specials(inside, characters);
+    if (places.empty() && inside.size() + 2 * quotes == size()) return *this;
 
     // Counting first lets the result be allocated once, at its size.
-    std::size_t escaped_size = inside.size() + (quoted ? 2 : 0);
-    const bool whole = escaped_size == size();  // nothing behind a NUL
-    specials.for_each(
-        [&](std::size_t at) { escaped_size += entity_table.of(inside[at]).size() - 1; });
-    if (whole && escaped_size == size()) return *this;
-
+    std::size_t escaped_size = inside.size() + 2 * quotes;
+    places.for_each([&](std::size_t at) {
+        escaped_size += WrittenBytes::size(written_bytes.word(inside[at])) - 1;
+    });
     util::TextWriter escaped(escaped_size);
-    if (quoted) escaped.put('"');
+    escaped.put("\"", quotes);
     std::size_t begin = 0;
-    specials.for_each([&](std::size_t at) {
-        const Entity& entity = entity_table.of(inside[at]);
+    places.for_each([&](std::size_t at) {
+        const std::uint64_t word = written_bytes.word(inside[at]);
         escaped.put(inside.substr(begin), at - begin);
-        escaped.put(entity.wide_text(), entity.size());
+        escaped.put_word(word, WrittenBytes::size(word));
         begin = at + 1;
     });
-    escaped.put(inside.substr(begin), inside.size() - begin);
-    if (quoted) escaped.put('"');
-    std::string result = escaped.take();
-    String copy(result);  // made first: when it fails, this object is as it was
-    m_text = std::move(result);
-    return copy;
+    escaped.put(inside.substr(begin));
+    escaped.put("\"", quotes);
+    String result(escaped.take());
+    m_text = std::string(result.m_text);  // copied first: when that fails, this object is as it was
+    return result;
 }
 
 String String::placeXML() {
@@ -147,30 +143,26 @@ String String::placeXML() {
         m_text.clear();
         util::require_position(npos, size());
     }
-    const bool quoted = has_outer_quotes(view());
-    const std::string_view inside = visible_inside(view());
-
     static const util::kernels::Members ampersand("&");
-    const util::Marks beginnings(inside, ampersand);
+    const std::size_t quotes = has_outer_quotes(view()) ? 1 : 0;
+    const std::string_view inside = visible_inside(view());
+    const bool whole = inside.size() + 2 * quotes == size();  // nothing behind a NUL
+    if (whole && util::find_byte(inside, '&') == npos) return *this;
 
-    // No entity is shorter than its character.
-    const std::size_t decoded_size = inside.size() + (quoted ? 2 : 0);
-    if (decoded_size == size() && util::find_byte(inside, '&') == npos) return *this;
-
-    util::TextWriter decoded(decoded_size);
-    if (quoted) decoded.put('"');
+    const util::Places places(inside, ampersand);
+    util::TextWriter decoded(size());  // no entity is shorter than its character
+    decoded.put("\"", quotes);
     std::size_t begin = 0;
-    beginnings.for_each([&](std::size_t at) {
-        const Entity* const entity = entity_table.of(first_word(inside.substr(at)));
+    places.for_each([&](std::size_t at) {
+        const Entity* const entity = entity_table.of(util::first_word(inside.substr(at)));
         if (!entity) return;
         decoded.put(inside.substr(begin), at - begin);
         decoded.put(entity->character());
         begin = at + entity->size();
     });
-    decoded.put(inside.substr(begin), inside.size() - begin);
-    if (quoted) decoded.put('"');
-    std::string result = decoded.take();
-    String copy(result);  // made first, as above
-    m_text = std::move(result);
-    return copy;
+    decoded.put(inside.substr(begin));
+    decoded.put("\"", quotes);
+    String result(decoded.take());
+    m_text = result.m_text;  // which has room for it
+    return result;
 }

@@ -71,6 +71,14 @@ inline unsigned lowest_bit(std::uint64_t bits) {
     return static_cast<unsigned>(__builtin_ctzll(bits));
 }
 
+// How many bits are set; by sums of neighbours, since the compiler's own would be a call.
+inline unsigned bit_count(std::uint64_t bits) {
+    bits -= bits >> 1 & 0x5555555555555555;
+    bits = (bits & 0x3333333333333333) + (bits >> 2 & 0x3333333333333333);
+    bits = (bits + (bits >> 4)) & 0x0F0F0F0F0F0F0F0F;
+    return static_cast<unsigned>(bits * 0x0101010101010101 >> 56);
+}
+
 }  // namespace util
 
 #endif

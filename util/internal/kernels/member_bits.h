@@ -26,12 +26,12 @@ class Members {
         return bits;
     }
 
-    // Calls take(begin, size, bits) for each line of the text, of which the last may be shorter.
+    // Calls take(bits) for each line of 64 bytes of the text, of which the last may have fewer.
     template <typename Take>
     void for_each_line(std::string_view text, Take take) const {
         for (std::size_t begin = 0; begin < text.size(); begin += line_size) {
             const std::size_t size = std::min(line_size, text.size() - begin);
-            take(begin, size, bits(text.data() + begin, size));
+            take(bits(text.data() + begin, size));
         }
     }
 
@@ -143,9 +143,9 @@ class Members {
     static void for_each_line(std::string_view text, Take take, const Compare& compare) {
         std::size_t begin = 0;
         for (; text.size() - begin >= line_size; begin += line_size)
-            take(begin, line_size, line_bits(text.data() + begin, compare));
+            take(line_bits(text.data() + begin, compare));
         const std::size_t rest = text.size() - begin;
-        if (rest > 0) take(begin, rest, bits(text.data() + begin, rest, compare));
+        if (rest > 0) take(bits(text.data() + begin, rest, compare));
     }
 
     std::size_t m_count = 0;  // of tests, and of those that there would be beyond few

@@ -1,0 +1,24 @@
+// Not installed. Up to eight bytes of text at once.
+#ifndef UTIL_INTERNAL_FIRST_WORD_H
+#define UTIL_INTERNAL_FIRST_WORD_H
+
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace util {
+
+// The first bytes of text as a number, the first one lowest; zeros behind its end.
+inline std::uint64_t first_word(std::string_view text) {
+    std::uint64_t word = 0;
+    if (text.size() >= sizeof word) {
+        std::memcpy(&word, text.data(), sizeof word);
+    } else {
+        std::memcpy(&word, text.data(), text.size());
+    }
+    return word;
+}
+
+}  // namespace util
+
+#endif
