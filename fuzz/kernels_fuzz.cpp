@@ -36,6 +36,17 @@ std::vector<std::uint64_t> line_bits_of(const std::vector<char>& text, const std
     return lines;
 }
 
+// Into spaces too small for the text, just as large, and larger; what lies behind them stays.
+void check_copy(const char* text) {
+    const std::size_t length = plain::find_byte_or_nul(text, '\0');
+    for (const std::size_t space : {std::size_t{0}, length / 2, length, length + 1, length + 80}) {
+        std::string copy(space + line_size, '=');
+        require(kernels::copy_text(text, copy.data(), space) == length, "length of copy_text");
+        require(copy.substr(space) == std::string(line_size, '='), "space of copy_text");
+        if (length <= space) require(copy.compare(0, length, text) == 0, "copy_text");
+    }
+}
+
 // The bits of up to a line of the text, for a set of bytes and for two at a distance.
 void check_bits(const std::vector<char>& text, const std::string& set) {
     if (text.empty()) return;
@@ -57,7 +68,7 @@ void check_bits(const std::vector<char>& text, const std::string& set) {
 }  // namespace
 
 // Each kernel against its plain form, with every length of what is left over after whole blocks;
-// and from every address, for the one that reads whole blocks of memory.
+// and from every address, for those that read whole blocks of memory.
 void kernels(std::string_view input) {
     Parameters parameters(input);
     const std::string set = parameters.short_text();
@@ -77,6 +88,7 @@ void kernels(std::string_view input) {
         require(util::kernels::find_byte_or_nul(rest, c) == plain::find_byte_or_nul(rest, c),
                 "find_byte_or_nul");
         require(text_length(rest) == plain::find_byte_or_nul(rest, '\0'), "text_length");
+        check_copy(rest);
     }
 }
 

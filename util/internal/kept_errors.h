@@ -10,30 +10,36 @@
 
 namespace util {
 
-// Puts errno and the last-error code back at the end of its scope, so that closing and freeing
-// never replace what the call before has left for the caller.
-class KeptErrors {
+// Puts the last-error code back at the end of its scope.
+class KeptLastError {
   public:
 #ifdef _WIN32
-    KeptErrors() : m_errno(errno), m_last_error(GetLastError()) {}
-    ~KeptErrors() {
-        errno = m_errno;
+    KeptLastError() : m_last_error(GetLastError()) {}
+    ~KeptLastError() {
         SetLastError(m_last_error);
     }
 #else
-    KeptErrors() : m_errno(errno) {}
-    ~KeptErrors() {
-        errno = m_errno;
-    }
+    KeptLastError() {}
 #endif
-    KeptErrors(const KeptErrors&) = delete;
-    KeptErrors& operator=(const KeptErrors&) = delete;
+    KeptLastError(const KeptLastError&) = delete;
+    KeptLastError& operator=(const KeptLastError&) = delete;
 
-  private:
-    const int m_errno;
 #ifdef _WIN32
+  private:
     const DWORD m_last_error;
 #endif
+};
+
+// Puts errno back, too, so that closing and freeing never replace what the call before has left for
+// the caller.
+class KeptErrors {
+  public:
+    KeptErrors() : m_errno(errno) {}
+    ~KeptErrors() { errno = m_errno; }
+
+  private:
+    const KeptLastError m_last_error;
+    const int m_errno;
 };
 
 }  // namespace util

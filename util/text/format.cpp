@@ -94,6 +94,7 @@ class FormatBuffer {
     static constexpr std::size_t large_increment = 100 * first_step;
 
     String format_by_runtime(const char* fmt, va_list args) {
+        const util::KeptErrors kept;
         errno = 0;
         int length = format_once(fmt, args);
         if (length != truncated && static_cast<std::size_t>(length) > m_size) {
@@ -157,8 +158,8 @@ class FormatBuffer {
 
 std::mutex format_lock;
 
-// The one buffer and the lock on it. errno and the last error are put back at the end, since a
-// lock that has to be waited for makes calls of its own.
+// The one buffer and the lock on it. The last error is put back at the end, since a lock that has
+// to be waited for makes calls of its own.
 class LockedBuffer {
   public:
     LockedBuffer() : m_lock(taken(format_lock)) {
@@ -168,9 +169,9 @@ class LockedBuffer {
 
   private:
     // Waiting may want memory, too, and reports the lack of it in a way of its own.
-    static std::unique_lock<std::mutex> taken(std::mutex& lock) {
+    static std::unique_lock<std::mutex> taken(std::mutex& mutex) {
         try {
-            return std::unique_lock<std::mutex>(lock);
+            return std::unique_lock<std::mutex>(mutex);
         } catch (const std::system_error&) {
             throw std::bad_alloc();
         }
@@ -179,7 +180,7 @@ class LockedBuffer {
     // Never destroyed: other objects of static storage may format while the library unloads.
     inline static FormatBuffer* buffer;
 
-    const util::KeptErrors m_kept;
+    const util::KeptLastError m_kept;
     const std::unique_lock<std::mutex> m_lock;
 };
 

@@ -19,6 +19,10 @@ class Output {
         if (fits(piece.size())) std::memcpy(m_space + m_length, piece.data(), piece.size());
         m_length += piece.size();
     }
+    void put_text(const char* text) {
+        const std::size_t space = m_length < m_size ? m_size - m_length : 0;
+        m_length += kernels::copy_text(text, m_space + m_length, space);
+    }
     void put(char c) {
         if (c == '\0' && m_first_nul == npos) m_first_nul = m_length;
         if (fits(1)) m_space[m_length] = c;
@@ -58,18 +62,20 @@ std::optional<FormattedLength> format_plainly(char* space, std::size_t size, con
                                               va_list args) {
     Output output(space, size);
     for (;; ++fmt) {
-        if (*fmt != '%' && fmt[0] != '\0' && fmt[1] == '%') {
-            output.put(*fmt++);  // what stands between two directives is mostly one byte
-        } else if (*fmt != '%') {
-            const std::size_t literal = kernels::find_byte_or_nul(fmt, '%');
-            output.put({fmt, literal});
-            fmt += literal;
+        if (*fmt != '%' && *fmt != '\0') {
+            if (fmt[1] == '%') {
+                output.put(*fmt++);  // what stands between two directives is mostly one byte
+            } else {
+                const std::size_t literal = kernels::find_byte_or_nul(fmt, '%');
+                output.put({fmt, literal});
+                fmt += literal;
+            }
         }
         if (*fmt == '\0') return output.result();
         switch (*++fmt) {
             case 's': {
                 const char* const text = va_arg(args, const char*);
-                output.put(text ? c_text(text) : "(null)");
+                output.put_text(text ? text : "(null)");
                 break;
             }
             case 'd':

@@ -2,6 +2,8 @@
 #ifndef UTIL_INTERNAL_KERNELS_FIND_BYTE_H
 #define UTIL_INTERNAL_KERNELS_FIND_BYTE_H
 
+#include <cstring>
+
 #include "util/internal/kernels/kernels.h"
 
 namespace util {
@@ -21,6 +23,14 @@ inline std::size_t find_byte_or_nul(const char* text, char c) {
     while (text[i] != c && text[i] != '\0')
         ++i;
     return i;
+}
+
+// Copies the text before its NUL to a space of so many bytes, if it fits, and returns its length
+// in any case. The rest of the space may be written to as well.
+inline std::size_t copy_text(const char* text, char* to, std::size_t space) {
+    const std::size_t length = find_byte_or_nul(text, '\0');
+    if (length <= space) std::memcpy(to, text, length);
+    return length;
 }
 
 }  // namespace plain
@@ -80,6 +90,45 @@ UTIL_READS_WHOLE_BLOCKS inline std::size_t find_byte_or_nul(const char* text, ch
         const auto bits = line_bits(at, [&](const char* p) { return ending(p, wanted); });
         if (bits != 0) return static_cast<std::size_t>(at - text) + lowest_bit(bits);
     }
+}
+
+UTIL_READS_WHOLE_BLOCKS inline Block load_near(const char* from) {
+    return _mm_loadu_si128(reinterpret_cast<const Block*>(from));
+}
+
+// One look at each byte, where measuring first would take two. A block that does not reach into the
+// next page may be read as those above; what is copied from behind the NUL is never asked for.
+UTIL_READS_WHOLE_BLOCKS inline std::size_t copy_text(const char* text, char* to,
+                                                     std::size_t space) {
+    constexpr std::size_t page_size = 4096;
+    const Block nuls = _mm_setzero_si128();
+    const auto address = reinterpret_cast<std::uintptr_t>(text);
+    std::size_t i = 0;
+    if (address % page_size <= page_size - block_size) {
+        // Up to a multiple of 64; the second block may overlap the first.
+        for (; i + block_size <= space; i += block_size - (address + i) % block_size) {
+            if (i > 0 && (address + i) % line_size == 0) break;
+            const Block block = load_near(text + i);
+            store(to + i, block);
+            const unsigned bits = equal_bits(block, nuls);
+            if (bits != 0) return i + lowest_bit(bits);
+        }
+        for (; i + line_size <= space; i += line_size) {
+            const Block b0 = load_near(text + i);
+            const Block b1 = load_near(text + i + block_size);
+            const Block b2 = load_near(text + i + 2 * block_size);
+            const Block b3 = load_near(text + i + 3 * block_size);
+            const Block least = _mm_min_epu8(_mm_min_epu8(b0, b1), _mm_min_epu8(b2, b3));
+            if (equal_bits(least, nuls) != 0) break;
+            store(to + i, b0);
+            store(to + i + block_size, b1);
+            store(to + i + 2 * block_size, b2);
+            store(to + i + 3 * block_size, b3);
+        }
+    }
+    const std::size_t rest = find_byte_or_nul(text + i, '\0');
+    if (rest <= space - i) std::memcpy(to + i, text + i, rest);
+    return i + rest;
 }
 
 }  // namespace sse2
