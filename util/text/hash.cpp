@@ -13,13 +13,13 @@ std::uint32_t sign_extended(char byte) {
 }  // namespace
 
 unsigned int String::hash() const {
-    const std::uint64_t words = size() / 4;
-    const std::string_view rest = view().substr(4 * words);
+    const std::size_t words = size() / 4;
     const auto length = static_cast<std::uint32_t>(size());
     const std::uint32_t h = util::kernels::hash_words(length, m_text.data(), words);
-    if (rest.empty()) return h;
+    const std::size_t rest = size() % 4;
+    if (rest == 0) return h;
     std::uint32_t tail = 0;
-    for (const char byte : rest)
-        tail = (tail << 8) | sign_extended(byte);
+    for (std::size_t i = 4 * words; i < size(); ++i)
+        tail = (tail << 8) | sign_extended(m_text[i]);
     return util::rotate_left_5(h) ^ tail;
 }
