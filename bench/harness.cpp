@@ -15,8 +15,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 struct Settings {
-    int rounds = 11;
-    double milliseconds = 8;  // at least, for one variant of one round
+    int rounds = 11;          // at least, and more of them
+    double seconds = 1;       // until so much time has gone into an operation
+    double milliseconds = 2;  // at least, for one variant of one round
     std::string filter;       // sections whose name contains it
     Section::Cores cores = Section::Cores::any;
     std::FILE* output = stdout;
@@ -77,7 +78,8 @@ Times measure(const Operation& operation) {
     for (const Variant& variant : variants)
         repeats.push_back(calibrate(operation, variant));
     Times times(variants.size());
-    for (int round = 0; round < settings.rounds; ++round) {
+    const auto enough = Clock::now() + std::chrono::duration<double>(settings.seconds);
+    for (int round = 0; round < settings.rounds || Clock::now() < enough; ++round) {
         for (std::size_t turn = 0; turn < variants.size(); ++turn) {
             const std::size_t i = (static_cast<std::size_t>(round) + turn) % variants.size();
             operation.prepare();
@@ -156,6 +158,13 @@ void run(const Operation& operation) {
         std::fprintf(settings.output, "bar\t%s\t%s\t%s\t%.4g\n", row.c_str(), bar.subject.c_str(),
                      variants[index_of(operation, bar.against)].name.c_str(), bar.at_most);
     }
+    const auto doubled_limit =
+        std::find_if(variants.begin(), variants.end(), [&](const Variant& variant) {
+            return variant.name == variants.front().name + ", twice the size";
+        });
+    if (doubled_limit != variants.end()) {
+        print_ratio(static_cast<std::size_t>(doubled_limit - variants.begin()), 0);
+    }
     std::fflush(settings.output);
 }
 
@@ -165,7 +174,8 @@ Section::Section(std::string name, std::function<void()> body, Cores cores) {
 
 }  // namespace bench
 
-// usage: bench [--rounds N] [--milliseconds N] [--section TEXT] [--cores any|one] [--output FILE]
+// usage: bench [--rounds N] [--seconds N] [--milliseconds N] [--section TEXT] [--cores any|one]
+//              [--output FILE]
 int main(int argc, char** argv) {
     using namespace bench;
 #ifdef __GLIBC__
@@ -183,6 +193,8 @@ int main(int argc, char** argv) {
         const char* const value = argv[i + 1];
         if (option == "--rounds") {
             settings.rounds = std::max(1, std::atoi(value));
+        } else if (option == "--seconds") {
+            settings.seconds = std::atof(value);
         } else if (option == "--milliseconds") {
             settings.milliseconds = std::atof(value);
         } else if (option == "--section") {

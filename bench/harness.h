@@ -2,7 +2,8 @@
 //
 // The method. An operation has several variants: the limit (the least that any implementation
 // must do), the library, its peers, and the plain algorithm. A round runs every variant once, for
-// some milliseconds each, and starts with another variant than the round before. What the machine
+// some milliseconds each, and starts with another variant than the round before; there are eleven
+// rounds at least, and for short operations some dozens. What the machine
 // does meanwhile (a clock that changes, a neighbour's work) then meets all variants of a round
 // alike, so the quotient of two variants is taken within a round; the ratio that is reported is the
 // median of these quotients over all rounds. Figures in nanoseconds move with the machine; the
@@ -77,6 +78,12 @@ class Operation {
         add(Role::library, "util, twice the size", std::move(body));
         m_bars.push_back({"util, twice the size", "util", 2.2});
         return *this;
+    }
+
+    // The limit on twice the input, which shows what the machine's caches do to any implementation.
+    template <class Body>
+    Operation& doubled_limit(Body body) {
+        return add(Role::described, m_variants.front().name + ", twice the size", std::move(body));
     }
 
     // The library takes at most `at_most` times as long as the variant of this name.

@@ -115,14 +115,25 @@ def remarks():
     return {tuple(line.split("\t")[:2]): line.split("\t")[2] for line in lines}
 
 
+def reason(operation, verdict, why):
+    limit = operation.limit()
+    doubled_limit = operation.ratios.get((f"{limit}, twice the size", limit))
+    if verdict[0] == "util, twice the size" and doubled_limit:
+        return f"the limit, {limit}, takes {times(doubled_limit)} for twice the size"
+    for platform in (operation.platform, "both"):
+        if (platform, operation.name) in why:
+            return why[platform, operation.name]
+    return "no remark"
+
+
 def shortfalls(operations):
-    """One line for each bar that is not met, with the remark on it."""
+    """One line for each bar that is not met, with the reason."""
     why = remarks()
     for operation in operations:
         for verdict in operation.verdicts():
             if not verdict[4]:
-                reason = why.get((operation.platform, operation.name), "no remark")
-                yield f"{operation.platform}, {operation.name}: {bar_text(verdict)} ({reason})"
+                yield (f"{operation.platform}, {operation.name}: {bar_text(verdict)} "
+                       f"({reason(operation, verdict, why)})")
 
 
 def processor():

@@ -54,7 +54,8 @@ void lower(std::size_t size, const Bars& bars) {
         .bar("absl::AsciiStrToLower", bars.absl);
 #endif
     if (size == megabyte) {
-        operation.doubled([twice = String(text + text)] { keep(twice.to_lower()); });
+        operation.doubled([twice = String(text + text)] { keep(twice.to_lower()); })
+            .doubled_limit([twice = text + text] { keep(std::string(twice)); });
     }
     run(operation);
 }

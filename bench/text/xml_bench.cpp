@@ -97,6 +97,7 @@ void replace_all(const char* name, std::size_t every, const Bars& bars) {
         .peer("boost::replace_all_copy",
               [&] { keep(boost::replace_all_copy(text, "server", "replica")); })
         .doubled([&, twice = String(text + text)] { keep(twice.replace("server", "replica")); })
+        .doubled_limit([twice = text + text] { keep(std::string(twice)); })
         .bar("copy", bars.limit);
 #ifndef _WIN32
     operation
@@ -171,6 +172,19 @@ void add_bars(Operation& operation, const XmlBars& bars) {
 #endif
 }
 
+template <typename Change>
+void add_doubled(Operation& operation, const std::string& text, const std::string& result,
+                 Change change) {
+    operation
+        .doubled([twice = text + text, change] {
+            String object(twice);
+            keep(change(object));
+        })
+        .doubled_limit([twice = text + text, both = result + result] {
+            in_place(twice, [&](auto&) { return std::string(both); });
+        });
+}
+
 void escape(const char* name, const std::string& text, const XmlBars& bars) {
     const std::string result = escaped_in_passes(text);
     Operation operation(std::string("escape, ") + name);
@@ -186,7 +200,7 @@ void escape(const char* name, const std::string& text, const XmlBars& bars) {
         });
 #endif
     if (text.size() >= megabyte) {
-        operation.doubled([twice = text + text] { keep(String(twice).replaceXML()); });
+        add_doubled(operation, text, result, [](String& object) { return object.replaceXML(); });
     }
     add_bars(operation, bars);
     run(operation);
@@ -206,7 +220,7 @@ void decode(const char* name, const std::string& text, const XmlBars& bars) {
         });
 #endif
     if (text.size() >= megabyte) {
-        operation.doubled([twice = text + text] { keep(String(twice).placeXML()); });
+        add_doubled(operation, text, result, [](String& object) { return object.placeXML(); });
     }
     add_bars(operation, bars);
     run(operation);
