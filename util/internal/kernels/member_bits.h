@@ -55,23 +55,21 @@ class Members {
         for (const char c : members)
             add(c);
         if (m_count > few) m_plain = plain::Members(members);
-        for (std::size_t i = m_count; i < few && m_count > 0; ++i)
-            m_tests[i] = m_tests[0];
     }
 
     std::uint64_t bits(const char* text, std::size_t size) const {
         if (m_count == 0 || m_count > few) return m_plain.bits(text, size);
-        if (m_count == 1) return bits(text, size, Comparison<1>(m_tests));
-        if (m_count <= 3) return bits(text, size, Comparison<3>(m_tests));
-        return bits(text, size, Comparison<few>(m_tests));
+        if (m_count == 1) return bits(text, size, Comparison<1>(m_tests, m_count));
+        if (m_count <= 3) return bits(text, size, Comparison<3>(m_tests, m_count));
+        return bits(text, size, Comparison<few>(m_tests, m_count));
     }
 
     template <typename Take>
     void for_each_line(std::string_view text, Take take) const {
         if (m_count == 0 || m_count > few) return m_plain.for_each_line(text, take);
-        if (m_count == 1) return for_each_line(text, take, Comparison<1>(m_tests));
-        if (m_count <= 3) return for_each_line(text, take, Comparison<3>(m_tests));
-        for_each_line(text, take, Comparison<few>(m_tests));
+        if (m_count == 1) return for_each_line(text, take, Comparison<1>(m_tests, m_count));
+        if (m_count <= 3) return for_each_line(text, take, Comparison<3>(m_tests, m_count));
+        for_each_line(text, take, Comparison<few>(m_tests, m_count));
     }
 
   private:
@@ -98,14 +96,15 @@ class Members {
         }
     }
 
-    // The first n tests, in registers.
+    // Up to n tests, in registers.
     template <std::size_t n>
     class Comparison {
       public:
-        explicit Comparison(const Test* tests) {
+        Comparison(const Test* tests, std::size_t count) {
             for (std::size_t i = 0; i < n; ++i) {
-                m_set[i] = all(tests[i].set);
-                m_values[i] = all(tests[i].value);
+                const Test& test = tests[i < count ? i : 0];
+                m_set[i] = all(test.set);
+                m_values[i] = all(test.value);
             }
         }
         Block operator()(const char* from) const {
