@@ -3,6 +3,8 @@
 #ifndef UTIL_TESTS_SUPPORT_IMPORT_PATCH_H
 #define UTIL_TESTS_SUPPORT_IMPORT_PATCH_H
 
+#include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <stdexcept>
 #include <string>
@@ -11,8 +13,10 @@
 
 namespace util_test {
 
-// The slot through which `module` calls the imported `name`; throws when it imports no such name.
-inline void** import_slot(const char* module, const char* name) {
+// Calls visit(library, name, slot) for each function that a loaded module (null: the program)
+// imports by name.
+template <typename Visit>
+void for_each_import(const char* module, Visit visit) {
     auto* base = reinterpret_cast<char*>(GetModuleHandleA(module));
     if (!base) throw std::runtime_error(std::string("not loaded: ") + module);
     auto* dos = reinterpret_cast<IMAGE_DOS_HEADER*>(base);
@@ -21,16 +25,31 @@ inline void** import_slot(const char* module, const char* name) {
     auto* library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + table.VirtualAddress);
     for (; library->Name; ++library) {
         auto* names = reinterpret_cast<IMAGE_THUNK_DATA*>(base + library->OriginalFirstThunk);
-        auto* slots = reinterpret_cast<IMAGE_THUNK_DATA*>(base + library->FirstThunk);
+        auto* slots = reinterpret_cast<void**>(base + library->FirstThunk);
         for (; names->u1.AddressOfData; ++names, ++slots) {
             if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal)) continue;
             auto* entry = reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
-            if (!std::strcmp(reinterpret_cast<char*>(entry->Name), name)) {
-                return reinterpret_cast<void**>(&slots->u1.Function);
-            }
+            visit(base + library->Name, reinterpret_cast<const char*>(entry->Name), slots);
         }
     }
-    throw std::runtime_error(std::string(module) + " does not import " + name);
+}
+
+// The slot through which `module` calls the imported `name`; throws when it imports no such name.
+inline void** import_slot(const char* module, const char* name) {
+    void** found = nullptr;
+    for_each_import(module, [&](const char*, const char* imported, void** slot) {
+        if (!found && !std::strcmp(imported, name)) found = slot;
+    });
+    if (!found) throw std::runtime_error(std::string(module) + " does not import " + name);
+    return found;
+}
+
+// Stands for any function that fails: gives the result and leaves the codes, 0 for none.
+template <std::intptr_t result, DWORD last_error = 0, int error_number = 0>
+std::intptr_t fails() {
+    if (last_error != 0) SetLastError(last_error);
+    if (error_number != 0) errno = error_number;
+    return result;
 }
 
 // While it lives, util.dll's calls of `name` go to the replacement.

@@ -107,23 +107,6 @@ Gate& guard(void** slot, const char* name, int index) {
     return *gate;
 }
 
-void for_each_import(const char* module, const Visit& visit) {
-    auto* const base = reinterpret_cast<char*>(GetModuleHandleA(module));
-    if (!base) throw std::runtime_error(std::string("not loaded: ") + module);
-    auto* const dos = reinterpret_cast<IMAGE_DOS_HEADER*>(base);
-    auto* const nt = reinterpret_cast<IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-    auto& table = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-    auto* library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + table.VirtualAddress);
-    for (; library->Name; ++library) {
-        auto* names = reinterpret_cast<IMAGE_THUNK_DATA*>(base + library->OriginalFirstThunk);
-        auto* slots = reinterpret_cast<void**>(base + library->FirstThunk);
-        for (; names->u1.AddressOfData; ++names, ++slots) {
-            auto* entry = reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
-            visit(base + library->Name, reinterpret_cast<char*>(entry->Name), slots);
-        }
-    }
-}
-
 bool is_code(const void* address) {
     MEMORY_BASIC_INFORMATION information;
     VirtualQuery(address, &information, sizeof information);

@@ -4,7 +4,6 @@
 #define UTIL_TESTS_TORTURE_GATE_H
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -38,10 +37,6 @@ struct Export {
 std::vector<Export> exported(const char* module);
 
 bool is_code(const void* address);
-
-// Calls visit(library, name, slot) for each import of a loaded module.
-using Visit = std::function<void(const char* library, const char* name, void** slot)>;
-void for_each_import(const char* module, const Visit& visit);
 
 // Whether the code that is running was called, at whatever distance, by the module.
 bool called_from(const void* module);

@@ -1,15 +1,16 @@
 // A scenario makes a few calls of util.dll that belong together and says what may come of them.
 //
-// A new function costs one line in the table of its subsystem:
+// A new function costs a few lines in the list of its subsystem:
 //
-//     {"UTIL_delete", [](Run& run) {
+//     scenario("UTIL_delete", [](Run& run) {
 //         const String file = run.scratch.file("a");
 //         const int result = run.call(nothing, [&] { return UTIL_delete(file); });
 //         run.outcome(result == 0 && !run.exists("a"), result == -1);
-//     }},
+//     });
 #ifndef UTIL_TESTS_TORTURE_SCENARIO_H
 #define UTIL_TESTS_TORTURE_SCENARIO_H
 
+#include <functional>
 #include <new>
 #include <type_traits>
 #include <vector>
@@ -97,14 +98,18 @@ class Run {
     bool m_raised = false;
 };
 
+using Play = std::function<void(Run& run)>;
 struct Scenario {
     const char* name;
-    void (*play)(Run& run);
+    Play play;
 };
 
-// One table for each subsystem.
-extern const std::vector<Scenario> text_scenarios, portable_scenarios, file_scenarios,
-    system_scenarios;
+// One list for each subsystem, added in its order.
+using Add = std::function<void(const char* name, Play play)>;
+void text_scenarios(const Add& scenario);
+void portable_scenarios(const Add& scenario);
+void file_scenarios(const Add& scenario);
+void system_scenarios(const Add& scenario);
 
 }  // namespace torture
 

@@ -1,18 +1,25 @@
 #include "torture/sweep.h"
 
+#include <io.h>
+
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <stdexcept>
 #include <string>
 
+#include "support/import_patch.h"
 #include "torture/deliberate_leaks.h"
 #include "torture/failures.h"
 #include "torture/gate.h"
 #include "torture/resources.h"
 #include "torture/stand_ins.h"
 #include "util/text/byte_string.h"
+
+using util_test::for_each_import;
 
 namespace torture {
 namespace {
@@ -38,10 +45,9 @@ struct Target {
 };
 
 std::vector<Gated> gates;
-Progress* shared;
-HANDLE log_file;
 std::vector<Export> exports;
 void* library;
+Figures figures;
 
 // The run that is going on.
 struct {
@@ -64,16 +70,28 @@ const char* target_name(const Target* target) {
     return target->gated < 0 ? "memory" : gates[std::size_t(target->gated)].gate->name;
 }
 
-// Without the heap, which is being counted.
-void write_log(const char* what) {
-    char line[512];
+// What was found in the scenario that is going on; without the heap, which is being counted.
+char remarks[1 << 16];
+std::size_t remarks_size;
+
+void remark(const char* what) {
     const int code = now.target && now.target->gated >= 0 ? now.target->failure : -1;
+    const std::size_t room = sizeof remarks - remarks_size;
     const int length = std::snprintf(
-        line, sizeof line, "%s: %s with %s failing (row %d)%s%s%s, call %d\n", now.scenario->name,
-        what, target_name(now.target), code, now.second ? " and then " : "",
+        remarks + remarks_size, room, "%s with %s failing (row %d)%s%s%s, call %d\n", what,
+        target_name(now.target), code, now.second ? " and then " : "",
         now.second ? target_name(now.second) : "", now.persistent ? " for good" : "", now.call);
+    remarks_size += std::min(static_cast<std::size_t>(length), room - 1);
+}
+
+// Ends the process, which has crashed or hangs. The standard error may be captured by then.
+HANDLE error_output;
+[[noreturn]] void give_up(const char* what) {
+    remark(what);
     DWORD written;
-    WriteFile(log_file, line, static_cast<DWORD>(length), &written, nullptr);
+    WriteFile(error_output, remarks, DWORD(remarks_size), &written, nullptr);
+    TerminateProcess(GetCurrentProcess(), 98);
+    std::abort();
 }
 
 // --- what the gates decide ---
@@ -98,7 +116,7 @@ Decision decide_call(Gate& gate) {
     gated.injected = nullptr;
     if (now.armed) {
         if (gated.kind == recording) {
-            shared->called[gated.number] = 1;
+            figures.called[std::size_t(gated.number)] = true;
             return pass;
         }
         if (!gated.in_runtime || called_from(library)) {
@@ -107,9 +125,10 @@ Decision decide_call(Gate& gate) {
         }
     }
     if (!gated.injected) return gated.taker ? watch : pass;
-    if (!now.faulted) ++(gated.kind == allocating ? shared->allocations : shared->faults);
+    if (!now.faulted) ++(gated.kind == allocating ? figures.allocations : figures.faults);
     now.faulted = true;
-    if (gated.kind != allocating) shared->failed[gated.injected - failures.data()] = 1;
+    if (gated.kind != allocating)
+        figures.failed[std::size_t(gated.injected - failures.data())] = true;
     return gated.injected->how == working ? watch : replace;
 }
 
@@ -219,9 +238,7 @@ class Formatter {
 DWORD WINAPI watch_time(void*) {
     constexpr ULONGLONG limit_ms = 60000;
     for (;; Sleep(500)) {
-        if (GetTickCount64() - now.started < limit_ms) continue;
-        shared->hung = 1;
-        TerminateProcess(GetCurrentProcess(), 98);
+        if (now.scenario && GetTickCount64() - now.started >= limit_ms) give_up("hangs");
     }
 }
 
@@ -246,8 +263,8 @@ Resources play() {
             surplus[i] -= std::min(
                 surplus[i], most_left(now.scenario->name, target_name(now.target), Resource(i)));
     }
-    ++shared->runs;
-    if (!formatter.answers()) write_log("formatting hangs");
+    ++figures.runs;
+    if (!formatter.answers()) remark("formatting hangs");
     return surplus;
 }
 
@@ -264,7 +281,7 @@ void play_and_compare() {
         if (least[i] == 0) continue;
         char what[80];
         std::snprintf(what, sizeof what, "%+ld %s", least[i], resource_names[i]);
-        write_log(what);
+        remark(what);
     }
 }
 
@@ -289,16 +306,13 @@ void fail_what_is_new() {
 }
 
 // Once each, then for good from each on.
-void fail_each_call(const Target& target, long first_mode, long first_call) {
+void fail_each_call(const Target& target) {
     const bool for_good = target.gated < 0 || failures[std::size_t(target.failure)].how != once;
-    for (long mode = first_mode; mode <= (for_good ? 1 : 0); ++mode, first_call = 1) {
-        now.persistent = mode == 1;
-        for (int call = int(first_call);; ++call) {
-            now.target = &target;
-            now.call = call;
-            shared->persistent = mode;
-            shared->call = call;
-            std::snprintf(shared->failing, sizeof shared->failing, "%s", target_name(&target));
+    now.target = &target;
+    for (const bool persistent : {false, true}) {
+        if (persistent && !for_good) break;
+        now.persistent = persistent;
+        for (now.call = 1;; ++now.call) {
             play_and_compare();
             if (!now.faulted) break;
             fail_what_is_new();
@@ -324,52 +338,55 @@ bool Run::for_good() {
     return now.persistent;
 }
 void Run::violation(const char* what) {
-    write_log(what);
+    remark(what);
 }
 
-std::vector<Scenario> all_scenarios() {
-    std::vector<Scenario> all;
-    for (const auto* table :
-         {&text_scenarios, &portable_scenarios, &file_scenarios, &system_scenarios}) {
-        all.insert(all.end(), table->begin(), table->end());
-    }
+const std::vector<Scenario>& all_scenarios() {
+    static const std::vector<Scenario> all = [] {
+        std::vector<Scenario> scenarios;
+        for (auto* list : {text_scenarios, portable_scenarios, file_scenarios, system_scenarios}) {
+            list([&](const char* name, Play play) {
+                scenarios.push_back({name, std::move(play)});
+            });
+        }
+        return scenarios;
+    }();
     return all;
 }
 
-bool sweep(Progress& progress, const Share& share, HANDLE log) {
-    shared = &progress;
-    log_file = log;
-    now.started = GetTickCount64();
-    CloseHandle(CreateThread(nullptr, 0, watch_time, nullptr, 0, nullptr));
+void begin_sweeps() {
+    error_output = reinterpret_cast<HANDLE>(_get_osfhandle(_dup(2)));
     registry();
     put_up_all();
-    const std::vector<Scenario> scenarios = all_scenarios();
-    for (long i = progress.scenario; i < long(scenarios.size()); ++i) {
-        const long resume = i == progress.scenario ? progress.target : -1;
-        const long mode = progress.persistent, call = progress.call;
-        const char* const name = scenarios[std::size_t(i)].name;
-        if (i % share.parts != share.part || !std::strstr(name, share.only)) continue;
-        progress.scenario = i;
-        progress.target = -1;
-        now.scenario = &scenarios[std::size_t(i)];
-        play();  // the platform keeps some things from first use on
-        play_and_compare();
-        std::vector<Target> targets = {{-1, -1}};
-        for (std::size_t g = 0; g < gates.size(); ++g) {
-            gates[g].usual = gates[g].calls > 0;
-            if (!gates[g].usual || gates[g].kind != failing) continue;
-            for (const int failure : gates[g].failures)
-                targets.push_back({int(g), failure});
-        }
-        for (long t = std::max(resume, 0L); t < long(targets.size()); ++t) {
-            progress.target = t;
-            const bool resumed = t == resume;
-            fail_each_call(targets[std::size_t(t)], resumed ? mode : 0, resumed ? call : 1);
-        }
-    }
+    figures.called.resize(exports.size());
+    figures.failed.resize(failures.size());
+    SetUnhandledExceptionFilter([](EXCEPTION_POINTERS*) -> LONG { give_up("crashes"); });
+    std::signal(SIGABRT, [](int) { give_up("aborts"); });
+    CloseHandle(CreateThread(nullptr, 0, watch_time, nullptr, 0, nullptr));
+}
+
+const Figures& end_sweeps() {
     decide = [](Gate&) { return pass; };  // the process's end makes calls, too
-    progress.finished = 1;
-    return true;
+    return figures;
+}
+
+std::string sweep(const Scenario& scenario) {
+    remarks_size = 0;
+    now.started = GetTickCount64();
+    now.scenario = &scenario;
+    play();  // the platform keeps some things from first use on
+    play_and_compare();
+    std::vector<Target> targets = {{-1, -1}};
+    for (std::size_t g = 0; g < gates.size(); ++g) {
+        gates[g].usual = gates[g].calls > 0;
+        if (!gates[g].usual || gates[g].kind != failing) continue;
+        for (const int failure : gates[g].failures)
+            targets.push_back({int(g), failure});
+    }
+    for (const Target& target : targets)
+        fail_each_call(target);
+    now.scenario = nullptr;
+    return {remarks, remarks_size};
 }
 
 }  // namespace torture

@@ -67,27 +67,6 @@ bool names_the_call(const char* message) {
     return std::strstr(message, " failed (error code = ") || Run::failing("_vsnprintf_s_l");
 }
 
-void connect_share(Run& run, DWORD result, DWORD disconnected, const char* message) {
-    stand_ins.connect = result;
-    stand_ins.disconnect = disconnected;
-    char said[4096] = "";
-    const int got = run.call(
-        nothing, [&] { return UTIL_ConnectCifsShare("\\\\srv\\share", "user", "secret", said); });
-    run.outcome(got == (result ? -1 : 0) && !std::strcmp(said, message),
-                (got == -1 && names_the_call(said)) || (got == 0 && !*said));
-}
-
-void enumerate(Run& run) {
-    const String directory(run.scratch.path());
-    std::list<String> hosts;
-    String message;
-    const int result =
-        run.call(nothing, [&] { return UTIL_EnumHostsOnANetwork(hosts, directory, message); });
-    run.outcome(
-        result == 0 && hosts.size() == 2 && message.empty(),
-        (result == 0 && !hosts.empty()) || !message.empty() || (result == -1 && hosts.empty()));
-}
-
 struct Reader : Poll::Callback {
     explicit Reader(const util_test::Connection& from) : connection(from) {}
     void ready(int fd, int) override {
@@ -100,253 +79,249 @@ struct Reader : Poll::Callback {
 
 }  // namespace
 
-const std::vector<Scenario> system_scenarios = {
-    {"Poll",
-     [](Run& run) {
-         const util_test::Connection connection, idle;
-         connection.send_byte();
-         SetStdHandle(STD_INPUT_HANDLE, CreateEventA(nullptr, FALSE, TRUE, nullptr));
-         Reader reader(connection);
-         run.completes(memory, [&] {
-             Poll poll;
-             poll.append(0, &reader);
-             poll.append(connection.fd(), &reader);
-             poll.append(idle.fd(), &reader);
-             poll.append(idle.fd(), nullptr);
-             poll.SetBlockingMode(idle.fd());
-             poll.SetBlockingMode(12345);
-             poll.SetNonBlockingMode(idle.fd());
-             poll.run(0);
-             poll.remove(idle.fd());
-             poll.remove(12345);
-             poll.remove(0);
-         });
-         run.outcome(reader.served == 2, reader.served < 2);
-         // Where the poller never took the standard input over, it is still to be closed.
-         DWORD flags;
-         const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
-         if (GetHandleInformation(input, &flags)) CloseHandle(input);
-     }},
-    {"email",
-     [](Run& run) {
-         run.completes(memory, [&] {
-             email mail, other("f", "t", "s", "b"), copy(other);
-             mail = other;
-             mail.updateFrom(text), mail.updateTo(text), mail.updateSubject(text);
-             mail.updateBody(text);
-             if (!(mail.isReady() && !mail.isNull() && mail.getTo() == "t;" + text &&
-                   mail.getFrom() == "f;" + text && mail.getSubject() == "s " + text &&
-                   mail.getBody() == "b\r\n" + text && mail.GetLastErrorMessage().empty())) {
-                 throw std::logic_error("a wrong field");
-             }
-         });
-     }},
-    {"email::send", [](Run& run) { send_two(run, true); }},
-    {"email::send, by the web server", [](Run& run) { send_two(run, false); }},
-    {"email::send_mail to nobody",
-     [](Run& run) {
-         const String nobody, blank(" ;");
-         registry().set_text(web_key, "InstallPath", "C:\\inetsrv");
-         email mail;
-         int result = run.call(memory, [&] { return mail.send_mail(text, nobody, text, text); });
-         run.outcome(result == 0 && !mail.GetLastErrorMessage().empty(), run.raised());
-         result = run.call(memory, [&] { return mail.send_mail(text, blank, text, text); });
-         run.outcome(!run.raised() && result == 0, run.raised() || result == -1);
-     }},
-    {"MailInstalled, MailRunning",
-     [](Run& run) {
-         registry().set_text(web_key, "InstallPath", "C:\\inetsrv");
-         bool results[2] = {};
-         run.completes(memory, [&] {
-             results[0] = MailInstalled();
-             results[1] = MailRunning();
-         });
-         run.outcome(results[0] && results[1], true);
-         for (const char* asked : {"OpenSCManagerA", "OpenServiceA", "QueryServiceStatus"})
-             run.always(!Run::faulted() || !Run::failing(asked) || !results[1], "an answer");
-     }},
-    {"UTIL_basename and others that ask nobody",
-     [](Run& run) {
-         char name[8];
-         const char* argument = nullptr;
-         const char* const args[] = {"p", "-b", "v", nullptr};
-         int index = 1;
-         UTIL_TimeOfDay now;
-         const bool right = run.call(nothing, [&] {
-             return UTIL_basename(name, "a/b") == -1 && UTIL_CDPbasename(name, "a/b") == -1 &&
-                    UTIL_IsBinaryEqual("a", "a", 1) && UTIL_isBKDevice("Talvora") &&
-                    UTIL_getopt(3, args, "b:", &index, &argument) == 'b' &&
-                    UTIL_GetTimeOfDay(&now) == 0 && UTIL_getFeatureSet() == 1;
-         });
-         run.always(right && !std::strcmp(name, "b"), "a wrong answer");
-     }},
-    {"UTIL_ConnectCifsShare", [](Run& run) { connect_share(run, 0, 0, ""); }},
-    {"UTIL_ConnectCifsShare, conflict",
-     [](Run& run) {
-         connect_share(run, ERROR_SESSION_CREDENTIAL_CONFLICT, ERROR_NOT_CONNECTED,
-                       "WNetAddConnection2 failed (error code = 1219) \n Earlier attempt(s):"
-                       "WNetAddConnection2 failed (error code = 1219)\n"
-                       "WNetCancelConnection2 failed (error code = 2250)");
-     }},
-    {"UTIL_ConnectCifsShare, provider",
-     [](Run& run) {
-         connect_share(run, ERROR_EXTENDED_ERROR, 0,
-                       "WNetAddConnection2 failed (error code = 42). caf\xC3\xA9 \n ");
-     }},
-    {"UTIL_DisconnectCifsShare",
-     [](Run& run) {
-         char said[4096] = "";
-         const int got =
-             run.call(nothing, [&] { return UTIL_DisconnectCifsShare("\\\\srv\\share", said); });
-         run.outcome(got == 0 && !*said, got == -1 && names_the_call(said));
-     }},
-    {"UTIL_IsClustered, UTIL_IsCluster",
-     [](Run& run) {
-         const String name("IISADMIN");
-         bool results[2] = {};
-         run.call(nothing, [&] {
-             results[0] = UTIL_IsClustered(name);
-             results[1] = UTIL_IsCluster() || UTIL_IsClustered(text);
-         });
-         run.outcome(results[0] && !results[1], !results[0]);
-     }},
-    {"UTIL_getTSSEDBInfoFromRegistry",
-     [](Run& run) {
-         registry().set_text(database_key, "Database Path", "\\\\srv\\share\\a\\long\\path\\to.db");
-         registry().set_text(database_key, "DatabaseUsername", text.str());
-         registry().set_text(database_key, "DatabasePassword", text.str());
-         const String key(database_key);
-         String path("p"), user("u"), password("w");
-         // The key is taken by value, so the caller's copy may be what finds no memory.
-         const bool result = run.call(
-             memory, [&] { return UTIL_getTSSEDBInfoFromRegistry(key, path, user, password); });
-         run.outcome(result && user == text && password == text,
-                     !result && user == "u" && password == "w");
-     }},
-    {"UTIL_SetupPnPRescan",
-     [](Run& run) {
-         String message;
-         SetLastError(77);
-         const int result = run.call(nothing, [&] { return UTIL_SetupPnPRescan(message); });
-         run.outcome(result == 0 && message.empty(), result == -1);
-     }},
-    {"UTIL_FormatMessage",
-     [](Run& run) {
-         String out("before");
-         const DWORD code = run.call(nothing, [&] {
-             SetLastError(ERROR_FILENAME_EXCED_RANGE);
-             UTIL_FormatMessage(out);
-             return GetLastError();
-         });
-         run.outcome(!out.empty() && out != "before", out.empty());
-         run.always(code == ERROR_FILENAME_EXCED_RANGE, "the last error");
-     }},
-    {"UTIL_EnumHostsOnANetwork",
-     [](Run& run) {
-         registry().set_text(server_key, "ComputerDomainName", "example.test");
-         enumerate(run);
-         registry().remove_value(server_key, "ComputerDomainName");
-     }},
-    {"UTIL_EnumHostsOnANetwork, the computer's domain",
-     [](Run& run) {
-         String message;
-         std::list<String> hosts;
-         const String directory(run.scratch.path());
-         const int result =
-             run.call(nothing, [&] { return UTIL_EnumHostsOnANetwork(hosts, directory, message); });
-         // Whether this machine has a domain is not known here.
-         run.always(result == 0 || (result == -1 && hosts.empty()), "the result");
-     }},
-    {"UTIL_GetModuleVersion",
-     [](Run& run) {
-         const std::string module = util_test::built_file("stamped.dll");
-         char out[30] = "before";
-         const char* const result =
-             run.call(nothing, [&] { return UTIL_GetModuleVersion(module.c_str(), out); });
-         run.outcome(result == out && !std::strcmp(out, "1.2.3.196608"),
-                     result && result != out && !*result && !*out);
-     }},
-    {"UTIL_GetOsVersion and its like",
-     [](Run& run) {
-         unsigned long major = 0;
-         int results[5] = {};
-         bool transportable = false;
-         String name;
-         run.call(nothing, [&] {
-             results[0] = UTIL_GetOsVersion(&major, nullptr, nullptr, nullptr, nullptr, nullptr);
-             results[1] = UTIL_IsOSVersionAtLeast(5, 0);
-             results[2] = UTIL_IsOSVersionEqualTo(1, 1, 1, 1, 1, 1);
-             results[3] = UTIL_IsEnterpriseEdition();
-             results[4] = UTIL_IsWin2k3SP_1_Or_Later();
-             transportable = UTIL_IsVSSTransportableSupported();
-             results[0] += UTIL_getPlatform(name);
-         });
-         run.outcome(results[0] == 0 && major >= 5, results[0] == -1 && major == 0);
-         run.outcome(results[1] == 1 && results[2] == 0, results[1] == -1 || results[2] == -1);
-         run.outcome(results[3] >= 0 && results[4] >= 0, results[3] == -1 || results[4] == -1);
-         run.outcome(name == "Windows", name.empty());
-     }},
-    {"UTIL_GetOsVersion, R2",
-     [](Run& run) {
-         stand_ins.is_old = true;
-         unsigned short r2 = 2;
-         const int result = run.call(nothing, [&] {
-             return UTIL_GetOsVersion(nullptr, nullptr, nullptr, nullptr, nullptr, &r2);
-         });
-         run.outcome(result == 0 && r2 <= 1, result == -1 && r2 == 2);
-     }},
-    {"UTIL_ModifyPrivilege",
-     [](Run& run) {
-         const unsigned long result =
-             run.call(nothing, [] { return UTIL_ModifyPrivilege("SeBackupPrivilege", 1); });
-         run.outcome(result == 0, result != 0);
-     }},
-    {"UTIL_GetRegistryValue",
-     [](Run& run) {
-         registry().set_text(volume_key, "InstallDir", text.str());
-         const String key(volume_key), name("InstallDir");
-         String out("untouched");
-         const int result =
-             run.call(nothing, [&] { return UTIL_GetRegistryValue(key, name, out); });
-         run.outcome(result == 0 && out == text, result == -1 && out == "untouched");
-     }},
-    {"UTIL_GetVeritasVersion, UTIL_GetVeritasPath",
-     [](Run& run) {
-         registry().set_text(volume_key, "InstallDir", text.str());
-         char version[4] = "";
-         const bool found = run.call(nothing, [&] { return UTIL_GetVeritasVersion(version); });
-         run.outcome(found && !std::strcmp(version, "4.1"), !found && !*version);
-         String path("untouched"), message;
-         const bool result = run.call(nothing, [&] { return UTIL_GetVeritasPath(path, message); });
-         run.outcome(result && path == text && message.empty(), !result && path == "untouched");
-     }},
-    {"UTIL_GetHalcVexsnapFileName",
-     [](Run& run) {
-         const String tool(run.scratch.file("vexsnap.exe"));
-         const util_test::EnvironmentChange path(
-             L"PATH", util_test::to_wide("C:\\no_such_directory;" + run.scratch.path()).c_str());
-         String out("before");
-         const int result = run.call(nothing, [&] { return UTIL_GetHalcVexsnapFileName(out); });
-         run.outcome(result == 0 && out == tool, result == -1 && out.empty());
-     }},
-    {"UTIL_GetTempDirectory",
-     [](Run& run) {
-         const String path = run.call(nothing, [] { return UTIL_GetTempDirectory(); });
-         run.outcome(!path.empty() && path != ".", true);
-     }},
-    {"UTIL_getIsWow64 and the redirection",
-     [](Run& run) {
-         unsigned char flag = 2;
-         int results[2] = {};
-         void* state = nullptr;
-         const unsigned long result = run.call(nothing, [&] {
-             results[0] = UTIL_VornWow64DisableWow64FsRedirection(&state);
-             results[1] = UTIL_VornWow64RevertWow64FsRedirection(state);
-             return UTIL_getIsWow64(&flag);
-         });
-         run.outcome(result == 0 && flag == 1, result == 0 && flag == 0);
-         run.outcome(results[0] == 1 && results[1] == 1, true);
-     }},
-};
+void system_scenarios(const Add& scenario) {
+    scenario("Poll", [](Run& run) {
+        const util_test::Connection connection, idle;
+        connection.send_byte();
+        SetStdHandle(STD_INPUT_HANDLE, CreateEventA(nullptr, FALSE, TRUE, nullptr));
+        Reader reader(connection);
+        run.completes(memory, [&] {
+            Poll poll;
+            poll.append(0, &reader);
+            poll.append(connection.fd(), &reader);
+            poll.append(idle.fd(), &reader);
+            poll.append(idle.fd(), nullptr);
+            poll.SetBlockingMode(idle.fd());
+            poll.SetBlockingMode(12345);
+            poll.SetNonBlockingMode(idle.fd());
+            poll.run(0);
+            poll.remove(idle.fd());
+            poll.remove(12345);
+            poll.remove(0);
+        });
+        run.outcome(reader.served == 2, reader.served < 2);
+        // Where the poller never took the standard input over, it is still to be closed.
+        DWORD flags;
+        const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+        if (GetHandleInformation(input, &flags)) CloseHandle(input);
+    });
+    scenario("email", [](Run& run) {
+        bool right = false;
+        run.completes(memory, [&] {
+            email mail, other("f", "t", "s", "b"), copy(other);
+            mail = other;
+            mail.updateFrom(text), mail.updateTo(text), mail.updateSubject(text);
+            mail.updateBody(text);
+            right = mail.isReady() && !mail.isNull() && mail.getTo() == "t;" + text &&
+                    mail.getFrom() == "f;" + text && mail.getSubject() == "s " + text &&
+                    mail.getBody() == "b\r\n" + text && mail.GetLastErrorMessage().empty();
+        });
+        run.outcome(right, run.raised());
+    });
+    scenario("email::send", [](Run& run) { send_two(run, true); });
+    scenario("email::send, by the web server", [](Run& run) { send_two(run, false); });
+    scenario("email::send_mail to nobody", [](Run& run) {
+        const String nobody, blank(" ;");
+        registry().set_text(web_key, "InstallPath", "C:\\inetsrv");
+        email mail;
+        int result = run.call(memory, [&] { return mail.send_mail(text, nobody, text, text); });
+        run.outcome(result == 0 && !mail.GetLastErrorMessage().empty(), run.raised());
+        result = run.call(memory, [&] { return mail.send_mail(text, blank, text, text); });
+        run.outcome(!run.raised() && result == 0, run.raised() || result == -1);
+    });
+    scenario("MailInstalled, MailRunning", [](Run& run) {
+        registry().set_text(web_key, "InstallPath", "C:\\inetsrv");
+        bool results[2] = {};
+        run.completes(memory, [&] {
+            results[0] = MailInstalled();
+            results[1] = MailRunning();
+        });
+        run.outcome(results[0] && results[1], true);
+        for (const char* asked : {"OpenSCManagerA", "OpenServiceA", "QueryServiceStatus"})
+            run.always(!Run::faulted() || !Run::failing(asked) || !results[1], "an answer");
+    });
+    scenario("UTIL_basename and others that ask nobody", [](Run& run) {
+        char name[8];
+        const char* argument = nullptr;
+        const char* const args[] = {"p", "-b", "v", nullptr};
+        int index = 1;
+        UTIL_TimeOfDay now;
+        const bool right = run.call(nothing, [&] {
+            return UTIL_basename(name, "a/b") == -1 && UTIL_CDPbasename(name, "a/b") == -1 &&
+                   UTIL_IsBinaryEqual("a", "a", 1) && UTIL_isBKDevice("Talvora") &&
+                   UTIL_getopt(3, args, "b:", &index, &argument) == 'b' &&
+                   UTIL_GetTimeOfDay(&now) == 0 && UTIL_getFeatureSet() == 1;
+        });
+        run.always(right && !std::strcmp(name, "b"), "a wrong answer");
+    });
+    const struct {
+        const char* name;
+        DWORD connect, disconnect;
+        const char* message;
+    } shares[] = {
+        {"UTIL_ConnectCifsShare", 0, 0, ""},
+        {"UTIL_ConnectCifsShare, conflict", ERROR_SESSION_CREDENTIAL_CONFLICT, ERROR_NOT_CONNECTED,
+         "WNetAddConnection2 failed (error code = 1219) \n Earlier attempt(s):"
+         "WNetAddConnection2 failed (error code = 1219)\n"
+         "WNetCancelConnection2 failed (error code = 2250)"},
+        {"UTIL_ConnectCifsShare, provider", ERROR_EXTENDED_ERROR, 0,
+         "WNetAddConnection2 failed (error code = 42). caf\xC3\xA9 \n "},
+    };
+    for (const auto& c : shares) {
+        scenario(c.name, [c](Run& run) {
+            stand_ins.connect = c.connect;
+            stand_ins.disconnect = c.disconnect;
+            char said[4096] = "";
+            const int got = run.call(nothing, [&] {
+                return UTIL_ConnectCifsShare("\\\\srv\\share", "user", "secret", said);
+            });
+            run.outcome(got == (c.connect ? -1 : 0) && !std::strcmp(said, c.message),
+                        (got == -1 && names_the_call(said)) || (got == 0 && !*said));
+        });
+    }
+    scenario("UTIL_DisconnectCifsShare", [](Run& run) {
+        char said[4096] = "";
+        const int got =
+            run.call(nothing, [&] { return UTIL_DisconnectCifsShare("\\\\srv\\share", said); });
+        run.outcome(got == 0 && !*said, got == -1 && names_the_call(said));
+    });
+    scenario("UTIL_IsClustered, UTIL_IsCluster", [](Run& run) {
+        const String name("IISADMIN");
+        bool results[2] = {};
+        run.call(nothing, [&] {
+            results[0] = UTIL_IsClustered(name);
+            results[1] = UTIL_IsCluster() || UTIL_IsClustered(text);
+        });
+        run.outcome(results[0] && !results[1], !results[0]);
+    });
+    scenario("UTIL_getTSSEDBInfoFromRegistry", [](Run& run) {
+        registry().set_text(database_key, "Database Path", "\\\\srv\\share\\a\\long\\path\\to.db");
+        registry().set_text(database_key, "DatabaseUsername", text.str());
+        registry().set_text(database_key, "DatabasePassword", text.str());
+        const String key(database_key);
+        String path("p"), user("u"), password("w");
+        // The key is taken by value, so the caller's copy may be what finds no memory.
+        const bool result = run.call(
+            memory, [&] { return UTIL_getTSSEDBInfoFromRegistry(key, path, user, password); });
+        run.outcome(result && user == text && password == text,
+                    !result && user == "u" && password == "w");
+    });
+    scenario("UTIL_SetupPnPRescan", [](Run& run) {
+        String message;
+        SetLastError(77);
+        const int result = run.call(nothing, [&] { return UTIL_SetupPnPRescan(message); });
+        run.outcome(result == 0 && message.empty(), result == -1);
+    });
+    scenario("UTIL_FormatMessage", [](Run& run) {
+        String out("before");
+        const DWORD code = run.call(nothing, [&] {
+            SetLastError(ERROR_FILENAME_EXCED_RANGE);
+            UTIL_FormatMessage(out);
+            return GetLastError();
+        });
+        run.outcome(!out.empty() && out != "before", out.empty());
+        run.always(code == ERROR_FILENAME_EXCED_RANGE, "the last error");
+    });
+    // Whether this machine has a domain of its own is not known here.
+    for (const bool configured : {true, false}) {
+        scenario(configured ? "UTIL_EnumHostsOnANetwork"
+                            : "UTIL_EnumHostsOnANetwork, the computer's domain",
+                 [configured](Run& run) {
+                     if (configured)
+                         registry().set_text(server_key, "ComputerDomainName", "example.test");
+                     const String directory(run.scratch.path());
+                     std::list<String> hosts;
+                     String message;
+                     const int result = run.call(nothing, [&] {
+                         return UTIL_EnumHostsOnANetwork(hosts, directory, message);
+                     });
+                     registry().remove_value(server_key, "ComputerDomainName");
+                     const bool no_domain = result == -1 && hosts.empty();
+                     run.outcome((result == 0 && hosts.size() == 2 && message.empty()) ||
+                                     (!configured && no_domain),
+                                 (result == 0 && !hosts.empty()) || !message.empty() || no_domain);
+                 });
+    }
+    scenario("UTIL_GetModuleVersion", [](Run& run) {
+        const std::string module = util_test::built_file("stamped.dll");
+        char out[30] = "before";
+        const char* const result =
+            run.call(nothing, [&] { return UTIL_GetModuleVersion(module.c_str(), out); });
+        run.outcome(result == out && !std::strcmp(out, "1.2.3.196608"),
+                    result && result != out && !*result && !*out);
+    });
+    scenario("UTIL_GetOsVersion and its like", [](Run& run) {
+        unsigned long major = 0;
+        int results[5] = {};
+        bool transportable = false;
+        String name;
+        run.call(nothing, [&] {
+            results[0] = UTIL_GetOsVersion(&major, nullptr, nullptr, nullptr, nullptr, nullptr);
+            results[1] = UTIL_IsOSVersionAtLeast(5, 0);
+            results[2] = UTIL_IsOSVersionEqualTo(1, 1, 1, 1, 1, 1);
+            results[3] = UTIL_IsEnterpriseEdition();
+            results[4] = UTIL_IsWin2k3SP_1_Or_Later();
+            transportable = UTIL_IsVSSTransportableSupported();
+            results[0] += UTIL_getPlatform(name);
+        });
+        run.outcome(results[0] == 0 && major >= 5, results[0] == -1 && major == 0);
+        run.outcome(results[1] == 1 && results[2] == 0, results[1] == -1 || results[2] == -1);
+        run.outcome(results[3] >= 0 && results[4] >= 0, results[3] == -1 || results[4] == -1);
+        run.outcome(name == "Windows", name.empty());
+    });
+    scenario("UTIL_GetOsVersion, R2", [](Run& run) {
+        stand_ins.is_old = true;
+        unsigned short r2 = 2;
+        const int result = run.call(nothing, [&] {
+            return UTIL_GetOsVersion(nullptr, nullptr, nullptr, nullptr, nullptr, &r2);
+        });
+        run.outcome(result == 0 && r2 <= 1, result == -1 && r2 == 2);
+    });
+    scenario("UTIL_ModifyPrivilege", [](Run& run) {
+        const unsigned long result =
+            run.call(nothing, [] { return UTIL_ModifyPrivilege("SeBackupPrivilege", 1); });
+        run.outcome(result == 0, result != 0);
+    });
+    scenario("UTIL_GetRegistryValue", [](Run& run) {
+        registry().set_text(volume_key, "InstallDir", text.str());
+        const String key(volume_key), name("InstallDir");
+        String out("untouched");
+        const int result = run.call(nothing, [&] { return UTIL_GetRegistryValue(key, name, out); });
+        run.outcome(result == 0 && out == text, result == -1 && out == "untouched");
+    });
+    scenario("UTIL_GetVeritasVersion, UTIL_GetVeritasPath", [](Run& run) {
+        registry().set_text(volume_key, "InstallDir", text.str());
+        char version[4] = "";
+        const bool found = run.call(nothing, [&] { return UTIL_GetVeritasVersion(version); });
+        run.outcome(found && !std::strcmp(version, "4.1"), !found && !*version);
+        String path("untouched"), message;
+        const bool result = run.call(nothing, [&] { return UTIL_GetVeritasPath(path, message); });
+        run.outcome(result && path == text && message.empty(), !result && path == "untouched");
+    });
+    scenario("UTIL_GetHalcVexsnapFileName", [](Run& run) {
+        const String tool(run.scratch.file("vexsnap.exe"));
+        const util_test::EnvironmentChange path(
+            L"PATH", util_test::to_wide("C:\\no_such_directory;" + run.scratch.path()).c_str());
+        String out("before");
+        const int result = run.call(nothing, [&] { return UTIL_GetHalcVexsnapFileName(out); });
+        run.outcome(result == 0 && out == tool, result == -1 && out.empty());
+    });
+    scenario("UTIL_GetTempDirectory", [](Run& run) {
+        const String path = run.call(nothing, [] { return UTIL_GetTempDirectory(); });
+        run.outcome(!path.empty() && path != ".", true);
+    });
+    scenario("UTIL_getIsWow64 and the redirection", [](Run& run) {
+        unsigned char flag = 2;
+        int results[2] = {};
+        void* state = nullptr;
+        const unsigned long result = run.call(nothing, [&] {
+            results[0] = UTIL_VornWow64DisableWow64FsRedirection(&state);
+            results[1] = UTIL_VornWow64RevertWow64FsRedirection(state);
+            return UTIL_getIsWow64(&flag);
+        });
+        run.outcome(result == 0 && flag == 1, result == 0 && flag == 0);
+        run.outcome(results[0] == 1 && results[1] == 1, true);
+    });
+}
 
 }  // namespace torture
