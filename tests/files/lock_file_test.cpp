@@ -33,10 +33,6 @@ BOOL WINAPI failing_lock(HANDLE file, DWORD flags, DWORD, DWORD low, DWORD high,
     return --locks_to_fail < 0 && (at->Offset = 0, LockFileEx(file, flags, 0, low, high, at));
 }
 
-BOOL WINAPI failing_unlock(HANDLE, DWORD, DWORD, DWORD, OVERLAPPED*) {
-    return FALSE;
-}
-
 class LockFileTest : public testing::Test {
   protected:
     bool lock() { return UTIL_LockFilePrivate(m_scratch.path(), &m_handle, &m_record); }
@@ -84,7 +80,7 @@ TEST_F(LockFileTest, FiveAttemptsWithFourPauses) {
 }
 
 TEST_F(LockFileTest, AFailedReleaseStillClosesTheHandle) {
-    const ImportPatch patch("UnlockFileEx", failing_unlock);
+    const ImportPatch patch("UnlockFileEx", util_test::fails<FALSE>);
     for (OVERLAPPED* record : {&m_record, static_cast<OVERLAPPED*>(nullptr)}) {
         ASSERT_TRUE(lock()) << "closing has released it";
         EXPECT_FALSE(UTIL_UnLockFilePrivate(m_handle, record));

@@ -127,17 +127,13 @@ BOOL WINAPI reparse_point(HANDLE search, WIN32_FIND_DATAW* data) {
     return found;
 }
 
-int failing_stat(const wchar_t*, void*) {
-    return -1;
-}
-
 TEST_F(XrDirectoryTest, LinksGetTheStatusCallAndAFailedOneGivesZeros) {
     m_scratch.file("a", "12345");
     const ImportPatch patch("FindNextFileW", reparse_point);
     XrDirectory directory(m_scratch.path());
     EXPECT_EQ((*directory.getDirectoryList(false, false))[0]->getSize(), 5);
     directory.destroy();
-    const ImportPatch no_status("_wstat64", failing_stat);
+    const ImportPatch no_status("_wstat64", fails<-1>);
     EXPECT_EQ((*directory.getDirectoryList(false, false))[0]->getMode(), 0);
 }
 
@@ -150,21 +146,17 @@ TEST_F(XrDirectoryTest, OnlyPathsThatMayBeTooLongNeedTheStatusCall) {
     m_scratch.file(long_name + "\\" + std::string(200, 'f'));
     const std::pair<std::string, bool> cases[] = {
         {m_scratch.path(), false}, {".", true}, {m_scratch / long_name, true}};
-    const ImportPatch no_status("_wstat64", failing_stat);
+    const ImportPatch no_status("_wstat64", fails<-1>);
     for (const auto& [path, called] : cases) {
         XrDirectory directory(path);
         EXPECT_EQ((*directory.getDirectoryList(false, false))[0]->getMode() == 0, called) << path;
     }
 }
 
-BOOL WINAPI broken_off(HANDLE, WIN32_FIND_DATAW*) {
-    SetLastError(ERROR_INVALID_NAME);  // also the code of a name that cannot be converted
-    return FALSE;
-}
-
 TEST_F(XrDirectoryTest, ASearchThatBreaksOffGivesWhatWasFound) {
     m_scratch.file("a");
-    const ImportPatch patch("FindNextFileW", broken_off);
+    // The code is also that of a name that cannot be converted.
+    const ImportPatch patch("FindNextFileW", fails<FALSE, ERROR_INVALID_NAME>);
     XrDirectory directory(m_scratch.path());
     EXPECT_EQ(names(directory, true).size(), 0u) << "only \".\" was found";
 }

@@ -111,31 +111,6 @@ TEST_F(MessageDropTest, SendersAtTheSameTimeLoseNothing) {
     EXPECT_EQ(files("temp"), Files());
 }
 
-// --- a directory that goes, memory that runs out ------------------------------------------------
-
-int moves_left;
-
-int rename_into_vanishing_directory(const char* from, const char* to) {
-    if (moves_left-- > 0) return std::rename(from, to);
-    std::filesystem::remove_all(std::filesystem::path(to).parent_path());
-    return std::rename(from, to);
-}
-
-TEST_F(MessageDropTest, APickupDirectoryThatVanishesHalfWayLeavesTheRestInTheTemporaryOne) {
-    const ImportPatch move("rename", rename_into_vanishing_directory);
-    moves_left = 1;
-    EXPECT_EQ(send("a;b;c;d"), -1);
-    EXPECT_EQ(mail.GetLastErrorMessage(),
-              "Win32 API GetTempFileName returned bad name, GetLastError = 267");
-    EXPECT_EQ(contents("temp"), (std::multiset<std::string>{message_to("b"), message_to("c")}));
-
-    scratch.directory("pickup");
-    moves_left = 1;
-    email other;
-    EXPECT_EQ(other.send_mail("f", "a;b", "s", "b"), -1);
-    EXPECT_EQ(other.GetLastErrorMessage(), "") << "it vanished behind the name";
-}
-
 // --- kills --------------------------------------------------------------------------------------
 
 // A process that drops messages, and how many it has finished.

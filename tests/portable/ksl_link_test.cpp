@@ -1,13 +1,11 @@
 #include "util/portable/ksl_link.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <string>
 
 #include "support/import_patch.h"
-#include "support/scratch_directory.h"
 #include "util/portable/utf8_files.h"
 
 using util_test::ImportPatch;
@@ -56,20 +54,6 @@ TEST(StatusPathTest, OneTrailingBackslashGoesAndOnlyOneCallKnowsBareDrives) {
             EXPECT_EQ(call(path.c_str(), &record), -1);
             EXPECT_EQ(examined, std::wstring(length, L'd')) << "neither cut nor refused";
         }
-    }
-}
-
-TEST(StatusPathTest, FillsTheRecordOfARealDirectoryAtAnyDepth) {
-    const util_test::ScratchDirectory scratch;
-    std::string name(100, 'd');
-    for (int depth = 0; depth < 4; ++depth)
-        name += "\\" + std::string(100, 'd');
-    const std::string path = scratch.directory(name) + "\\";
-    for (auto* call : {ksl_lstat, UTF8_lstat}) {
-        struct _stat64i32 record = {};
-        EXPECT_EQ(call(path.c_str(), &record), 0);
-        EXPECT_TRUE(record.st_mode & S_IFDIR);
-        EXPECT_NE(record.st_mtime, 0);
     }
 }
 
