@@ -267,10 +267,6 @@ TEST_F(RegistryTest, DatabaseOnTheNetworkNeedsCredentials) {
     }
 }
 
-int WINAPI refusing_conversion(UINT, DWORD, const wchar_t*, int, char*, int, const char*, BOOL*) {
-    return 0;
-}
-
 TEST_F(RegistryTest, DatabaseKeyIsMadeWhenMissingAndStaysOpenAfterAFailedConversion) {
     String path = "before", user, password;
     EXPECT_FALSE(UTIL_getTSSEDBInfoFromRegistry(key, path, user, password));
@@ -285,7 +281,7 @@ TEST_F(RegistryTest, DatabaseKeyIsMadeWhenMissingAndStaysOpenAfterAFailedConvers
     }
     EXPECT_FALSE(UTIL_getTSSEDBInfoFromRegistry("\xE6\x97\xA5", path, user, password));
     EXPECT_EQ(keys_left_open(), 0);
-    const ImportPatch convert("WideCharToMultiByte", refusing_conversion);
+    const ImportPatch convert("WideCharToMultiByte", util_test::fails<0>);
     EXPECT_FALSE(UTIL_getTSSEDBInfoFromRegistry(key, path, user, password));
     EXPECT_EQ(path, "");
     keys_meant_to_stay = 1;

@@ -27,8 +27,7 @@ TEST(TempDirectoryTest, IsTheSystemsWhenThatIsADirectory) {
         const EnvironmentChange change(L"TMP", util_test::to_wide(temp).c_str());
         EXPECT_EQ(UTIL_GetTempDirectory(), result) << temp;
     }
-    const util_test::ImportPatch patch(
-        "GetTempPathA", +[]() -> DWORD { return 0; });
+    const util_test::ImportPatch patch("GetTempPathA", util_test::fails<0>);
     const EnvironmentChange foreign(L"SystemRoot", L"E:\\\u65E5\\\\");
     EXPECT_EQ(UTIL_GetTempDirectory(), "E:\\\xE6\x97\xA5\\");
     const EnvironmentChange unset(L"SystemRoot", nullptr);

@@ -116,13 +116,9 @@ TEST(PipeTest, ReadsWhatTheCommandPrintsAndWritesWhatItReads) {
     std::remove("piped.txt");
 }
 
-int minus_seven(FILE*) {
-    return -7;
-}
-
 TEST(PipeTest, ReportsFailuresOfTheRuntimeAndBadArguments) {
     {
-        ImportPatch patch("_pclose", minus_seven);
+        ImportPatch patch("_pclose", util_test::fails<-7>);
         EXPECT_EQ(ksl_pclose(stdout), -7);
     }
     const char* const bad[][2] = {{nullptr, "r"}, {"exit 0", nullptr}, {"exit 0", "x"}};

@@ -31,11 +31,6 @@ std::intptr_t find_first(const char* path) {
     return reinterpret_cast<std::intptr_t>(UTF8_FindFirstFile(path, &data, name));
 }
 
-// Stands for a conversion that fails and for a block that is refused.
-std::intptr_t nothing() {
-    errno = ENOMEM;
-    return 0;
-}
 void WINAPI disturbing_free(BSTR text) {
     SysFreeString(text);
     errno = 88;
@@ -90,7 +85,7 @@ TEST(Utf8FilesTest, EachCallReportsEachFailureInItsOwnWay) {
     };
     check_all("null", false, true);
     for (const char* refused : {"MultiByteToWideChar", "calloc"}) {
-        ImportPatch patch(refused, nothing);
+        ImportPatch patch(refused, util_test::fails<0, 0, ENOMEM>);
         check_all(refused, false);
     }
     ImportPatch patch("SysFreeString", disturbing_free);
@@ -169,7 +164,7 @@ TEST(Utf8FindTest, NameThatCannotBeConvertedLeavesNoNewSearchOpen) {
     void* search = UTF8_FindFirstFile(pattern.c_str(), &data, name);
     const long before = handle_count();
     {
-        ImportPatch patch("WideCharToMultiByte", nothing);
+        ImportPatch patch("WideCharToMultiByte", util_test::fails<0>);
         EXPECT_EQ(find_first(pattern.c_str()), -1);
         EXPECT_EQ(GetLastError(), DWORD(ERROR_INVALID_NAME));
         SetLastError(77);

@@ -31,11 +31,6 @@ int spy(char* buffer, size_t size, size_t count, const char* fmt, _locale_t loca
     return real_formatter(buffer, size, count, fmt, locale, args);
 }
 
-// For a text of more than INT_MAX bytes.
-int uncountable(const char*, _locale_t, va_list) {
-    return -1;
-}
-
 void* failing_new(size_t) {
     throw std::bad_alloc();
 }
@@ -112,7 +107,7 @@ TEST_F(FormatGrowthTest, FailuresLeaveTheLockFreeAndTheSizeAsItWas) {
     };
     raises_with("_Znay", failing_new, grow);
     raises_with("_Znay", failing_new, grow_plainly);
-    raises_with("_vscprintf_l", uncountable, grow);
+    raises_with("_vscprintf_l", util_test::fails<-1>, grow);  // more than INT_MAX bytes
     String text;
     std::thread([&] { text = String::format("%d", 42); }).join();
     EXPECT_EQ(text, "42");
