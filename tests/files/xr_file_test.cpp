@@ -281,6 +281,7 @@ TEST_F(XrFileTest, ReadingAheadEqualsReadingByteByByte) {
         ASSERT_EQ(sharing.Tell(), _lseek(plain, 0, SEEK_CUR)) << "seen through a shared position";
     }
     EXPECT_TRUE(ahead.Error() && ahead.isValid()) << "a last line without an end is a failure";
+    EXPECT_FALSE(open("x").Readln(nullptr, 5));
     _close(plain);
 }
 
