@@ -1,11 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <string>
 
-#include "support/built_file.h"
+#include "support/program_output.h"
 #include "support/scratch_directory.h"
 
 namespace {
@@ -25,15 +24,6 @@ std::string block(const std::string& page, const std::string& language) {
     return page.substr(begin + fence.size(), end + 1 - begin - fence.size());
 }
 
-std::string output_of(const std::string& program) {
-    FILE* pipe = _popen(("\"" + program + "\"").c_str(), "r");
-    std::string output;
-    for (int c; (c = std::fgetc(pipe)) != EOF;)
-        output += static_cast<char>(c);
-    EXPECT_EQ(_pclose(pipe), 0) << program;
-    return output;
-}
-
 class GuidePageTest : public testing::TestWithParam<const char*> {};
 
 // A page shows the program that is compiled, and what that prints.
@@ -44,10 +34,9 @@ TEST_P(GuidePageTest, ShowsWhatIsCompiledAndWhatThatPrints) {
         content(root + (name == "readme" ? "/README" : "/docs/" + name) + ".md");
     EXPECT_EQ(block(page, "cpp"), content(root + "/examples/guide/" + name + ".cpp"));
 
-    const std::string program = util_test::built_file("guide_" + name + ".exe");
     util_test::ScratchDirectory scratch;
     SetCurrentDirectoryA(scratch.path().c_str());
-    EXPECT_EQ(output_of(program), block(page, "text"));
+    EXPECT_EQ(util_test::output_of("guide_" + name + ".exe"), block(page, "text"));
 }
 
 TEST(GuideTest, ShowsTheManifestThatTheVersionTestsUse) {

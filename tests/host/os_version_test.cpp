@@ -2,24 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 
-#include "support/built_file.h"
 #include "support/import_patch.h"
+#include "support/program_output.h"
 
 using util_test::ImportPatch;
 
 namespace {
-
-std::string probe(const std::string& program) {
-    std::string line(200, '\0');
-    FILE* output = _popen(("\"" + util_test::built_file(program) + "\"").c_str(), "rb");
-    line.resize(output ? std::fread(line.data(), 1, line.size(), output) : 0);
-    if (output) _pclose(output);
-    return line.substr(0, line.find_last_not_of("\r\n") + 1);
-}
 
 // Wine shows a program the Windows that is set for its name; Windows itself has no such setting.
 TEST(OsVersionTest, NamesTheWindowsThatTheSystemShows) {
@@ -46,7 +37,7 @@ TEST(OsVersionTest, NamesTheWindowsThatTheSystemShows) {
         const std::string key = std::string("Software\\Wine\\AppDefaults\\") + c.program;
         RegSetKeyValueA(HKEY_CURRENT_USER, key.c_str(), "Version", REG_SZ, c.version,
                         static_cast<DWORD>(std::strlen(c.version) + 1));
-        EXPECT_EQ(probe(c.program), c.line) << c.version;
+        EXPECT_EQ(util_test::output_of(c.program), std::string(c.line) + "\n") << c.version;
         RegDeleteTreeA(HKEY_CURRENT_USER, key.c_str());
     }
 }
