@@ -144,12 +144,16 @@ TEST_F(XrDirectoryTest, OnlyPathsThatMayBeTooLongNeedTheStatusCall) {
     const std::string long_name(200, 'd');
     m_scratch.directory(long_name);
     m_scratch.file(long_name + "\\" + std::string(200, 'f'));
-    const std::pair<std::string, bool> cases[] = {
-        {m_scratch.path(), false}, {".", true}, {m_scratch / long_name, true}};
+    const std::string path = m_scratch.path();
+    const std::pair<std::string, bool> cases[] = {{path, false},
+                                                  {path.substr(0, 2) + "/" + path.substr(3), false},
+                                                  {"\\\\?\\" + path, true},
+                                                  {".", true},
+                                                  {m_scratch / long_name, true}};
     const ImportPatch no_status("_wstat64", fails<-1>);
-    for (const auto& [path, called] : cases) {
-        XrDirectory directory(path);
-        EXPECT_EQ((*directory.getDirectoryList(false, false))[0]->getMode() == 0, called) << path;
+    for (const auto& [listed, called] : cases) {
+        XrDirectory directory(listed);
+        EXPECT_EQ((*directory.getDirectoryList(false, false))[0]->getMode() == 0, called) << listed;
     }
 }
 
