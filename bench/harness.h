@@ -3,11 +3,10 @@
 // The method. An operation has several variants: the limit (the least that any implementation
 // must do), the library, its peers, and the plain algorithm. A round runs every variant once, for
 // some milliseconds each, and starts with another variant than the round before; there are eleven
-// rounds at least, and for short operations some dozens. What the machine
-// does meanwhile (a clock that changes, a neighbour's work) then meets all variants of a round
-// alike, so the quotient of two variants is taken within a round; the ratio that is reported is the
-// median of these quotients over all rounds. Figures in nanoseconds move with the machine; the
-// ratios are what counts.
+// rounds at least, and as many as a second allows. What the machine does meanwhile (a clock that
+// changes, a neighbour's work) then meets all variants of a round alike, so the quotient of two
+// variants is taken within a round; the ratio that is reported is the median of these quotients
+// over all rounds. Figures in nanoseconds move with the machine; the ratios are what counts.
 #ifndef UTIL_BENCH_HARNESS_H
 #define UTIL_BENCH_HARNESS_H
 
@@ -80,7 +79,8 @@ class Operation {
         return *this;
     }
 
-    // The limit on twice the input, which shows what the machine's caches do to any implementation.
+    // The limit, which comes first, on twice the input. It shows what the machine's caches do to
+    // any implementation.
     template <class Body>
     Operation& doubled_limit(Body body) {
         return add(Role::described, m_variants.front().name + ", twice the size", std::move(body));

@@ -118,7 +118,8 @@ def remarks():
 def reason(operation, verdict, why):
     limit = operation.limit()
     doubled_limit = operation.ratios.get((f"{limit}, twice the size", limit))
-    if verdict[0] == "util, twice the size" and doubled_limit:
+    subject, _, at_most, *_ = verdict
+    if subject == "util, twice the size" and doubled_limit and doubled_limit > at_most:
         return f"the limit, {limit}, takes {times(doubled_limit)} for twice the size"
     for platform in (operation.platform, "both"):
         if (platform, operation.name) in why:
@@ -158,6 +159,9 @@ def page(platforms, memory):
     yield "rounds' quotients ([bench/harness.h](../bench/harness.h) explains it). Times move with the machine,"
     yield "ratios hardly. A ratio below 1 means that util takes less time. A bar is the ratio that the"
     yield "library sets itself; \"0.50 of 0.60 × P\" reads: takes 0.50 of the time of P, may take 0.60."
+    yield ""
+    yield "The native half runs without the C library's copies by one instruction of the processor, whose"
+    yield "speed depends on where blocks happen to lie (GLIBC_TUNABLES in `dev`)."
     yield ""
     yield f"Measured on: {processor()}; {first_line('g++', '--version')}; {first_line('wine', '--version')}."
     yield f"{len(operations)} operations, {len(bars)} bars, {len(bars) - len(short)} met."

@@ -110,6 +110,23 @@ void replace_all(const char* name, std::size_t every, const Bars& bars) {
     run(operation);
 }
 
+// Texts as most are: a path, in which a directory is renamed.
+void replace_short() {
+    const std::string text = "\\\\server01\\share\\service\\bin";
+    const String subject(text);
+    Operation operation("replace, 26 bytes");
+    operation.limit("copy", [&] { keep(std::string(text)); })
+        .library([&] { keep(subject.replace("share", "volume")); })
+        .peer("boost::replace_all_copy",
+              [&] { keep(boost::replace_all_copy(text, "share", "volume")); });
+#ifndef _WIN32
+    operation.peer("absl::StrReplaceAll", [&] {
+        keep(absl::StrReplaceAll(text, {{"share", "volume"}}));
+    });
+#endif
+    run(operation);
+}
+
 std::string escaped_in_passes(std::string text) {
     for (const auto& [character, entity] :
          {std::pair{"&", "&amp;"}, {"<", "&lt;"}, {">", "&gt;"}, {"\"", "&quot;"}, {"'", "&apos;"}})
@@ -236,6 +253,7 @@ const bench::Section section("3 Searching, replacing and escaping", [] {
     replace_all("every 100 KB", 100 << 10, {2.05, 0.25});
     replace_all("every 64 bytes", 64, {4.5, 0.25});
 #endif
+    replace_short();
     const std::vector<std::string> specials = {"&", "<", ">", "\"", "'"};
     const std::vector<std::string> entities = {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"};
     escape("40 bytes", "copy \"C:\\a & b\" to <server>'s own shares", {1.8, 0, 0.85});

@@ -174,6 +174,8 @@ TEST(FormatTest, PrintsWhatTheRuntimePrints) {
         const auto blanks = static_cast<std::uint64_t>(size - 1);
         EXPECT_TRUE(String::format("%*s", size, "x") == String(blanks, ' ') + 'x') << size;
     }
+    const std::string large(400000, 'x');  // beyond the buffer, and then beyond its end
+    EXPECT_EQ(String::format("%s%s%s", large.c_str(), large.c_str(), "y"), large + large + "y");
     EXPECT_EQ(String::format("%d", 5), "5");
 }
 

@@ -16,13 +16,11 @@ TEST(PageEndTest, TextsAreReadUpToTheirNul) {
         static_cast<char*>(VirtualAlloc(nullptr, 2 * page, MEM_RESERVE, PAGE_NOACCESS));
     ASSERT_NE(memory, nullptr);
     ASSERT_NE(VirtualAlloc(memory, page, MEM_COMMIT, PAGE_READWRITE), nullptr);
-    const char* const end = memory + page;
 
     for (std::size_t size = 0; size < 200; ++size) {
         const std::string expected(size, 'x');
         char* const text = memory + page - size - 1;
         std::memcpy(text, expected.c_str(), size + 1);
-        ASSERT_EQ(text + size + 1, end);
         EXPECT_EQ(String(text), expected);
         EXPECT_EQ(String::format("%s", text), expected);
         EXPECT_EQ(String::format(text), expected);

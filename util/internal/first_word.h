@@ -2,19 +2,22 @@
 #ifndef UTIL_INTERNAL_FIRST_WORD_H
 #define UTIL_INTERNAL_FIRST_WORD_H
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
 
 namespace util {
 
-// The first bytes of text as a number, the first one lowest; zeros behind its end.
+// The first bytes of text as a number, the first one lowest; zeros behind its end. Byte by byte
+// where it is short: copying so few is a call.
 inline std::uint64_t first_word(std::string_view text) {
     std::uint64_t word = 0;
     if (text.size() >= sizeof word) {
         std::memcpy(&word, text.data(), sizeof word);
     } else {
-        std::memcpy(&word, text.data(), text.size());
+        for (std::size_t i = text.size(); i-- > 0;)
+            word = word << 8 | static_cast<unsigned char>(text[i]);
     }
     return word;
 }

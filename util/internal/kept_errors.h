@@ -19,7 +19,7 @@ class KeptLastError {
         SetLastError(m_last_error);
     }
 #else
-    KeptLastError() {}
+    KeptLastError() {}  // not defaulted, lest an object be taken for unused
 #endif
     KeptLastError(const KeptLastError&) = delete;
     KeptLastError& operator=(const KeptLastError&) = delete;

@@ -30,13 +30,11 @@ class Needle {
         if (text.size() < sizeof m_mask) m_mask = (std::uint64_t{1} << 8 * text.size()) - 1;
     }
 
-    // How many bytes agree, in a text that is as long at least: all of them where it stands there.
-    std::size_t agreeing(std::string_view there) const {
-        const std::uint64_t difference = (first_word(there) ^ m_word) & m_mask;
-        if (difference != 0) return lowest_bit(difference) / 8;
-        if (m_text.size() <= sizeof m_word) return m_text.size();
-        if (std::memcmp(there.data(), m_text.data(), m_text.size()) == 0) return m_text.size();
-        return common_length(there.data(), m_text);
+    // Whether a text that is as long at least begins with it.
+    bool begins(std::string_view there) const {
+        if (((first_word(there) ^ m_word) & m_mask) != 0) return false;
+        return m_text.size() <= sizeof m_word ||
+               std::memcmp(there.data(), m_text.data(), m_text.size()) == 0;
     }
 
   private:
@@ -81,13 +79,12 @@ void each_occurrence(std::string_view text, std::string_view what, std::size_t p
         for (; bits != 0; bits &= bits - 1) {
             const std::size_t at = line + lowest_bit(bits);
             if (at < next) continue;
-            const std::size_t agreeing = needle.agreeing(text.substr(at));
-            if (agreeing == what.size()) {
+            if (needle.begins(text.substr(at))) {
                 if (!take(at)) return;
                 next = at + what.size();
                 continue;
             }
-            wasted += agreeing;
+            wasted += common_length(text.data() + at, what);
             if (wasted > at - pos + allowance) {
                 return each_in_repetitive(text, what, at + 1, take);
             }
@@ -95,15 +92,13 @@ void each_occurrence(std::string_view text, std::string_view what, std::size_t p
     }
 }
 
-// The places where what, which is not empty, begins, each behind the end of the one before it. May
-// raise std::bad_alloc.
-inline Places occurrences(std::string_view text, std::string_view what) {
-    Places places(text.size());
+// Adds the places of a text where what, which is not empty, begins, each behind the end of the one
+// before it. May raise std::bad_alloc.
+inline void add_occurrences(std::string_view text, std::string_view what, Places& places) {
     each_occurrence(text, what, 0, [&](std::size_t at) {
         places.add(at);
         return true;
     });
-    return places;
 }
 
 }  // namespace util

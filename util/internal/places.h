@@ -18,65 +18,62 @@ namespace util {
 class Places {
   public:
     // None yet, in a text of this size. Both may raise std::bad_alloc.
-    explicit Places(std::size_t text_size) : m_lines((text_size + line_size - 1) / line_size) {
-        if (m_lines > near_lines) m_far.reset(new std::uint64_t[m_lines]);
-        std::fill_n(bits(), m_lines, 0);
+    explicit Places(std::size_t text_size) : Places(text_size, unset) {
+        std::fill_n(m_bits, m_lines, 0);
     }
     // Those of the bytes of a set.
-    Places(std::string_view text, const kernels::Members& set)
-        : m_lines((text.size() + line_size - 1) / line_size) {
-        if (m_lines > near_lines) m_far.reset(new std::uint64_t[m_lines]);
-        std::uint64_t* line = bits();
+    Places(std::string_view text, const kernels::Members& set) : Places(text.size(), unset) {
+        std::uint64_t* next = m_bits;
         set.for_each_line(text, [&](std::uint64_t bits) {
             m_empty = m_empty && bits == 0;
-            *line++ = bits;
+            *next++ = bits;
         });
     }
+    Places(const Places&) = delete;
+    Places& operator=(const Places&) = delete;
 
     void add(std::size_t place) {
         m_empty = false;
-        bits()[place / line_size] |= std::uint64_t{1} << place % line_size;
+        m_bits[place / line_size] |= std::uint64_t{1} << place % line_size;
     }
 
     bool empty() const { return m_empty; }
     std::size_t count() const {
         std::size_t count = 0;
-        for_each_line([&](std::size_t, std::uint64_t bits) { count += bit_count(bits); });
+        for (std::size_t i = 0; i < m_lines; ++i) {
+            if (m_bits[i] != 0) count += bit_count(m_bits[i]);
+        }
         return count;
     }
 
     // As many lines of 64 bytes as the text has, the last of which may have fewer. Bits: the one of
     // the first byte is the lowest.
     std::size_t lines() const { return m_lines; }
-    std::uint64_t line(std::size_t line) const { return bits()[line]; }
-
-    // Calls take(begin, bits) for each line with a place, where begin is that of its first byte.
-    template <typename Take>
-    void for_each_line(Take take) const {
-        const std::uint64_t* const lines = bits();
-        for (std::size_t i = 0; i < m_lines; ++i) {
-            if (lines[i] != 0) take(i * line_size, lines[i]);
-        }
-    }
+    std::uint64_t line(std::size_t index) const { return m_bits[index]; }
 
     // Calls take(place) for each, from left to right.
     template <typename Take>
     void for_each(Take take) const {
-        for_each_line([&](std::size_t begin, std::uint64_t bits) {
-            for (; bits != 0; bits &= bits - 1)
-                take(begin + lowest_bit(bits));
-        });
+        for (std::size_t i = 0; i < m_lines; ++i) {
+            for (std::uint64_t bits = m_bits[i]; bits != 0; bits &= bits - 1)
+                take(i * line_size + lowest_bit(bits));
+        }
     }
 
   private:
     static constexpr std::size_t near_lines = 64;
 
-    std::uint64_t* bits() { return m_far ? m_far.get() : m_near; }
-    const std::uint64_t* bits() const { return m_far ? m_far.get() : m_near; }
+    enum Unset { unset };  // the bits are to be written
 
-    std::size_t m_lines;
+    Places(std::size_t text_size, Unset)
+        : m_lines((text_size + line_size - 1) / line_size),
+          m_far(m_lines > near_lines ? new std::uint64_t[m_lines] : nullptr),
+          m_bits(m_far ? m_far.get() : m_near) {}
+
+    const std::size_t m_lines;
     bool m_empty = true;
-    std::unique_ptr<std::uint64_t[]> m_far;
+    const std::unique_ptr<std::uint64_t[]> m_far;
+    std::uint64_t* const m_bits;
     std::uint64_t m_near[near_lines];
 };
 

@@ -20,7 +20,9 @@ class TextWriter {
     static constexpr std::size_t large_block = 4 * block;
 
     // May raise std::bad_alloc.
-    explicit TextWriter(std::size_t size) { m_text.reserve(size); }
+    explicit TextWriter(std::size_t size) {
+        if (size > gathered_most - large_block) m_text.reserve(size);
+    }
 
     // The first size bytes of text, which may go on behind them: that is where a block may end.
     void put(std::string_view text, std::size_t size) {

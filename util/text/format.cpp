@@ -142,7 +142,7 @@ class FormatBuffer {
     void resize(std::size_t size) {
         // Without the padding a result may come to lie a multiple of 4096 and a few bytes behind
         // the buffer, where processors take every load of the copy to depend on its last stores.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef UTIL_SANITIZED
         constexpr std::size_t padding = 0;  // which would hide a step beyond the end
 #else
         constexpr std::size_t padding = 64;

@@ -20,8 +20,8 @@ class Output {
         m_length += piece.size();
     }
     void put_text(const char* text) {
-        const std::size_t space = m_length < m_size ? m_size - m_length : 0;
-        m_length += kernels::copy_text(text, m_space + m_length, space);
+        const std::size_t at = std::min(m_length, m_size);
+        m_length += kernels::copy_text(text, m_space + at, m_size - at);
     }
     void put(char c) {
         if (c == '\0' && m_first_nul == npos) m_first_nul = m_length;

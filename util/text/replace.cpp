@@ -6,7 +6,9 @@
 namespace {
 
 std::string all_replaced(std::string_view text, std::string_view what, std::string_view with) {
-    const util::Places places = util::occurrences(text, what);
+    util::Places places(text.size());
+    util::add_occurrences(text, what, places);
+    if (places.empty()) return std::string(text);
     const std::size_t count = places.count();
     // First what goes and then what comes, so that no step is negative.
     util::TextWriter result(text.size() - count * what.size() + count * with.size());

@@ -54,7 +54,8 @@ std::vector<String> String::split_by_tag(const String& tag) const {
         pieces.push_back(*this);
         return pieces;
     }
-    const util::Places tags = util::occurrences(view(), tag.view());
+    util::Places tags(size());
+    util::add_occurrences(view(), tag.view(), tags);
     pieces.reserve(tags.count() + 1);
     std::size_t begin = 0;
     tags.for_each([&](std::size_t at) {

@@ -1,7 +1,6 @@
 #include <array>
 #include <cstdint>
-#include <cstring>
-#include <utility>
+#include <iterator>
 
 #include "util/internal/find_text.h"
 #include "util/internal/first_word.h"
@@ -114,10 +113,11 @@ String String::replaceXML() {
     const std::string_view inside = visible_inside(view());
     const util::Places places(inside, specials);
 
-    if (places.empty() && inside.size() + 2 * quotes == size()) return *this;
+    const std::size_t visible_size = inside.size() + 2 * quotes;
+    if (places.empty() && visible_size == size()) return *this;
 
     // Counting first lets the result be allocated once, at its size.
-    std::size_t escaped_size = inside.size() + 2 * quotes;
+    std::size_t escaped_size = visible_size;
     places.for_each([&](std::size_t at) {
         escaped_size += WrittenBytes::size(written_bytes.word(inside[at])) - 1;
     });
@@ -146,11 +146,11 @@ String String::placeXML() {
     static const util::kernels::Members ampersand("&");
     const std::size_t quotes = has_outer_quotes(view()) ? 1 : 0;
     const std::string_view inside = visible_inside(view());
-    const bool whole = inside.size() + 2 * quotes == size();  // nothing behind a NUL
-    if (whole && util::find_byte(inside, '&') == npos) return *this;
+    const std::size_t visible_size = inside.size() + 2 * quotes;
+    if (visible_size == size() && util::find_byte(inside, '&') == npos) return *this;
 
     const util::Places places(inside, ampersand);
-    util::TextWriter decoded(size());  // no entity is shorter than its character
+    util::TextWriter decoded(visible_size);  // no entity is shorter than its character
     decoded.put("\"", quotes);
     std::size_t begin = 0;
     places.for_each([&](std::size_t at) {
