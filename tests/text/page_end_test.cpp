@@ -23,7 +23,7 @@ TEST(PageEndTest, TextsAreReadUpToTheirNul) {
         std::memcpy(text, expected.c_str(), size + 1);
         EXPECT_EQ(String(text), expected);
         EXPECT_EQ(String::format("%s", text), expected);
-        EXPECT_EQ(String::format(text), expected);
+        EXPECT_EQ(String::format(text, ""), expected);
         EXPECT_EQ(String("-").replace("-", text), expected);
         EXPECT_EQ(ksl_strcasecmp(text, expected.c_str()), 0);
     }
