@@ -167,12 +167,12 @@ bool cannot_fail(const std::string& name) {
         "___lc_codepage_func ___mb_cur_max_func __iob_func _errno localeconv strerror "
         "GetModuleHandleW TlsGetValue",
         // look at memory, move it, or give it back
-        "SysFreeString __WSAFDIsSet __popcountdi2 free memchr memcmp memcpy memmove memset strchr "
+        "SysFreeString __WSAFDIsSet free memchr memcmp memcpy memmove memset strchr "
         "strlen strncmp "
         "strstr "
         "wcscmp wcslen wcsrchr _wcsicmp",
         // locks and events: a failure would be a mistake in using them
-        "DeleteCriticalSection EnterCriticalSection InitializeCriticalSection LeaveCriticalSection "
+        "DeleteCriticalSection EnterCriticalSection InitializeCriticalSection LeaveCriticalSection",
         "SetEvent _lock _unlock pthread_mutex_destroy pthread_mutex_init pthread_mutex_unlock",
         // printing: nobody is told when a diagnostic cannot be printed
         "fputc fwrite perror vfprintf",
