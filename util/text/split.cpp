@@ -6,7 +6,8 @@
 
 namespace {
 
-// Of the size bytes, those between two separators: none of them, and behind one or at the start.
+// How many fields of a text of that size are not empty: each begins with a byte that is no
+// separator and stands behind one, or at the start.
 std::size_t count_filled(const util::Places& separators, std::size_t size) {
     std::size_t filled = 0;
     std::uint64_t after_separator = 1;
