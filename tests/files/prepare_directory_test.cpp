@@ -11,6 +11,7 @@
 #include "util/files/xr_directory.h"
 #include "util/files/xr_file.h"
 
+using namespace std::string_literals;
 using util_test::ImportPatch;
 using util_test::SecondProcess;
 using util_test::Signal;
@@ -122,6 +123,80 @@ TEST_F(PrepareDirectoryTest, SaysWhatWhereAndWhy) {
     String path = "in-out";
     EXPECT_EQ(UTIL_prepareAndCreateDir(path, m_message, ".", path, nullptr), 0u);
     EXPECT_TRUE(XrDirectory::IsDirectory("in-out")) << "read before it is told";
+}
+
+// What becomes of the next writes: how many bytes are moved, and with which code. Later ones are
+// real, each right after another process has appended a byte.
+struct Write {
+    DWORD moved, code;
+};
+std::vector<Write> writes;
+util::KernelHandle rival;
+BOOL WINAPI write_as_told(HANDLE file, const void* data, DWORD size, DWORD* moved, OVERLAPPED* at) {
+    if (writes.empty()) {
+        WriteFile(rival.get(), "!", 1, moved, nullptr);
+        return WriteFile(file, data, size, moved, at);
+    }
+    const Write told = writes.front();
+    writes.erase(writes.begin());
+    WriteFile(file, data, told.moved, moved, at);
+    SetLastError(told.code);
+    return told.code == 0;
+}
+
+HANDLE open_shared(const std::string& path, DWORD access) {
+    return CreateFileA(path.c_str(), access, 7, nullptr, OPEN_EXISTING, 0, nullptr);
+}
+
+// Locks the whole tracking file, as anyone may who can read it, until that many pauses were made.
+util::KernelHandle reader;
+int pauses, pauses_to_release;
+void WINAPI release_later(DWORD milliseconds) {
+    EXPECT_EQ(milliseconds, 10u);
+    if (++pauses == pauses_to_release) reader.reset();
+}
+
+TEST_F(PrepareDirectoryTest, RecordsWhatItCanAndWaitsForLocksOnlySoLong) {
+    const std::string y = "!5\0x\\y\\\0"s, z = "!7\0x\\y\\z\\\0"s;
+    const std::string all = "!3\0x\\\0"s + y + z, torn = "3\0x"s;
+    const Write locked = {0, ERROR_LOCK_VIOLATION};
+    const struct {
+        std::vector<Write> writes;
+        int release;  // the reader's lock goes after so many pauses; 0: it takes none
+        std::string recorded;
+        int pauses;
+    } cases[] = {
+        {{}, 0, all, 0},
+        {{{0, ERROR_DISK_FULL}}, 0, y + z, 0},
+        {{{3, ERROR_DISK_FULL}}, 0, torn, 0},
+        {{{3, 0}}, 0, torn, 0},
+        {{locked, locked}, 0, all, 2},
+        {{{3, ERROR_LOCK_VIOLATION}}, 0, torn, 0},
+        {{}, 5, all, 5},
+        {{}, 1000, all, 200},
+        {{locked}, 1000, y + z, 200},
+    };
+    const ImportPatch write("WriteFile", write_as_told), sleep("Sleep", release_later);
+    int number = 0;
+    for (const auto& c : cases) {
+        const std::string name = "record" + std::to_string(number);
+        const std::string tracking = m_scratch.file(name);
+        SetCurrentDirectoryA(m_scratch.directory(std::to_string(number++)).c_str());
+        if (c.release != 0) {
+            reader.reset(open_shared(tracking, GENERIC_READ));
+            OVERLAPPED start = {};
+            ASSERT_TRUE(LockFileEx(reader.get(), 0, 0, MAXDWORD, MAXDWORD, &start));
+        }
+        rival.reset(open_shared(tracking, FILE_APPEND_DATA));
+        writes = c.writes;
+        pauses = 0;
+        pauses_to_release = c.release;
+        EXPECT_EQ(prepare("x\\y\\z", tracking), 0u);
+        reader.reset();
+        rival.reset();
+        EXPECT_EQ(m_scratch.read(name), c.recorded) << name;
+        EXPECT_EQ(pauses, c.pauses) << name;
+    }
 }
 
 TEST_F(PrepareDirectoryTest, TwoProcessesAtOnceRecordEachDirectoryOnce) {

@@ -2,8 +2,8 @@
 // the second.
 //
 //     files_child prepare READY GO RECORD PREFIX COUNT SUFFIX
-//         when GO: prepares PREFIX 0 SUFFIX, PREFIX 1 SUFFIX, ..., pausing before the runtime's
-//         every write; exits with the first failure
+//         when GO: prepares PREFIX 0 SUFFIX, PREFIX 1 SUFFIX, ..., pausing before every write of a
+//         record; exits with 1 on failure and 2 if a record is written without the turn
 //     files_child lock READY GO DIRECTORY
 //         takes the lock, then READY; when GO: gives it back
 //     files_child count READY GO DIRECTORY FILE ROUNDS
@@ -17,13 +17,21 @@
 
 namespace {
 
+bool wrote_without_turn;
+
+// The turn is a lock on this byte, also in every earlier version of the library.
 BOOL WINAPI late_write(HANDLE file, const void* data, DWORD size, DWORD* written, OVERLAPPED* at) {
+    OVERLAPPED turn = {};
+    turn.Offset = MAXDWORD;
+    turn.OffsetHigh = MAXLONG;
+    constexpr DWORD at_once = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+    wrote_without_turn |= LockFileEx(file, at_once, 0, 1, 0, &turn) != 0;
     Sleep(1);
     return WriteFile(file, data, size, written, at);
 }
 
 int prepare(const char* record, const std::string& prefix, int count, const char* suffix) {
-    const util_test::ImportPatch patch("msvcrt.dll", "WriteFile", late_write);
+    const util_test::ImportPatch patch("WriteFile", late_write);
     for (int i = 0; i < count; ++i) {
         String message, failed;
         int kind = 0;
@@ -31,7 +39,7 @@ int prepare(const char* record, const std::string& prefix, int count, const char
                                                               message, record, failed, &kind);
         if (result != 0 || kind != 0) return 1;
     }
-    return 0;
+    return wrote_without_turn ? 2 : 0;
 }
 
 int count(const char* directory, const char* file, int rounds) {

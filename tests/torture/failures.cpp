@@ -28,6 +28,8 @@ const std::vector<Failure> failures = {
     {"RemoveDirectoryW", 0, ERROR_DIR_NOT_EMPTY, 0, instead},
     {"SHCreateDirectoryExA", ERROR_ACCESS_DENIED, 0, 0, instead},
     {"UnlockFileEx", 0, ERROR_NOT_LOCKED, 0, working},
+    {"WriteFile", 0, ERROR_DISK_FULL, 0, instead},
+    {"WriteFile", 0, ERROR_LOCK_VIOLATION, 0, instead},
     // the runtime's files
     {"_close", -1, ERROR_INVALID_HANDLE, EBADF, working},
     {"_dup", -1, ERROR_TOO_MANY_OPEN_FILES, EMFILE, instead},

@@ -39,7 +39,7 @@ void prepare(Run& run, const String& path, const String& record) {
     if (result == 0 && !Run::failing("CreateFileW"))
         run.always(run.exists("x\\y"), "success without a directory");
     // What was made is recorded, however the call ended; but for a record that cannot be written.
-    if (record.empty() || kind == 1 || Run::failing("_write") || Run::failing("_wopen")) return;
+    if (record.empty() || kind == 1 || Run::failing("WriteFile")) return;
     const std::string records = run.exists("record") ? run.scratch.read("record") : "";
     const auto made = long(run.exists("x")) + long(run.exists("x\\y"));
     run.always(std::count(records.begin(), records.end(), '\0') == 2 * made, "the record");

@@ -6,7 +6,6 @@
 #include "util/files/create_directory.h"
 #include "util/files/wide_path.h"
 #include "util/files/xr_directory.h"
-#include "util/files/xr_file.h"
 #include "util/internal/error_text.h"
 #include "util/internal/scoped_handle.h"
 #include "util/internal/windows.h"
@@ -48,43 +47,68 @@ class Report {
     int* m_kind;
 };
 
-// The tracking file. The runtime appends in two steps, a seek and a write, between which another
-// process may append; so writers take turns by a lock on a byte far behind all records.
+// The tracking file, opened as the runtime's mode "a" opens a file. Processes append in turns: the
+// turn is a lock on one byte far after all records. Windows appends atomically even without a turn;
+// other platforms and some servers look for the end first and write then.
+//
+// Whoever may read the file can lock it as a whole, so the wait for a turn must be limited.
 class CreationRecord {
   public:
     bool open(const String& path) {
-        if (m_file.Open(path.str(), "a") != 0) return false;
-        m_turns.reset(CreateFileW(util::wide_path(path).c_str(), GENERIC_WRITE,
-                                  FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr));
-        return true;
+        m_file.reset(CreateFileW(util::wide_path(path).c_str(), GENERIC_WRITE,
+                                 FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                                 FILE_ATTRIBUTE_NORMAL, nullptr));
+        return static_cast<bool>(m_file);
     }
 
-    // Forms the record of a directory that is about to be created, so that its creation is followed
-    // by nothing that could want memory. What is created ends at the first NUL, and so does this.
+    // Forms the record of a directory that is about to be created, so that no allocation can fail
+    // between the creation and the append. The created path ends at the first NUL, and so does the
+    // record.
     void prepare(const String& directory) {
         const std::string_view created = directory.c_str();
         m_bytes = std::to_string(created.size() + 1);
         m_bytes.append(1, '\0').append(created).append(1, '\0');
     }
 
-    // Nothing is appended behind a record that could not be written whole: it would be misread.
     void append() {
-        if (!m_file.isValid() || m_file.Error()) return;
-        OVERLAPPED turn = {};
-        turn.Offset = MAXDWORD;
-        turn.OffsetHigh = MAXLONG;
-        // Where the file system knows no locks, a record without its turn is better than none.
-        const bool locked =
-            m_turns && LockFileEx(m_turns.get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &turn);
-        m_file.Write(m_bytes.data(), m_bytes.size());
-        if (locked) UnlockFileEx(m_turns.get(), 0, 1, 0, &turn);
+        if (!m_file || m_torn) return;
+        while (!try_to_append() && m_pauses_left > 0) {
+            --m_pauses_left;
+            Sleep(pause_ms);
+        }
     }
 
   private:
-    XrFile m_file;
-    util::KernelHandle m_turns;
+    // Two to three seconds for all records together; a pause may last 16 ms.
+    static constexpr int most_pauses = 200;
+    static constexpr DWORD pause_ms = 10;
+
+    // False when nothing was written because another process holds a lock.
+    bool try_to_append() {
+        OVERLAPPED turn = {};
+        turn.Offset = MAXDWORD;
+        turn.OffsetHigh = MAXLONG;
+        const bool has_turn =
+            LockFileEx(m_file.get(), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0,
+                       &turn) != 0;
+        // A file system without locks gives another code: then a record without a turn is best.
+        if (!has_turn && GetLastError() == ERROR_LOCK_VIOLATION && m_pauses_left > 0) return false;
+        OVERLAPPED end = {};
+        end.Offset = end.OffsetHigh = MAXDWORD;
+        DWORD moved = 0;
+        const bool succeeded = WriteFile(m_file.get(), m_bytes.data(),
+                                         static_cast<DWORD>(m_bytes.size()), &moved, &end) != 0;
+        const bool is_locked = !succeeded && GetLastError() == ERROR_LOCK_VIOLATION;
+        if (has_turn) UnlockFileEx(m_file.get(), 0, 1, 0, &turn);
+        // A reader would take what follows half a record for the rest of it.
+        m_torn = moved != 0 && moved != m_bytes.size();
+        return moved != 0 || !is_locked;
+    }
+
+    util::KernelHandle m_file;
     std::string m_bytes;
+    int m_pauses_left = most_pauses;
+    bool m_torn = false;
 };
 
 // Creates what each backslash ends. Returns 0, or the code that stopped it with the last error
