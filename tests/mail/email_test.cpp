@@ -236,6 +236,12 @@ int second_write(int fd, const void* bytes, unsigned count) {
 int short_write(int fd, const void* bytes, unsigned count) {
     return _write(fd, bytes, fails() ? count / 2 : count);  // and errno tells nothing
 }
+int second_close(int fd) {
+    const int result = _close(fd);
+    if (!fails()) return result;
+    errno = ENOSPC;  // some disks find out here
+    return -1;
+}
 int second_rename(const char* from, const char* to) {
     if (!fails()) return std::rename(from, to);
     errno = EACCES;
@@ -254,6 +260,7 @@ TEST_F(SendMailTest, ARecipientsFailureCountsOnlyWhenItIsTheLast) {
          whole.substr(0, whole.size() / 2)},
         {"_write", reinterpret_cast<Function>(short_write), "Unable to open the file ",
          whole.substr(0, whole.size() / 2)},
+        {"_close", reinterpret_cast<Function>(second_close), "Unable to open the file ", whole},
         {"rename", reinterpret_cast<Function>(second_rename), "", whole},
     };
     for (const auto& f : failures) {

@@ -114,8 +114,7 @@ Drop drop_message(const std::string& file, const std::string& directory) {
         if (rename_file(file, target) == 0) return Drop::done;
         if (errno != EEXIST) return Drop::not_moved;
     }
-    SetLastError(ERROR_FILE_EXISTS);
-    return Drop::no_name;
+    return Drop::not_moved;
 }
 
 }  // namespace util

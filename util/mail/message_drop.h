@@ -20,13 +20,13 @@ std::string create_temporary_file(const std::string& directory);
 
 enum class Drop { done, no_name, not_moved };
 
-// Moves a file into the directory, under a new name there with "1" behind it. Other files of the
-// directory are left alone: a name that is taken, by an old message or by another sender at the
-// very moment, is not used. An empty file keeps the name (without its "1") until just before the
-// move; none is left behind.
+// Moves `file` into `directory`, under a new name there with "1" at its end. Never replaces a file:
+// a name that is taken, by an old message or by another sender at the same moment, is skipped. An
+// empty placeholder keeps the name (without its "1") until just before the move; none is left over.
 //
-// no_name, with the last error, when the directory is missing or takes no file, and when thousands
-// of names in a row are taken. not_moved when the move fails. The file then stays where it was.
+// Returns no_name, with the last error, if the platform gives no name: the directory is missing, is
+// full, or takes no file. Returns not_moved if the move fails, or if 4096 names in a row are taken.
+// After any failure `file` is where it was.
 Drop drop_message(const std::string& file, const std::string& directory);
 
 }  // namespace util
