@@ -59,19 +59,28 @@ TEST_F(MailServiceTest, RunningInThatStateOnly) {
     EXPECT_TRUE(MailRunning());
 }
 
+std::vector<SC_HANDLE> opened, closed;
+
 SC_HANDLE WINAPI open_manager(const char* machine, const char* database, DWORD access) {
     EXPECT_TRUE(!machine && !database && access == 0xF003F);
-    return OpenSCManagerA(machine, database, access);
+    opened.push_back(OpenSCManagerA(machine, database, access));
+    return opened.back();
 }
 SC_HANDLE WINAPI open_service(SC_HANDLE manager, const char* name, DWORD access) {
     EXPECT_TRUE(name == "IISADMIN"s && access == 0xF01FF);
-    return OpenServiceA(manager, name, access);
+    opened.insert(opened.begin(), OpenServiceA(manager, name, access));
+    return opened.front();
+}
+BOOL WINAPI close_handle(SC_HANDLE handle) {
+    closed.push_back(handle);
+    return CloseServiceHandle(handle);
 }
 
-TEST_F(MailServiceTest, AskingNeedsFullAccess) {
+TEST_F(MailServiceTest, AskingNeedsFullAccessAndClosesTheServiceFirst) {
     const ImportPatch manager("OpenSCManagerA", open_manager),
-        service_patch("OpenServiceA", open_service);
+        service_patch("OpenServiceA", open_service), close("CloseServiceHandle", close_handle);
     EXPECT_TRUE(MailRunning());
+    EXPECT_EQ(closed, opened);
 }
 
 }  // namespace

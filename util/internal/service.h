@@ -1,4 +1,4 @@
-// Not installed. Entries of the service manager.
+// Not installed. Opens services of the service manager.
 #ifndef UTIL_INTERNAL_SERVICE_H
 #define UTIL_INTERNAL_SERVICE_H
 
@@ -10,7 +10,7 @@
 
 namespace util {
 
-// Handles of the service manager and of its services alike.
+// A handle of the service manager, or of a service.
 struct ServiceTraits {
     using Handle = SC_HANDLE;
     static Handle invalid() { return nullptr; }
@@ -18,30 +18,41 @@ struct ServiceTraits {
 };
 using ScopedService = ScopedHandle<ServiceTraits>;
 
-// How far to open the manager's database (null: the default one) and the service in it.
+// The manager's database (null: the default one), and the access to it and to the service in it.
 struct ServiceAccess {
     const char* database;
     DWORD to_manager;
     DWORD to_service;
 };
 
-// The service of this machine under that UTF-8 name, in whatever state it is; invalid, with the
-// last error, when the manager or the service cannot be opened so far. A service's handle outlives
-// its manager's, so the manager is closed already. Raises std::bad_alloc.
-inline ScopedService open_service(const char* name, const ServiceAccess& access) {
-    const ScopedService manager(OpenSCManagerA(nullptr, access.database, access.to_manager));
-    std::string ansi_name;
-    if (!manager) return ScopedService();
-    if (!utf8_to_ansi(name, ansi_name)) {
-        SetLastError(ERROR_SERVICE_DOES_NOT_EXIST);
-        return ScopedService();
+// An open service of this machine, whatever its state. Closes the service first, then the manager.
+// The constructor raises std::bad_alloc.
+class OpenedService {
+  public:
+    // `name` is UTF-8. The object is false, with the last error, if the manager or the service
+    // cannot be opened with that access.
+    OpenedService(const char* name, const ServiceAccess& access)
+        : m_manager(OpenSCManagerA(nullptr, access.database, access.to_manager)) {
+        std::string ansi_name;
+        if (!m_manager) return;
+        if (!utf8_to_ansi(name, ansi_name)) {
+            SetLastError(ERROR_SERVICE_DOES_NOT_EXIST);
+            return;
+        }
+        m_service.reset(OpenServiceA(m_manager.get(), ansi_name.c_str(), access.to_service));
     }
-    return ScopedService(OpenServiceA(manager.get(), ansi_name.c_str(), access.to_service));
-}
 
-// Whether the service exists, as anyone who may look into the running database sees it.
+    explicit operator bool() const { return bool(m_service); }
+    SC_HANDLE get() const { return m_service.get(); }
+
+  private:
+    ScopedService m_manager;
+    ScopedService m_service;  // declared last, so closed first
+};
+
+// Returns whether the service exists in the running database. Needs read access only.
 inline bool is_service_installed(const char* name) {
-    return bool(open_service(name, {"ServicesActive", GENERIC_READ, GENERIC_READ}));
+    return bool(OpenedService(name, {"ServicesActive", GENERIC_READ, GENERIC_READ}));
 }
 
 }  // namespace util

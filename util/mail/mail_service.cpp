@@ -8,8 +8,8 @@ bool MailInstalled() {
 }
 
 bool MailRunning() {
-    const util::ScopedService service =
-        util::open_service("IISADMIN", {nullptr, SC_MANAGER_ALL_ACCESS, SERVICE_ALL_ACCESS});
+    const util::OpenedService service("IISADMIN",
+                                      {nullptr, SC_MANAGER_ALL_ACCESS, SERVICE_ALL_ACCESS});
     SERVICE_STATUS status;
     return service && QueryServiceStatus(service.get(), &status) &&
            status.dwCurrentState == SERVICE_RUNNING;
