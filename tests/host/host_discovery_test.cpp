@@ -1,6 +1,7 @@
 #include "util/host/host_discovery.h"
 
 #include <gtest/gtest.h>
+#include <io.h>
 
 #include <cstdlib>
 #include <new>
@@ -144,8 +145,18 @@ TEST_F(HostDiscoveryTest, DomainIsTheConfiguredOneElseTheComputers) {
     }
 }
 
+int noting_open(const wchar_t* file, int flags, int mode) {
+    const int descriptor = _wopen(file, flags, mode);
+    DWORD kept = 0;
+    GetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(descriptor)), &kept);
+    EXPECT_FALSE(kept & HANDLE_FLAG_INHERIT) << "another thread's child would inherit it";
+    return descriptor;
+}
+
 TEST_F(HostDiscoveryTest, WorkFilesAreMadeInTheDirectoryAndStayThere) {
-    for (const std::string name : {"plain", "with blanks & such", "caf\xC3\xA9"}) {
+    const ImportPatch open("_wopen", noting_open);
+    for (const std::string name : {"plain", "with blanks & such", "caf\xC3\xA9", "a^b^^c", "100%",
+                                   "%no_variable%a%b", "!PATH!", "(a);b,c=d+e", " ~`@#$'[]{}"}) {
         const std::string directory = scratch.directory(name);
         scratch.file(name + "\\nslookupOutput.txt", "old A 10.0.0.1\r\n" + std::string(999, 'x'));
         const long handles = util_test::handle_count();
@@ -171,6 +182,16 @@ TEST_F(HostDiscoveryTest, WithoutAnAnswerThereAreNoHosts) {
     };
     expect_none(scratch / "missing");
     expect_none(scratch.directory("\xE2\x86\x92"));  // not in the ANSI page
+    // What the command processor would take for more than a path is not run, or even written.
+    SetEnvironmentVariableA("UTIL_TEST_QUOTE", "\"");
+    for (const std::string& name :
+         {"\"&echo x>injected&\""s, "%UTIL_test_quote%&echo x>injected&%UTIL_TEST_QUOTE%"s,
+          "%cmdcmdline:~-1%&echo x>injected&%CMDCMDLINE:~-1%"s, "%Cd%"s, "\n"s, "\x7F"s, "a\0"s}) {
+        SetCurrentDirectoryA(scratch.path().c_str());
+        expect_none(scratch / name + "\\..");
+        for (const char* file : {"injected", "nslookupInput.txt"})
+            EXPECT_EQ(GetFileAttributesA(file), INVALID_FILE_ATTRIBUTES) << name;
+    }
     // What an earlier call has left is no answer to this one.
     scratch.directory("asked\\nslookupInput.txt");  // no question can be written
     scratch.file("asked\\nslookupOutput.txt", "old A 1.2.3.4");

@@ -79,6 +79,7 @@ const std::vector<Failure> failures = {
     {"GetCurrentDirectoryA", 0, ERROR_FILENAME_EXCED_RANGE, 0, instead},
     {"GetCurrentDirectoryA", 300, 0, 0, instead},  // counted, not written
     {"GetDriveTypeA", DRIVE_UNKNOWN, 0, 0, instead},
+    {"GetEnvironmentVariableA", 5, 0, 0, instead},  // there is one of that name
     {"GetEnvironmentVariableW", 0, ERROR_ENVVAR_NOT_FOUND, 0, instead},
     {"GetEnvironmentVariableW", 5000, 0, 0, once},  // counted, not written
     {"GetExitCodeProcess", 0, ERROR_ACCESS_DENIED, 0, instead},

@@ -229,7 +229,7 @@ void system_scenarios(const Add& scenario) {
                  [configured](Run& run) {
                      if (configured)
                          registry().set_text(server_key, "ComputerDomainName", "example.test");
-                     const String directory(run.scratch.path());
+                     const String directory(run.scratch.directory("50%"));
                      std::list<String> hosts;
                      String message;
                      const int result = run.call(nothing, [&] {
@@ -240,6 +240,13 @@ void system_scenarios(const Add& scenario) {
                      run.outcome((result == 0 && hosts.size() == 2 && message.empty()) ||
                                      (!configured && no_domain),
                                  (result == 0 && !hosts.empty()) || !message.empty() || no_domain);
+                     // Out of memory is no lack of hosts; the message may be what finds no memory.
+                     const bool out_of_memory =
+                         result == -1 && hosts.empty() &&
+                         (message.empty() || !message.str().rfind("Unable to ", 0));
+                     run.always(!Run::failing("memory") || hosts.size() == 2 || out_of_memory ||
+                                    (!configured && no_domain),
+                                "no memory");
                  });
     }
     scenario("UTIL_GetModuleVersion", [](Run& run) {

@@ -2,28 +2,33 @@
 
 #include "util/internal/windows.h"
 // after the platform's header
+#include <comutil.h>
 #include <fcntl.h>
 #include <io.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "util/host/host_line.h"
 #include "util/internal/ansi_text.h"
 #include "util/internal/registry.h"
 #include "util/portable/ksl_string.h"
-#include "util/portable/utf8_files.h"
+#include "util/portable/utf8.h"
 
 namespace {
 
 constexpr char server_key[] = "SOFTWARE\\Vorn\\Vorn Quillmark Tessaron\\Server";
 constexpr char domain_value[] = "ComputerDomainName";
 
-// For memory that runs out: what was being made room for.
+// The message when out of memory, by what was being allocated.
 constexpr char domain_failure[] = "Unable to allocate memory for the domain name";
 constexpr char long_domain_failure[] = "Unable to re-allocate memory for the domain name";
 constexpr char command_failure[] = "Unable to allocate memory for the nslookup command";
@@ -33,8 +38,11 @@ struct CloseFile {
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
+// Not UTF8_open: it reports a lack of memory like a missing directory.
 File open_file(const String& path, int flags, const char* mode) {
-    const int descriptor = UTF8_open(path, flags | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+    _bstr_t wide;
+    if (!UTIL_Utf8ToWideChar(path, &wide)) throw std::bad_alloc();  // nothing else can fail here
+    const int descriptor = _wopen(wide, flags | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
     if (descriptor < 0) return nullptr;
     File file(_fdopen(descriptor, mode));
     if (!file) _close(descriptor);
@@ -48,11 +56,46 @@ bool write_file(const String& path, const String& text) {
     return std::fclose(file.release()) == 0 && written;
 }
 
-bool run(const String& command) {
-    std::string ansi_command;
-    if (!util::utf8_to_ansi(command, ansi_command)) return false;
-    std::system(ansi_command.c_str());  // what counts is the answer, not how the tool ended
-    return true;
+// Whether the command processor reads the path as one word between quotes. No directory on Windows
+// has a quote in its name, but a path can have one before a "..", where the platform never looks.
+bool can_be_quoted(std::string_view path) {
+    return std::none_of(path.begin(), path.end(), [](char c) {
+        const bool is_control = (c >= 0 && c < ' ') || c == '\x7F';
+        return is_control || c == '"';
+    });
+}
+
+// Whether the command processor has a value for the name: from the environment or of its own.
+bool is_variable(const std::string& ansi_name) {
+    constexpr const char* dynamic[] = {"CD",     "CMDCMDLINE", "CMDEXTVERSION",
+                                       "DATE",   "ERRORLEVEL", "HIGHESTNUMANODENUMBER",
+                                       "RANDOM", "TIME"};
+    const auto has_name = [&](const char* each) {
+        return ksl_strcasecmp(ansi_name.c_str(), each) == 0;
+    };
+    return std::any_of(std::begin(dynamic), std::end(dynamic), has_name) ||
+           GetEnvironmentVariableA(ansi_name.c_str(), nullptr, 0) != 0;
+}
+
+// Whether the command processor replaces a part of the command by a variable's value. It does so
+// inside quotes, too, before it looks for quotes, and it has variables whose values contain quotes.
+// A percent sign without such a name after it stays as it is.
+bool has_variable(const std::string& ansi_command) {
+    std::size_t begin = ansi_command.find('%');
+    for (std::size_t end; begin != std::string::npos; begin = end) {
+        end = ansi_command.find('%', begin + 1);
+        if (end == std::string::npos) return false;
+        const std::string name = ansi_command.substr(begin + 1, end - begin - 1);
+        // "%NAME:~1,2%" is a part of the value, "%NAME:A=B%" a changed one.
+        if (is_variable(name) || is_variable(name.substr(0, name.find(':')))) return true;
+    }
+    return false;
+}
+
+// Runs the command, in the ANSI code page. Its exit code does not matter; the answer does.
+void run(const std::string& ansi_command) {
+    errno = 0;
+    if (std::system(ansi_command.c_str()) == -1 && errno == ENOMEM) throw std::bad_alloc();
 }
 
 // The computer's own domain through the buffer, or "". failure follows what is allocated.
@@ -82,15 +125,21 @@ bool find_domain(std::string& domain, const char*& failure) {
     return !domain.empty();
 }
 
-// Runs the tool and gives its answer; null when there is none. Both files are written first: a
-// question or an answer that an earlier call has left is never taken for this one's.
-File ask(const String& query, const String& work_prefix) {
-    const String input = work_prefix + "nslookupInput.txt";
-    const String output = work_prefix + "nslookupOutput.txt";
-    const String command = "nslookup < \"" + input + "\" > \"" + output + "\"";
-    if (!write_file(input, query + "exit") || !write_file(output, "") || !run(command)) {
+// Runs the tool and returns its answer; null if there is none, or if the command processor would
+// not read the paths as they are. Both files are written first, so that a question or an answer of
+// an earlier call is never taken for this one's.
+File ask(const String& query, const String& work_directory) {
+    const bool separated = !work_directory.empty() && work_directory.view().back() == '\\';
+    const String prefix = work_directory + (separated ? "" : "\\");
+    const String input = prefix + "nslookupInput.txt";
+    const String output = prefix + "nslookupOutput.txt";
+    std::string command;
+    if (!can_be_quoted(work_directory.view()) ||
+        !util::utf8_to_ansi("nslookup < \"" + input + "\" > \"" + output + "\"", command) ||
+        has_variable(command) || !write_file(input, query + "exit") || !write_file(output, "")) {
         return nullptr;
     }
+    run(command);
     return open_file(output, _O_RDONLY, "rb");
 }
 
@@ -123,9 +172,8 @@ int enumerate(std::list<String>& hosts, const String& work_directory, String& me
 
     failure = command_failure;
     const String query = String::format("ls -t A %s\n", domain.c_str());
-    const bool separated = !work_directory.empty() && work_directory.view().back() == '\\';
     std::list<String> found;
-    if (const File answer = ask(query, work_directory + (separated ? "" : "\\"))) {
+    if (const File answer = ask(query, work_directory)) {
         found = read_hosts(answer.get(), domain);
     }
     if (found.empty()) {

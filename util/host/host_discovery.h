@@ -1,4 +1,4 @@
-// The hosts of this machine's DNS domain, as the system's nslookup tool lists them.
+// Lists the hosts of this machine's DNS domain with the system's nslookup tool.
 #ifndef UTIL_HOST_HOST_DISCOVERY_H
 #define UTIL_HOST_HOST_DISCOVERY_H
 
@@ -9,26 +9,41 @@
 
 UTIL_EXTERN_C_BEGIN
 
-// Appends the names of the domain's hosts to hosts, in the order the tool reports them: those with
-// an address record ("ls -t A DOMAIN"), but neither the domain itself nor "gc._msdcs".
+// Appends the names of the domain's hosts to `hosts`, in the order in which the tool reports them.
+// These are the hosts with an address record ("ls -t A DOMAIN"), except the domain itself and
+// "gc._msdcs".
 //
 // The domain is the text "ComputerDomainName" of "SOFTWARE\Vorn\Vorn Quillmark Tessaron\Server"
-// under HKEY_LOCAL_MACHINE (REG_SZ or REG_EXPAND_SZ, up to 1024 bytes); an empty one is taken as it
-// is, on purpose. Without that value it is the computer's own DNS domain.
+// under HKEY_LOCAL_MACHINE (REG_SZ or REG_EXPAND_SZ, up to 1024 bytes). By design, an empty text is
+// used as it is. Without that value, the domain is the computer's own DNS domain.
 //
-// The tool is run through the command processor and waited for; it reads "nslookupInput.txt" and
-// writes "nslookupOutput.txt", both in the directory workDir (with or without a backslash at its
-// end) and both left there. Calls that run at the same time need different directories. workDir
-// must be expressible in the process's ANSI code page, in which the command processor is called;
-// it expands %NAME% in it.
+// Runs the tool through the command processor and waits for it. The tool reads "nslookupInput.txt"
+// and writes "nslookupOutput.txt", both in the directory `workDir` (with or without a backslash at
+// its end). Both files stay there. Calls that run at the same time need different directories.
 //
-// Returns 0 when hosts were found, with message untouched, and also when none were, whatever the
-// reason (no tool, no directory, no answer), with a message that quotes the query and tells the
-// user how to name another domain. Returns -1 when there is no domain, with a message of the same
-// kind, or when memory runs out ("Unable to allocate memory for the domain name", "Unable to
-// re-allocate memory for the domain name", "Unable to allocate memory for the nslookup command");
-// hosts is untouched then. Lines of more than 1024 characters count as several, on purpose. Names
-// are expected to be ASCII, as DNS has them: other bytes pass to and from the tool unconverted.
+// `workDir` is a part of the command, between quotes. Blanks, `&`, `^` and the like are safe there.
+// These directories cannot be used; nothing is run for them:
+// - with a character that the process's ANSI code page lacks;
+// - with a quote, a NUL or another control character in the path;
+// - with `%NAME%` in the path if NAME is a variable of the environment or of the command processor
+//   ("CD", "DATE", ...), which would replace it by its value.
+//
+// Returns 0 if hosts were found; `message` is then unchanged. Also returns 0 if none were found,
+// for whatever reason (no tool, no directory, a directory that cannot be used, no answer).
+// `message` then quotes the query and says how to name another domain. Returns -1 if there is no
+// domain, with a similar message. Returns -1 when out of memory, with "Unable to allocate memory
+// for the domain name", "Unable to re-allocate memory for the domain name" or "Unable to allocate
+// memory for the nslookup command", by what was being allocated. `hosts` is unchanged on -1. By
+// design, lines of more than 1024 characters count as several lines.
+//
+// Names should be ASCII, as they are in DNS. Other bytes go to and from the tool unconverted.
+//
+// Security: whoever can write to `workDir` or its parents decides what is written and read. The
+// names of the two files are fixed, and links are followed. The command processor looks for the
+// tool in the current directory first. The domain goes into the input file as it is, so a line
+// break or a
+// ">" in it is a command to the tool; it never becomes a part of the command line. The answer is
+// not verified.
 //
 // Any thread may call it.
 //     std::list<String> hosts;
