@@ -19,6 +19,7 @@
 
 #include "util/host/host_line.h"
 #include "util/internal/ansi_text.h"
+#include "util/internal/ascii.h"
 #include "util/internal/registry.h"
 #include "util/portable/ksl_string.h"
 #include "util/portable/utf8.h"
@@ -59,10 +60,8 @@ bool write_file(const String& path, const String& text) {
 // Whether the command processor reads the path as one word between quotes. No directory on Windows
 // has a quote in its name, but a path can have one before a "..", where the platform never looks.
 bool can_be_quoted(std::string_view path) {
-    return std::none_of(path.begin(), path.end(), [](char c) {
-        const bool is_control = (c >= 0 && c < ' ') || c == '\x7F';
-        return is_control || c == '"';
-    });
+    return std::none_of(path.begin(), path.end(),
+                        [](char c) { return util::is_control(c) || c == '"'; });
 }
 
 // Whether the command processor has a value for the name: from the environment or of its own.

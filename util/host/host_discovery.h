@@ -21,12 +21,12 @@ UTIL_EXTERN_C_BEGIN
 // and writes "nslookupOutput.txt", both in the directory `workDir` (with or without a backslash at
 // its end). Both files stay there. Calls that run at the same time need different directories.
 //
-// `workDir` is a part of the command, between quotes. Blanks, `&`, `^` and the like are safe there.
+// `workDir` is a part of the command, between quotes. Blanks, "&", "^" and the like are safe there.
 // These directories cannot be used; nothing is run for them:
 // - with a character that the process's ANSI code page lacks;
 // - with a quote, a NUL or another control character in the path;
-// - with `%NAME%` in the path if NAME is a variable of the environment or of the command processor
-//   ("CD", "DATE", ...), which would replace it by its value.
+// - with "%NAME%" in the path if NAME is a variable of the environment or of the command processor
+//   (CD, DATE, ...), which would replace it by its value.
 //
 // Returns 0 if hosts were found; `message` is then unchanged. Also returns 0 if none were found,
 // for whatever reason (no tool, no directory, a directory that cannot be used, no answer).
