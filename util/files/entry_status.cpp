@@ -46,9 +46,35 @@ bool may_be_device(std::string_view name) {
     return is_one_of(stem, devices) || (has_digit && is_one_of(stem.substr(0, 3), numbered));
 }
 
-// Whether a path finds the name that the search found: blanks and dots at its end are cut off.
+// Whether no file of that name can be opened on Windows. Disks of other systems have such names,
+// and the search lists them.
+bool has_refused_character(std::string_view name) {
+    const auto is_refused = [](char c) {
+        switch (c) {
+            case '"':
+            case '*':
+            case '/':
+            case ':':
+            case '<':
+            case '>':
+            case '?':
+            case '\\':
+            case '|':
+                return true;
+            default:
+                return c >= 0 && c < ' ';
+        }
+    };
+    if (std::any_of(name.begin(), name.end(), is_refused)) return true;
+    // U+FFFD may stand for half a surrogate pair, which has no UTF-8 and so no path.
+    return name.find("\xEF\xBF\xBD") != std::string_view::npos;
+}
+
+// Whether a path that ends in the name leads to the file that the search found. The platform cuts
+// off blanks and dots at the end.
 bool is_found_by_path(std::string_view name) {
-    return !name.empty() && name.back() != '.' && name.back() != ' ' && !may_be_device(name);
+    return !name.empty() && name.back() != '.' && name.back() != ' ' && !may_be_device(name) &&
+           !has_refused_character(name);
 }
 
 // How long a name may be for the status call on Windows to take its path. None in a directory whose

@@ -11,15 +11,15 @@ struct _WIN32_FIND_DATAW;
 
 namespace util {
 
-// What UTF8_stat says; zeros where it fails.
+// What UTF8_stat returns; zeros if it fails.
 struct EntryStatus {
     int mode = 0;
     long size = 0;
 };
 
-// The status of the entries of one directory, as UTF8_stat gives it for their paths. It is taken
-// from what the search has already brought wherever that must be the same: a call per entry would
-// more than double the time of a listing.
+// Finds the status of the entries of one directory, as UTF8_stat returns it for their full paths.
+// Uses the search's own data if the two must be equal. A status call per entry would more than
+// double the time of a listing.
 class EntryStatusReader {
   public:
     // The directory must outlive this object.

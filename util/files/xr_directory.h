@@ -1,4 +1,5 @@
-// XrDirectory: a directory by its path, with a sorted listing, and the primitives on directories.
+// XrDirectory: a directory named by its path, with a sorted listing. Also tests and removes
+// directories.
 #ifndef UTIL_FILES_XR_DIRECTORY_H
 #define UTIL_FILES_XR_DIRECTORY_H
 
@@ -7,9 +8,9 @@
 #include "util/files/xr_directory_entry.h"
 #include "util/text/byte_string.h"
 
-// Paths are UTF-8. The empty path stands for the list of the machine's drive roots. File-system
-// failures are never raised; each member says how it reports them. Raises std::bad_alloc, and what
-// the UTF8_ calls raise when they have no memory. One object belongs to one thread at a time.
+// Paths are UTF-8. The empty path means the list of the machine's drive roots. File-system failures
+// are not raised; each member says how it reports them. Raises std::bad_alloc, and what the UTF8_
+// calls raise when out of memory. One object belongs to one thread at a time.
 //
 //     XrDirectory directory("C:\\agent");
 //     if (directory.isValid()) {
@@ -19,64 +20,73 @@
 //     }
 class UTIL_API XrDirectory {
   public:
-    // What a listing is.
+    // The type of a listing.
     using List = extstl::ExtPtrSortedVector<XrDirectoryEntry, XrDirectoryEntry>;
 
-    // Looks once whether the directory is there; see isValid().
+    // Checks once whether the directory exists; see isValid().
     explicit XrDirectory(const String& path);
 
-    // Copies share the listing: whichever is destroyed first deletes it for both. So at most one of
-    // two copies may hold a listing when it goes; call destroy() on one, init() on the other. A
-    // listing that the target of an assignment holds is dropped without being freed, as by init().
-    // Both are meant.
+    // By design, copies share the listing, and the copy that is destroyed first deletes it for
+    // both. So at most one of two copies may hold a listing when it is destroyed; call destroy() on
+    // one and init() on the other. By design, assignment drops the target's listing without freeing
+    // it, as init() does.
     XrDirectory(const XrDirectory& other);
     XrDirectory& operator=(const XrDirectory& other);
 
     virtual ~XrDirectory();
 
-    // Points the object at another path. A listing made before is dropped without being freed (a
-    // caller may still hold it; call destroy() first to free it). Meant as it is.
+    // Sets another path. By design, drops an earlier listing without freeing it, because a caller
+    // may still hold it. Call destroy() first to free it.
     void init(const String& path);
 
-    // True for the empty path and for an existing directory.
+    // Returns true for the empty path and for a directory that existed when the path was set.
     bool isValid() const;
+
+    // Returns the path as it was given.
     String getPath() const;
 
     // Deletes the listing and its entries.
     void destroy();
 
-    // The entries in order of their names, without "." and ".." and, unless include_hidden, without
-    // names that begin with a dot; the drive roots (mode 0x4000, size 0) for the empty path. The
-    // first listing is kept and returned again without a look at the disk. With refresh the entries
-    // found now are ADDED to those kept, so that each stands twice; this is meant: call destroy()
-    // first for a fresh listing. The list and its entries stay owned by this object.
-    // An entry whose status cannot be had has mode and size 0. When the directory cannot be read,
-    // prints "Failed to open directory: " and the path to standard output and returns what there
-    // is; so it does for a drive's root that holds nothing, which even lacks ".". A search that the
-    // platform breaks off gives what was found until then.
+    // Returns the entries, sorted by name. Skips "." and "..", and names that begin with a dot
+    // unless `include_hidden` is true. For the empty path, returns the drive roots (mode 0x4000,
+    // size 0). The list and its entries stay owned by this object.
+    //
+    // The first listing is kept and returned again without access to the disk. By design, `refresh`
+    // ADDS the entries found now to those kept, so that each is listed twice. Call destroy() first
+    // for a fresh listing.
+    //
+    // Mode and size of an entry are those of UTF8_stat for its full path. They are 0 if that fails:
+    // for a file that has just been removed, or for a name on another system's disk that no path
+    // can have (a control character, a quote, one of * : < > ? | and backslash, half a surrogate
+    // pair).
+    //
+    // If the directory cannot be read, prints "Failed to open directory: ", the path and a line end
+    // to standard output, and returns the entries kept so far. A drive's root without any entry
+    // counts as unreadable. If the platform ends a search early, returns the entries found so far.
     List* getDirectoryList(bool include_hidden, bool refresh);
 
-    // Stores the kilobytes (1024 bytes) free for the caller and returns 0; stores 0 and returns -1
-    // when the platform cannot tell; -1 for a null pointer.
+    // Stores the kilobytes (1024 bytes) available to the caller and returns 0. Stores 0 and returns
+    // -1 if the platform fails. Returns -1 for a null pointer.
     int getFreeSpace(double* kilobytes) const;
 
-    // Whether the path is an existing directory.
+    // Returns whether `path` is an existing directory.
     static bool IsDirectory(const String& path);
 
-    // Create nothing and return 0; kept for old callers.
+    // Creates nothing and returns 0. Kept for old callers; UTIL_makeNewNTDir creates a directory.
     static int CreateDirectoryA(const char* path);
     static int CreateDirectoryA(const String& path);
 
-    // Removes an empty directory: 0, or errno, which is 22 for an empty or null path and for every
+    // Removes an empty directory. Returns 0, or errno: 22 for an empty or null path and for every
     // failed removal.
     static int DeleteDirectory(const char* path);
     static int DeleteDirectory(const String& path);
 
-    // Removes the directory and then each of its ancestors, each only if it is empty; files and
-    // subdirectories stay. Returns errno: 0 when every removal succeeded, 1 otherwise, and 22 for
-    // an empty or null path. Two things are meant: a path that begins with a drive ends with an
-    // attempt at the drive's root and so always gives 1; and each step cuts the path before the
-    // FIRST occurrence of the component's text, so "C:\ab\x\a" goes on with "C:\".
+    // Removes the directory and then each of its ancestors, each only if it is empty. Files and
+    // other subdirectories stay. Returns errno: 0 if every removal succeeded, 1 otherwise, and 22
+    // for an empty or null path. By design, a path that begins with a drive always returns 1,
+    // because the last removal is that of the drive's root. By design, each step cuts the path
+    // before the FIRST occurrence of the component's text: after "C:\ab\x\a" comes "C:\".
     static int DeleteDirectoryTree(const char* path);
     static int DeleteDirectoryTree(const String& path);
 
