@@ -120,21 +120,36 @@ TEST_F(XrDirectoryTest, EntriesCarryTheStatusOfEachFile) {
     EXPECT_EQ(directory.getDirectoryList(true, false)->size(), 11u + astray.size());
 }
 
-BOOL WINAPI reparse_point(HANDLE search, WIN32_FIND_DATAW* data) {
+// Describes the one file in another way than it is.
+std::wstring found_name;
+DWORD found_attributes;
+BOOL WINAPI found_otherwise(HANDLE search, WIN32_FIND_DATAW* data) {
     const BOOL found = FindNextFileW(search, data);
-    data->dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+    if (data->cFileName[0] == L'.') return found;
+    data->cFileName[found_name.copy(data->cFileName, MAX_PATH)] = L'\0';
+    data->dwFileAttributes |= found_attributes;
     data->nFileSizeLow = 999;
     return found;
 }
 
-TEST_F(XrDirectoryTest, LinksGetTheStatusCallAndAFailedOneGivesZeros) {
+TEST_F(XrDirectoryTest, NamesThatNoPathReachesHaveTheirStatusFromThePathToo) {
     m_scratch.file("a", "12345");
-    const ImportPatch patch("FindNextFileW", reparse_point);
+    m_scratch.directory("d");
     XrDirectory directory(m_scratch.path());
-    EXPECT_EQ((*directory.getDirectoryList(false, false))[0]->getSize(), 5);
-    directory.destroy();
-    const ImportPatch no_status("_wstat64", fails<-1>);
-    EXPECT_EQ((*directory.getDirectoryList(false, false))[0]->getMode(), 0);
+    const ImportPatch patch("FindNextFileW", found_otherwise);
+    const auto size_of = [&](const std::wstring& name, DWORD attributes) {
+        found_name = name;
+        found_attributes = attributes;
+        directory.destroy();
+        const XrDirectoryEntry* const entry = (*directory.getDirectoryList(false, false))[0];
+        EXPECT_EQ(entry->getMode() == 0, entry->getSize() == 0) << *entry;
+        return entry->getSize();
+    };
+    EXPECT_EQ(size_of(L"other", 0), 999) << "from the search, as most";
+    EXPECT_EQ(size_of(L"a", FILE_ATTRIBUTE_REPARSE_POINT), 5) << "what the link leads to";
+    EXPECT_EQ(size_of(L"d\\..\\a", 0), 5);
+    for (const wchar_t c : std::wstring(L"\"*/:<>?\\|\x01\x1F\xD800\xDFFF\xFFFD"))
+        EXPECT_EQ(size_of(std::wstring(L"n") + c, 0), 0) << int(c);
 }
 
 // A call per entry would show in the time of every listing.
@@ -179,28 +194,40 @@ TEST(XrDirectoryRootsTest, EmptyPathListsTheDrivesTrimmedAndNeverPastTheBuffer) 
     EXPECT_TRUE(drives.isValid());
     EXPECT_EQ(names(drives), (Names{"C:\\", "D:\\"}));
     EXPECT_EQ((*drives.getDirectoryList(false, false))[1]->getMode(), 0x4000);
-    drives.destroy();
-    drive_text_length = 5000;
-    EXPECT_EQ(names(drives), Names());
+    for (const DWORD length : {1024, 1025, 4096, 5000}) {
+        drives.destroy();
+        drive_text_length = length;
+        EXPECT_EQ(names(drives), Names()) << length;
+    }
 }
 
 TEST_F(XrDirectoryTest, UnreadableDirectoriesSaySoOnStandardOutput) {
     XrDirectory missing(m_scratch / "missing");
     EXPECT_FALSE(missing.isValid());
+    const ImportPatch no_single_bytes("fputc", fails<0>);  // each would be a write on a console
     testing::internal::CaptureStdout();
     EXPECT_EQ(missing.getDirectoryList(false, false)->size(), 0u);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Failed to open directory: " + m_scratch / "missing" + "\n");
 }
 
+BOOL WINAPI free_space(const wchar_t*, ULARGE_INTEGER* available, ULARGE_INTEGER* total,
+                       ULARGE_INTEGER* free) {
+    available->QuadPart = 5000;
+    total->QuadPart = 9000;
+    free->QuadPart = 7000;
+    return TRUE;
+}
+
 TEST_F(XrDirectoryTest, AnswersAboutPathsAndCreatesNothing) {
     double kilobytes = -1;
-    EXPECT_EQ(XrDirectory(m_scratch.path()).getFreeSpace(&kilobytes), 0);
-    std::uint64_t available = 0;
-    UTF8_GetDiskFreeSpaceEx(m_scratch.path().c_str(), &available, nullptr, nullptr);
-    EXPECT_NEAR(kilobytes, static_cast<double>(available) / 1024, kilobytes / 100);
     EXPECT_EQ(XrDirectory(m_scratch / "missing").getFreeSpace(&kilobytes), -1);
     EXPECT_EQ(kilobytes, 0);
+    EXPECT_EQ(XrDirectory(m_scratch.path()).getFreeSpace(&kilobytes), 0);
+    EXPECT_GT(kilobytes, 0);
+    const ImportPatch patch("GetDiskFreeSpaceExW", free_space);
+    EXPECT_EQ(XrDirectory(m_scratch.path()).getFreeSpace(&kilobytes), 0);
+    EXPECT_EQ(kilobytes, 5000 / 1024.0) << "the caller's share";
     EXPECT_EQ(XrDirectory(m_scratch.path()).getFreeSpace(nullptr), -1);
     EXPECT_EQ(XrDirectory::CreateDirectoryA((m_scratch / "new").c_str()), 0);
     EXPECT_FALSE(XrDirectory::IsDirectory(m_scratch / "new"));

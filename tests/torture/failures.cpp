@@ -178,7 +178,7 @@ bool cannot_fail(const std::string& name) {
         "DeleteCriticalSection EnterCriticalSection InitializeCriticalSection LeaveCriticalSection",
         "SetEvent _lock _unlock pthread_mutex_destroy pthread_mutex_init pthread_mutex_unlock",
         // printing: nobody is told when a diagnostic cannot be printed
-        "fputc fwrite perror vfprintf",
+        "fputc fwrite perror printf vfprintf",
         // the compiler's substitutes for functions that this runtime has itself
         "_localtime64",
         // ends the process

@@ -5,13 +5,13 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <memory>
 #include <utility>
 
 #include "util/files/directory_reader.h"
 #include "util/files/entry_status.h"
 #include "util/internal/ansi_text.h"
+#include "util/internal/print_line.h"
 #include "util/portable/utf8_files.h"
 
 namespace {
@@ -92,7 +92,7 @@ XrDirectory::List* XrDirectory::getDirectoryList(bool include_hidden, bool refre
     if (m_path.empty()) {
         append_drive_roots(entries);
     } else if (!append_entries(m_path, include_hidden, entries)) {
-        std::printf("Failed to open directory: %s\n", m_path.c_str());
+        util::print_line("Failed to open directory: ", m_path);
     }
     list->insert(std::move(entries));
     static_cast<void>(fresh.release());

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -14,11 +13,12 @@
 #include "util/internal/kernels/compare_folded.h"
 #include "util/internal/kernels/find_byte.h"
 #include "util/internal/kernels/pair_bits.h"
+#include "util/internal/print_line.h"
 
 namespace {
 
 void report(const char* message) {
-    std::printf("%s: %d\n", message, 3);
+    util::print_line(message, ": 3");
 }
 
 int fail(const char* message) {
