@@ -8,6 +8,7 @@
 
 #include "support/handle_count.h"
 #include "support/import_patch.h"
+#include "util/internal/scoped_handle.h"
 
 using util_test::handle_count;
 using util_test::ImportPatch;
@@ -19,6 +20,14 @@ const std::string child = "bin\\child.exe ";  // tests run in the build folder
 TEST(System2Test, GivesTheWholeExitCode) {
     for (int code : {0, 1, 255, -1, 259, 70000, INT_MIN})
         EXPECT_EQ(ksl_system2((child + "exit " + std::to_string(code)).c_str()), code);
+}
+
+TEST(System2Test, LetsTheChildInheritNoHandle) {
+    SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+    const util::KernelHandle event(CreateEventA(&inherited, TRUE, FALSE, nullptr));
+    const auto number = reinterpret_cast<std::intptr_t>(event.get());
+    ksl_system2((child + "signal " + std::to_string(number)).c_str());
+    EXPECT_EQ(WaitForSingleObject(event.get(), 0), DWORD(WAIT_TIMEOUT));
 }
 
 TEST(System2Test, PassesCharactersOfTheAnsiPageExactlyAndRefusesOthers) {

@@ -2,6 +2,7 @@
 //
 //     child exit N       exits with N
 //     child unit TEXT    exits with the first UTF-16 unit of TEXT
+//     child signal N     sets the event whose handle is N, if it has one
 //     child save FILE    writes its standard input to FILE and exits with 1
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +14,7 @@ int main(int argc, char** argv) {
     if (argc != 3) return 2;
     const char verb = argv[1][0];
     if (verb == 'e') ExitProcess(static_cast<UINT>(std::atoi(argv[2])));
+    if (argv[1][1] == 'i') return SetEvent(reinterpret_cast<HANDLE>(std::atoll(argv[2]))) ? 0 : 1;
     if (verb == 'u') return std::wcsstr(GetCommandLineW(), L" unit ")[6];
     std::FILE* file = std::fopen(argv[2], "w");
     for (int c; (c = std::getchar()) != EOF;)

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "util/internal/ansi_text.h"
+#include "util/internal/clear_at_end.h"
 #include "util/portable/utf8.h"
 #include "util/text/byte_string.h"
 
@@ -43,6 +44,14 @@ bool to_wide(const char* text, _bstr_t& wide) {
     return !text || UTIL_Utf8ToWideChar(text, &wide);
 }
 
+// For a password. Neither the temporary text of UTIL_Utf8ToWideChar nor its result is cleared.
+bool to_wide(const char* text, std::wstring& wide) {
+    const int size = MultiByteToWideChar(CP_UTF8, 0, text, -1, nullptr, 0);
+    if (size <= 0) return false;
+    wide.resize(static_cast<std::size_t>(size));
+    return MultiByteToWideChar(CP_UTF8, 0, text, -1, wide.data(), size) > 0;
+}
+
 DWORD cancel(const char* share) {
     if (!share) return ERROR_BAD_NET_NAME;  // not every platform looks
     _bstr_t wide;
@@ -54,9 +63,10 @@ DWORD connect(const char* share, const char* user, const char* password) {
     if (!share) return ERROR_BAD_NET_NAME;
     _bstr_t wide_share;
     _bstr_t wide_user;
-    _bstr_t wide_password;
+    std::wstring wide_password;
+    const util::ClearAtEnd clear(wide_password);
     if (!to_wide(share, wide_share) || !to_wide(user, wide_user) ||
-        !to_wide(password, wide_password)) {
+        (password && !to_wide(password, wide_password))) {
         return ERROR_NO_UNICODE_TRANSLATION;
     }
     NETRESOURCEW record = {};
@@ -64,7 +74,7 @@ DWORD connect(const char* share, const char* user, const char* password) {
     record.dwType = RESOURCETYPE_DISK;
     record.dwUsage = RESOURCEUSAGE_CONNECTABLE;
     record.lpRemoteName = wide_share;
-    return WNetAddConnection2W(&record, wide_password, wide_user, 0);
+    return WNetAddConnection2W(&record, password ? wide_password.c_str() : nullptr, wide_user, 0);
 }
 
 bool disconnect(const char* share, String& failure) {

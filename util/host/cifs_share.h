@@ -1,4 +1,4 @@
-// Connecting to network (CIFS) shares with explicit credentials.
+// Connects network (CIFS) shares with explicit credentials.
 #ifndef UTIL_HOST_CIFS_SHARE_H
 #define UTIL_HOST_CIFS_SHARE_H
 
@@ -6,33 +6,38 @@
 
 UTIL_EXTERN_C_BEGIN
 
-// Texts are UTF-8 and end at their NUL. A failure's text goes to message, which is written without
-// a limit: 2048 bytes hold the longest text there is. message is untouched on success; it may be
-// null when the text is not wanted. Any thread may call these; connections belong to the logon
+// Texts are UTF-8 and end at their NUL. On failure both functions write a text to `message`,
+// without a size limit: 2048 bytes hold the longest text. `message` is unchanged on success, and
+// may be null if the text is not wanted. Any thread may call these. Connections belong to the logon
 // session.
 //
-// A failed call's text is "CALL failed (error code = N)". When N would be 1208, an error of the
-// network provider's own, it is "CALL failed (error code = N). DESCRIPTION" with the provider's
-// code and words, or "WNetGetLastError failed (error code = N)" when those cannot be had. When a
-// share is null (67), a text cannot be converted (1113) or memory runs out (14), the text names the
-// call that would have been made.
+// The text for a failed call is "CALL failed (error code = N)". Code 1208 means an error of the
+// network provider. The text is then "CALL failed (error code = N). DESCRIPTION" with the
+// provider's code and words, or "WNetGetLastError failed (error code = N)" if the platform does not
+// give them. If the call is not made, the text names it with one of these codes: 67 (the share is
+// null), 1113 (a text cannot be converted) or 14 (out of memory).
 
-// Connects to the share ("\\server\share") as user, without a drive letter and for this session
-// only: 0, or -1 with a message. A null user or password means the caller's own, "" an empty one.
+// Connects to the share ("\\server\share") as `user`, without a drive letter and for this session
+// only. Returns 0, or -1 with a message. A null `user` or `password` means the caller's own, ""
+// means an empty one.
 //
-// While the machine holds a connection to the server under other credentials (1219), the share is
-// disconnected and, 3 seconds later, connected again, at most 20 times; so this may take a minute.
-// The message is the final failure's text, " \n ", and what the last retry was about: nothing
-// without one, else "Earlier attempt(s):" and the text of the connection that was refused, followed
-// by "\n" and the text of the disconnection when that failed too.
+// If the machine has a connection to the server under other credentials (1219), disconnects the
+// share, waits 3 seconds and connects again, at most 20 times. This may take a minute. The message
+// is the text for the final failure, then " \n ", then the history. The history is empty without a
+// retry. Otherwise it describes the last retry: "Earlier attempt(s):" and the text for the refused
+// connection, then "\n" and the text for the disconnection if that failed too.
+//
+// The library clears its own copies of the password before it frees them, whether the call succeeds
+// or fails. `password` itself is for the caller to clear. Copies inside the platform's network
+// calls are the platform's.
 //     char message[2048];
 //     UTIL_ConnectCifsShare("\\\\srv\\data", "srv\\agent", "secret", message)
 //     // -1, message is "WNetAddConnection2 failed (error code = 53) \n "
 UTIL_API int UTIL_ConnectCifsShare(char const* share, char const* user, char const* password,
                                    char* message);
 
-// Ends the connection to the share, also as one to be restored at logon, unless files are open
-// there: 0, or -1 with a message.
+// Disconnects the share, also as one to be restored at logon. Fails if files are open there.
+// Returns 0, or -1 with a message.
 //     UTIL_DisconnectCifsShare("\\\\srv\\data", message)
 //     // -1, message is "WNetCancelConnection2 failed (error code = 2250)"
 UTIL_API int UTIL_DisconnectCifsShare(char const* share, char* message);

@@ -3,6 +3,7 @@
 #include <string_view>
 #include <utility>
 
+#include "util/internal/clear_at_end.h"
 #include "util/internal/registry.h"
 #include "util/portable/utf8.h"
 
@@ -42,6 +43,7 @@ bool UTIL_getTSSEDBInfoFromRegistry(String key, String& dbPath, String& user,
 
     std::string found_user;
     std::string found_password;
+    const util::ClearAtEnd clear(found_password);
     const DWORD user_room = length;  // what the path's query has left there
     if (util::read_any_type(opened, "DatabaseUsername", user_room, found_user) != ERROR_SUCCESS ||
         util::read_any_type(opened, "DatabasePassword", value_room, found_password) !=
@@ -49,6 +51,8 @@ bool UTIL_getTSSEDBInfoFromRegistry(String key, String& dbPath, String& user,
         found_user.empty() || found_password.empty()) {
         return false;
     }
+    // A short text goes to the heap, from where it is moved without copies on the stack.
+    if (found_password.capacity() == std::string().capacity()) found_password.reserve(value_room);
     // Both exist before either is handed over.
     String user_text(std::move(found_user));
     String password_text(std::move(found_password));

@@ -1,4 +1,4 @@
-// Where the replication server's database is, and with which credentials it is reached.
+// Reads where the replication server's database is, and the credentials for it.
 #ifndef UTIL_HOST_DATABASE_INFO_H
 #define UTIL_HOST_DATABASE_INFO_H
 
@@ -7,22 +7,27 @@
 
 UTIL_EXTERN_C_BEGIN
 
-// Reads "Database Path" of the key under HKEY_LOCAL_MACHINE into dbPath (UTF-8) and, when that is a
-// network path, "DatabaseUsername" and "DatabasePassword" into user and password. A network path is
-// "\\HOST\SHARE\..." with neither name empty, the backslash behind SHARE not needed. Types are not
-// checked; a value ends at its first NUL. Stored texts come in UTF-8, by way of the ANSI code page:
-// characters that the page lacks come as its best fit or "?". Stored bytes come as they are.
+// Reads "Database Path" of `key` under HKEY_LOCAL_MACHINE into `dbPath` (UTF-8). If that is a
+// network path, also reads "DatabaseUsername" into `user` and "DatabasePassword" into `password`. A
+// network path is "\\HOST\SHARE\..." with neither name empty; the backslash after SHARE is
+// optional. Types are not checked, and a value ends at its first NUL. Stored texts are returned in
+// UTF-8, by way of the ANSI code page: a character that the page lacks becomes its best fit or "?".
+// Stored bytes are returned unchanged.
 //
-// True for a path that is no network path, with user and password untouched, and for a network path
-// with both credentials found and not empty. Otherwise false: when the key cannot be opened with
-// full access (which needs administrative rights), when a value is missing or too long (the path
-// and the password may take 261 bytes), or when memory runs out. dbPath is set as soon as the path
-// has been read, and emptied when it cannot be converted; user and password are set together or not
-// at all.
+// Returns true for a path that is no network path; `user` and `password` are then unchanged.
+// Returns true for a network path if both credentials exist and are not empty. Otherwise returns
+// false: the key cannot be opened with full access (which needs administrative rights), a value is
+// missing or too long (the path and the password may take 261 bytes), or out of memory. `dbPath` is
+// set as soon as the path has been read, and emptied if it cannot be converted. `user` and
+// `password` are set together or not at all.
 //
-// Meant as they are: a missing key is created; the user name may take no more bytes than the path
-// does as it is stored, in UTF-16 with its NUL; and when the path cannot be converted to UTF-8 the
-// key stays open.
+// By design, creates a missing key. By design, the user name may take no more bytes than the stored
+// path does (in UTF-16, with its NUL). By design, leaves the key open if the path cannot be
+// converted to UTF-8.
+//
+// The library clears its own copies of the password before it frees them, whether the call succeeds
+// or fails. `password` is for the caller to clear, including the text that it held before. Copies
+// inside the platform's registry calls are the platform's.
 //
 // Any thread may call it.
 //     UTIL_getTSSEDBInfoFromRegistry("SOFTWARE\\Acme\\Db", path, user, password)

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "util/internal/clear_at_end.h"
 #include "util/internal/windows.h"
 
 namespace util {
@@ -38,6 +39,7 @@ bool from_wide(UINT page, const std::wstring& wide, std::string& out) {
     const int needed = convert(nullptr, 0);
     if (needed <= 0 || replaced) return false;
     std::string bytes(static_cast<std::size_t>(needed), '\0');
+    const ClearAtEnd clear(bytes);
     if (convert(bytes.data(), needed) != needed || replaced) return false;
     out = std::move(bytes);
     return true;
@@ -51,6 +53,7 @@ bool convert(UINT from, UINT to, const char* text, std::string& out) {
         return true;
     }
     std::wstring wide;
+    const ClearAtEnd clear(wide);  // the text may be a password
     return to_wide(from, view, wide) && from_wide(to, wide, out);
 }
 

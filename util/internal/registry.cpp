@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "util/internal/ansi_text.h"
+#include "util/internal/clear_at_end.h"
 
 namespace util {
 
@@ -51,13 +52,14 @@ LSTATUS read_any_type(const ScopedKey& key, const char* name, DWORD room, std::s
     std::string ansi_name;
     if (!utf8_to_ansi(name, ansi_name)) return ERROR_FILE_NOT_FOUND;
     std::string bytes(room, '\0');  // and a NUL behind them, whatever the value ends in
+    const ClearAtEnd clear(bytes);  // a password may be among them
     DWORD type = REG_NONE;
     const LSTATUS result = RegQueryValueExA(key.get(), ansi_name.c_str(), nullptr, &type,
                                             reinterpret_cast<BYTE*>(bytes.data()), &room);
     if (result != ERROR_SUCCESS) return result;
     const bool is_text = type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
     if (!is_text) {  // bytes that the platform has not recoded either
-        out = bytes.substr(0, bytes.find('\0'));
+        out.assign(bytes, 0, bytes.find('\0'));
         return ERROR_SUCCESS;
     }
     return ansi_to_utf8(bytes.c_str(), out) ? ERROR_SUCCESS : ERROR_NO_UNICODE_TRANSLATION;
