@@ -14,6 +14,12 @@ bool is_in(char c, const std::string& set) {
     return set.find(c) != std::string::npos;
 }
 
+std::string upper(std::string text) {
+    for (char& c : text)
+        c = util::to_upper(c);
+    return text;
+}
+
 Fields plain_split(const std::string& text, const std::string& separators, bool skip_empty) {
     Fields fields;
     std::string field;
@@ -123,6 +129,8 @@ void text(std::string_view input) {
     const std::string needle = up_to_nul(few);
     for (const std::size_t from : {std::size_t{0}, few.size()}) {
         require(String(bytes).first(needle.c_str(), from) == bytes.find(needle, from), "first");
+        require(String(bytes).find(few, from, 1) == upper(bytes).find(upper(few), from),
+                "find without regard to case");
     }
     check_bytes(bytes);
     check_split(bytes, few);

@@ -28,7 +28,7 @@ TEST(GetoptTest, TakesOneOptionACall) {
         args.push_back(nullptr);
         const int count = static_cast<int>(args.size()) - 1;
         int index = 1, option;
-        const char* argument;
+        char* argument;  // of either type, as of main's arguments
         std::string steps;
         while ((option = UTIL_getopt(count, args.data(), c.letters, &index, &argument)) != -1) {
             steps += std::to_string(option) + " " + (argument ? argument : "(null)") + " " +

@@ -23,12 +23,14 @@ TEST(KslUint64Test, ConstructsFromEveryKindOfLiteral) {
     const struct {
         ksl_uint64_c value;
         std::uint64_t expected;
-    } cases[] = {{u_hyper{1, 5}, 4294967301},  {-1.0, 0xFFFFFFFF},
-                 {4294967301.9, 4294967301},   {-HUGE_VAL, 0},
-                 {1e19, 0x8AC7230400000000},   {std::nan(""), 0},
-                 {two_to_63, max / 2 + 1},     {-2L, max - 1},
-                 {-two_to_63, max / 2 + 1},    {-1, max},
-                 {INT_MIN, 0xFFFFFFFF80000000}};
+    } cases[] = {{u_hyper{1, 5}, 4294967301},   {-1.0, 0xFFFFFFFF},
+                 {4294967301.9, 4294967301},    {-HUGE_VAL, 0},
+                 {1e19, 0x8AC7230400000000},    {std::nan(""), 0},
+                 {two_to_63, max / 2 + 1},      {-2L, max - 1},
+                 {-two_to_63, max / 2 + 1},     {-1, max},
+                 {INT_MIN, 0xFFFFFFFF80000000}, {max, max},
+                 {4000000000u, 4000000000},     {4000000000ul, 4000000000},
+                 {LLONG_MIN, max / 2 + 1}};
     for (const auto& c : cases)
         EXPECT_EQ(native(c.value), c.expected) << &c - cases;
 }

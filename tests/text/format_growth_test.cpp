@@ -3,14 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <climits>
 #include <clocale>
 #include <cstdarg>
+#include <cstring>
 #include <new>
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
 #include "support/import_patch.h"
+#include "torture/resources.h"
 #include "util/text/byte_string.h"
 
 using util_test::ImportPatch;
@@ -31,38 +34,52 @@ int spy(char* buffer, size_t size, size_t count, const char* fmt, _locale_t loca
     return real_formatter(buffer, size, count, fmt, locale, args);
 }
 
-void* failing_new(size_t) {
-    throw std::bad_alloc();
+int counted;
+int counting(const char*, _locale_t, va_list) {
+    return counted;
 }
 
-using Locker = int(void**);
-Locker* real_locker;
-
-// As when another thread holds the lock: waiting makes an event, for one.
-int waiting(void** lock) {
-    SetLastError(5);
-    return real_locker(lock);
+void* failing_new(size_t) {
+    throw std::bad_alloc();
 }
 
 class FormatGrowthTest : public testing::Test {
   protected:
     FormatGrowthTest() { real_formatter = m_patch.original<Formatter>(); }
-    // The size in which a short text is formatted; with a width, so that the runtime is asked.
+    // The size of the shared buffer: where a text is made that fits no smaller one.
     size_t buffer_size() {
         manner = as_it_is;
         sizes_seen.clear();
-        String::format("%1s", "x");
-        return sizes_seen.at(0);
+        String::format("%1024s", "x");
+        return sizes_seen.at(1);
     }
     ImportPatch m_patch{"_vsnprintf_s_l", spy};
 };
 
-TEST_F(FormatGrowthTest, StartsAt1024AndGrowsInTheDocumentedSteps) {
-    EXPECT_EQ(buffer_size(), 1024u);
-    const std::pair<int, size_t> steps[] = {{1023, 1024},   {1024, 4096},     {4095, 4096},
-                                            {4096, 8192},   {8192, 12288},    {12288, 16384},
-                                            {16384, 20480}, {20480, 24576},   {24576, 126976},
-                                            {10, 126976},   {126976, 229376}, {229377, 331776}};
+TEST_F(FormatGrowthTest, ShortTextsAreMadeInTheCallsOwnSpace) {
+    EXPECT_EQ(String::format("%1023s", "x").size() + String::format("%s", "y").size(), 1024u);
+    EXPECT_EQ(sizes_seen, std::vector<size_t>{1024});
+}
+
+TEST_F(FormatGrowthTest, RejectedFormatsGiveTheEmptyTextAndNoGrowth) {
+    const auto rejected_after = [](size_t length, const char* format) {
+        errno = 77;
+        EXPECT_EQ(String::format(format, String(length, 'x').c_str(), L"\x20ac"), "") << length;
+        EXPECT_EQ(errno, 77) << "formatting leaves errno alone";
+    };
+    // The runtime counts %m, but not the character that has no byte.
+    for (const char* format : {"%s%m", "%s%ls"}) {
+        for (const size_t length : {0, 2000, 5000})
+            rejected_after(length, format);
+    }
+    EXPECT_EQ(buffer_size(), 4096u);
+    rejected_after(2000, "%s%ls");
+}
+
+TEST_F(FormatGrowthTest, GrowsInTheDocumentedSteps) {
+    const std::pair<int, size_t> steps[] = {
+        {1024, 4096},   {4095, 4096},   {4096, 8192},    {8192, 12288},    {12288, 16384},
+        {16384, 20480}, {20480, 24576}, {24576, 126976}, {126976, 229376}, {229377, 331776}};
     for (const auto& [length, size_after] : steps) {
         // Every other step by the runtime, and the rest by the library's own conversions.
         const int most = length - 3;
@@ -72,16 +89,6 @@ TEST_F(FormatGrowthTest, StartsAt1024AndGrowsInTheDocumentedSteps) {
         EXPECT_EQ(text, String::pad(most) + "x7y");
         EXPECT_EQ(buffer_size(), size_after) << "after " << length << " bytes";
     }
-}
-
-TEST_F(FormatGrowthTest, RejectedFormatsGiveTheEmptyTextAndNoGrowth) {
-    const size_t before = buffer_size();
-    const std::string rejected = "%*s%m";
-    errno = 77;
-    EXPECT_EQ(String::format(rejected.c_str(), 1, ""), "");
-    EXPECT_EQ(errno, 77) << "formatting leaves errno alone";
-    EXPECT_EQ(buffer_size(), before);
-    EXPECT_EQ(String::format(rejected.c_str(), int(before) + 5, ""), "");
 }
 
 TEST_F(FormatGrowthTest, TakesAReportedLengthToTheNextWholeStep) {
@@ -107,7 +114,9 @@ TEST_F(FormatGrowthTest, FailuresLeaveTheLockFreeAndTheSizeAsItWas) {
     };
     raises_with("_Znay", failing_new, grow);
     raises_with("_Znay", failing_new, grow_plainly);
-    raises_with("_vscprintf_l", util_test::fails<-1>, grow);  // more than INT_MAX bytes
+    // More than INT_MAX bytes, which the runtime does not count or counts wrongly.
+    for (const int wrong : {-1, 0, INT_MAX, huge - 2})
+        counted = wrong, raises_with("_vscprintf_l", counting, grow);
     String text;
     std::thread([&] { text = String::format("%d", 42); }).join();
     EXPECT_EQ(text, "42");
@@ -117,12 +126,28 @@ TEST_F(FormatGrowthTest, FailuresLeaveTheLockFreeAndTheSizeAsItWas) {
     EXPECT_EQ(GetLastError(), 77u) << "growing leaves the last error alone";
 }
 
-TEST_F(FormatGrowthTest, WaitingForTheLockLeavesTheLastErrorAlone) {
-    const ImportPatch patch("pthread_mutex_lock", waiting);
-    real_locker = patch.original<Locker>();
-    SetLastError(77);
-    EXPECT_EQ(String::format("%d", 7) + String(7), "77");
-    EXPECT_EQ(GetLastError(), 77u);
+TEST_F(FormatGrowthTest, EachLoadOfTheLibraryLeavesTheSharedBufferAlone) {
+    char path[1000];  // of the library, and then of a copy that the tests do not hold
+    const DWORD size = GetModuleFileNameA(GetModuleHandleA("util.dll"), path, 900);
+    const std::string original = path;
+    strcpy(path + size - 4, "_copy.dll");
+    ASSERT_TRUE(CopyFileA(original.c_str(), path, FALSE));
+    const auto blocks_left = [&](int cycles, int length) {
+        const auto heap = reinterpret_cast<HANDLE>(_get_heap_handle());
+        long before = 0;
+        for (int i = 0; i <= cycles; ++i) {
+            if (i == 1) before = torture::blocks_of(heap);  // the first load is the platform's
+            const HMODULE library = LoadLibraryA(path);
+            const auto format = reinterpret_cast<String (*)(const char*, ...)>(
+                reinterpret_cast<void*>(GetProcAddress(library, "_ZN6String6formatEPKcz")));
+            EXPECT_EQ(format("%*s", length, "").size(), size_t(length));
+            FreeLibrary(library);
+        }
+        return torture::blocks_of(heap) - before;
+    };
+    EXPECT_EQ(blocks_left(1000, 1023), 0);
+    EXPECT_EQ(blocks_left(10, 1024), 10);
+    DeleteFileA(path);
 }
 
 TEST_F(FormatGrowthTest, HostProgramsLocaleChangesNothing) {

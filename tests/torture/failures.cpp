@@ -67,7 +67,6 @@ const std::vector<Failure> failures = {
     {"_time64", -1, 0, 0, instead},
     {"_vscprintf_l", -1, 0, EINVAL, instead},
     {"_vsnprintf_s_l", -1, 0, EINVAL, instead},
-    {"pthread_mutex_lock", ENOMEM, 0, 0, instead},  // it may have to make its event first
     {"strftime", 0, 0, ERANGE, instead},
     {"system", -1, 0, ENOENT, instead},
     // processes, modules, environment
@@ -175,8 +174,9 @@ bool cannot_fail(const std::string& name) {
         "strstr "
         "wcscmp wcslen wcsrchr _wcsicmp",
         // locks and events: a failure would be a mistake in using them
-        "DeleteCriticalSection EnterCriticalSection InitializeCriticalSection LeaveCriticalSection",
-        "SetEvent _lock _unlock pthread_mutex_destroy pthread_mutex_init pthread_mutex_unlock",
+        "AcquireSRWLockExclusive DeleteCriticalSection EnterCriticalSection "
+        "InitializeCriticalSection LeaveCriticalSection ReleaseSRWLockExclusive",
+        "SetEvent _lock _unlock",
         // printing: nobody is told when a diagnostic cannot be printed
         "fputc fwrite perror printf vfprintf",
         // the compiler's substitutes for functions that this runtime has itself

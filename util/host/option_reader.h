@@ -2,6 +2,8 @@
 #ifndef UTIL_HOST_OPTION_READER_H
 #define UTIL_HOST_OPTION_READER_H
 
+#include <type_traits>
+
 #include "util/export.h"
 
 UTIL_EXTERN_C_BEGIN
@@ -27,5 +29,12 @@ UTIL_API int UTIL_getopt(int count, const char* const* args, const char* letters
                          const char** argument);
 
 UTIL_EXTERN_C_END
+
+// The same for an `argument` of type char*. A template, so that a null pointer means the function.
+template <typename Char, std::enable_if_t<std::is_same_v<Char, char>, int> = 0>
+int UTIL_getopt(int count, const char* const* args, const char* letters, int* index,
+                Char** argument) {
+    return UTIL_getopt(count, args, letters, index, const_cast<const char**>(argument));
+}
 
 #endif

@@ -43,15 +43,22 @@ class Needle {
     std::uint64_t m_mask = ~std::uint64_t{0};  // of the bytes that it has
 };
 
-// As below, in the time of one pass over both whatever they are.
-template <typename Take>
-void each_in_repetitive(std::string_view text, std::string_view what, std::size_t pos, Take take) {
+struct SameByte {
+    char operator()(char c) const { return c; }
+};
+
+// As below, in one pass over both texts whatever they contain. Bytes of text are compared after
+// `map`.
+template <typename Take, typename Map = SameByte>
+void each_in_repetitive(std::string_view text, std::string_view what, std::size_t pos, Take take,
+                        Map map = Map()) {
     const std::vector<std::size_t> borders = borders_of(what);
     std::size_t matched = 0;
     for (std::size_t i = pos; i < text.size(); ++i) {
-        while (matched > 0 && text[i] != what[matched])
+        const char c = map(text[i]);
+        while (matched > 0 && c != what[matched])
             matched = borders[matched];
-        if (text[i] == what[matched]) ++matched;
+        if (c == what[matched]) ++matched;
         if (matched == what.size()) {
             if (!take(i + 1 - matched)) return;
             matched = 0;

@@ -20,8 +20,7 @@ struct u_hyper {
 //     size += ksl_uint64_c("0x1f");
 //     size.to_decimal();                // "4294967327"
 //
-// Other integers convert by way of the halves: ksl_uint64_c(low, high). Only int and long have a
-// constructor of their own, and a character converts as its code: '1' is 49.
+// Every integer type converts, and a character converts as its code: '1' is 49.
 //
 // Status: one word for the whole process, read by status(). 0 is no error; only construction from
 // text sets another code. "Status 0" below marks what resets it; every other operation leaves it
@@ -43,6 +42,14 @@ class UTIL_API ksl_uint64_c {
     // 32 bits, sign-extended: ksl_uint64_c(-1) is 2^64-1. Status 0.
     ksl_uint64_c(int v);
     ksl_uint64_c(long v);
+
+    // The same number: ksl_uint64_c(4000000000u) is 4000000000. Status 0. A negative `long long` is
+    // sign-extended as above.
+    ksl_uint64_c(unsigned int v) : ksl_uint64_c(v, util::ulong32{0}) {}
+    ksl_uint64_c(unsigned long v) : ksl_uint64_c(static_cast<unsigned long long>(v)) {}
+    ksl_uint64_c(long long v) : ksl_uint64_c(static_cast<unsigned long long>(v)) {}
+    ksl_uint64_c(unsigned long long v)
+        : ksl_uint64_c(static_cast<util::ulong32>(v), static_cast<util::ulong32>(v >> 32)) {}
 
     // Each half on its own, truncated to a signed 64-bit integer whose low 32 bits are kept: the
     // high half of v / 2^32, the low half of v. So -1.0 is 0x00000000FFFFFFFF, unlike -1. A half

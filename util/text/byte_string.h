@@ -156,15 +156,19 @@ class UTIL_API String : public extstl::ExtString {
     //     String("2010/05/17 12:30:45 UTC").toDate()   // 17 May 2010, 12:30:45, label "UTC"
     extstl::ExtTime toDate() const;
 
-    // printf-style text. Directives and their reading are those of the platform's runtime library
-    // (on Windows "%I64u" prints 64 bits). All callers share one buffer that grows to the longest
-    // text seen, is never given back, and is guarded by one lock; calls from many threads take
-    // turns. The text ends at its first NUL. A null or rejected format gives "".
+    // Returns printf-style text. The directives are those of the platform's runtime library in the
+    // "C" locale. On Windows "%I64u" prints 64 bits. The text ends at its first NUL. Returns "" for
+    // a null format, and for a directive or argument that the runtime rejects.
+    //
+    // Texts of up to 1023 bytes are made without a lock. All longer texts share one buffer behind
+    // one lock, so threads wait for each other. The buffer grows to the longest text seen. It is
+    // never freed, not even at unload. Raises std::bad_alloc when out of memory and for a text of
+    // INT_MAX bytes or more; the buffer is unchanged then, and the next call works.
     //
     //     String::format("%s-%03d", "disk", 7)   // "disk-007"
     static String format(const char* fmt, ...) UTIL_PRINTF_FORMAT(1, 2);
 
-    // The same for arguments already taken; args stays the caller's to end.
+    // The same for an argument list. The caller calls va_end on `args`.
     static String va_format(const char* fmt, va_list args);
 
     // The NUL-terminated view with its ASCII letters mapped; this object stays as it is.
@@ -175,8 +179,9 @@ class UTIL_API String : public extstl::ExtString {
     // member of every set; this is meant. String("xxax").trim("x") is "a".
     String trim(const char* set) const;
 
-    // A 32-bit hash of the stored bytes that never changes between releases, so it may be stored.
-    // The bytes after the last whole group of four are sign-extended; stored hashes rely on it.
+    // Returns a 32-bit hash of the stored bytes. It never changes between releases, so it may be
+    // stored. It is no defence against chosen keys: anybody can make texts that share a hash. By
+    // design, the bytes after the last whole group of four are sign-extended.
     // "" gives 0, "abcd" gives 0x646362E1, "\xFF" gives 0xFFFFFFDF.
     unsigned int hash() const;
 
@@ -216,16 +221,24 @@ namespace util {
 template <typename T>
 inline constexpr bool is_string = std::is_base_of_v<String, T>;
 template <typename T>
-inline constexpr bool is_text = is_string<T> || std::is_convertible_v<const T&, std::string_view>;
+inline constexpr bool is_text =
+    is_string<T> || std::is_null_pointer_v<T> || std::is_convertible_v<const T&, std::string_view>;
 template <typename A, typename B>
 using if_texts =
     std::enable_if_t<(is_string<A> && is_text<B>) || (is_text<A> && is_string<B>), int>;
+
+// A String and a number of any kind but char, which is a text of one byte.
+template <typename S, typename N>
+using if_text_and_number = std::enable_if_t<
+    is_string<S> && (std::is_arithmetic_v<N> || std::is_enum_v<N>)&&!std::is_same_v<N, char>, int>;
 
 // The bytes to compare: of a C string those before its NUL, and none of a null one.
 template <typename T>
 std::string_view view_of(const T& text) {
     if constexpr (is_string<T>) {
         return text.view();
+    } else if constexpr (std::is_null_pointer_v<T>) {
+        return "";
     } else if constexpr (std::is_convertible_v<const T&, const char*>) {
         const char* const s = text;
         return s ? std::string_view(s) : "";
@@ -299,18 +312,24 @@ inline String operator+(char a, const String& b) {
 inline String operator+(String a, char b) {
     return a += b;
 }
-String operator+(const String&, int) = delete;
+
+// Adding a number is spelled with String(n): "s + 1" could as well mean the character 1.
+template <typename S, typename N, util::if_text_and_number<S, N> = 0>
+String operator+(const S&, N) = delete;
+template <typename N, typename S, util::if_text_and_number<S, N> = 0>
+String operator+(N, const S&) = delete;
 
 // Writes every stored byte, padded to the stream's width.
 UTIL_API std::ostream& operator<<(std::ostream& out, const String& s);
 
 namespace std {
 
-// Strings as keys of the unordered containers, by String::hash().
+// Strings as keys of the unordered containers, hashed by the standard library over every stored
+// byte, as comparison sees them. Not String::hash(), for which anybody can choose keys that
+// collide.
 template <>
 struct hash<String> {
-    // Every stored byte counts, as in comparing, so equal strings have equal hashes.
-    size_t operator()(const String& s) const { return s.hash(); }
+    size_t operator()(const String& s) const noexcept { return hash<string_view>()(s.view()); }
 };
 
 }  // namespace std

@@ -1,11 +1,11 @@
 #include "util/text/ext_string.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "util/internal/ascii.h"
 #include "util/internal/find_text.h"
 #include "util/internal/kernels/change_case.h"
+#include "util/internal/occurrences.h"
 #include "util/text/position_error.h"
 
 namespace extstl {
@@ -54,13 +54,16 @@ void ExtString::lower() {
 
 std::uint64_t ExtString::find(const std::string& what, std::uint64_t pos, int ignore_case) const {
     if (!ignore_case) return util::find_text(m_text, what, pos);
-    if (pos > size()) return npos;
-    const auto begin = m_text.begin() + static_cast<std::ptrdiff_t>(pos);
-    const auto found =
-        std::search(begin, m_text.end(), what.begin(), what.end(),
-                    [](char a, char b) { return util::to_upper(a) == util::to_upper(b); });
-    if (found == m_text.end() && !what.empty()) return npos;
-    return static_cast<std::uint64_t>(found - m_text.begin());
+    if (what.empty()) return pos <= size() ? pos : npos;
+    ExtString wanted(what);
+    wanted.upper();
+    std::uint64_t found = npos;
+    const auto take = [&](std::size_t at) {
+        found = at;
+        return false;
+    };
+    util::each_in_repetitive(m_text, wanted.str(), pos, take, util::to_upper);
+    return found;
 }
 
 }  // namespace extstl

@@ -1,5 +1,7 @@
-// All printf-style formatting of the library: one growing buffer behind one lock.
+// All printf-style formatting of the library. A text that fits the first size of the shared buffer
+// is made in the call's own space, without the lock. Longer texts go through the shared buffer.
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <charconv>
 #include <climits>
@@ -9,45 +11,21 @@
 #include <memory>
 #include <mutex>
 #include <new>
-#include <system_error>
+#include <optional>
+#include <utility>
 
+#include "util/internal/find_text.h"
 #include "util/internal/kept_errors.h"
+#include "util/internal/lock.h"
 #include "util/text/byte_string.h"
 #include "util/text/plain_format.h"
 
 namespace {
 
-constexpr int truncated = -1;
+using util::FormattedLength;
 
-#ifdef _WIN32
-// The host program may set a locale; the library's texts do not follow it. To be called under the
-// lock; asked for again when there was no memory for it.
-_locale_t c_locale() {
-    static _locale_t locale;
-    if (!locale) locale = _create_locale(LC_ALL, "C");
-    return locale;
-}
-#endif
-
-// One bounded format into buffer. Returns the length, `truncated` when the text and its NUL did not
-// fit, or (some runtimes) the length needed. errno is set only when the format is rejected.
-int format_bounded(char* buffer, std::size_t size, const char* fmt, va_list args) {
-#ifdef _WIN32
-    return _vsnprintf_s_l(buffer, size, _TRUNCATE, fmt, c_locale(), args);
-#else
-    const int length = std::vsnprintf(buffer, size, fmt, args);
-    return length >= 0 && static_cast<std::size_t>(length) >= size ? truncated : length;
-#endif
-}
-
-// The length that fmt needs, or -1 when the runtime cannot tell.
-int needed_length(const char* fmt, va_list args) {
-#ifdef _WIN32
-    return _vscprintf_l(fmt, c_locale(), args);
-#else
-    return std::vsnprintf(nullptr, 0, fmt, args);
-#endif
-}
+constexpr std::size_t first_size = 1024;  // of the shared buffer
+constexpr std::size_t unknown = std::string_view::npos;
 
 // A copy of an argument list, ended on every path.
 class Arguments {
@@ -63,130 +41,189 @@ class Arguments {
     va_list m_list;
 };
 
-class FormatBuffer {
-  public:
-    // The decimal text of a number, for which the buffer always has room.
-    template <typename Number>
-    std::string_view decimal(Number value) {
-        if (!m_buffer) resize(m_size);
-        char* const begin = m_buffer.get();
-        char* const end = std::to_chars(begin, begin + m_size, value).ptr;
-        return {begin, static_cast<std::size_t>(end - begin)};
-    }
+#ifdef _WIN32
 
-    // The text up to its first NUL; "" when the runtime rejects the format. A failed allocation
-    // leaves the buffer as it was, so the next call works.
-    String format(const char* fmt, va_list args) {
-        if (!m_buffer) resize(m_size);
-        for (;;) {
-            Arguments copy(args);
-            const auto text = util::format_plainly(m_buffer.get(), m_size, fmt, copy.list());
-            if (!text) return format_by_runtime(fmt, args);
-            if (text->length < m_size) return String(m_buffer.get(), text->visible);
-            grow_beyond(text->length);
-        }
+// The host program may set a locale; the library's texts do not follow it. Freed at unload. A
+// destructor of another module may still format after that, and makes a new one.
+class CLocale {
+  public:
+    constexpr CLocale() = default;
+    ~CLocale() { free(m_locale.exchange(nullptr)); }
+    CLocale(const CLocale&) = delete;
+    CLocale& operator=(const CLocale&) = delete;
+
+    // Null when there is no memory for it; the next call tries again.
+    _locale_t get() {
+        _locale_t locale = m_locale;
+        if (locale) return locale;
+        const _locale_t created = _create_locale(LC_ALL, "C");
+        if (m_locale.compare_exchange_strong(locale, created)) return created;
+        free(created);  // another thread was first
+        return locale;
     }
 
   private:
-    static constexpr std::size_t first_step = 1024;
-    static constexpr std::size_t small_limit = 4 * first_step;
-    static constexpr std::size_t middle_limit = 20 * first_step;
-    static constexpr std::size_t large_increment = 100 * first_step;
+    static void free(_locale_t locale) {
+        if (locale) _free_locale(locale);
+    }
 
-    String format_by_runtime(const char* fmt, va_list args) {
-        const util::KeptErrors kept;
-        errno = 0;
-        int length = format_once(fmt, args);
-        if (length != truncated && static_cast<std::size_t>(length) > m_size) {
-            resize((static_cast<std::size_t>(length) / m_step + 1) * m_step);
-            length = format_once(fmt, args);
-        } else if (length == truncated && errno == 0) {
-            Arguments copy(args);
-            const int needed = needed_length(fmt, copy.list());
-            if (needed < 0) throw std::bad_alloc();  // more than an int can count
-            while (length == truncated && errno == 0) {
-                grow_beyond(static_cast<std::size_t>(needed));
-                length = format_once(fmt, args);
-            }
+    std::atomic<_locale_t> m_locale{nullptr};
+};
+
+CLocale c_locale;
+
+// -1 when the text and its NUL do not fit, or when the format is rejected, which sets errno.
+int format_bounded(char* space, std::size_t size, const char* fmt, va_list args) {
+    return _vsnprintf_s_l(space, size, _TRUNCATE, fmt, c_locale.get(), args);
+}
+
+int count(const char* fmt, va_list args) {
+    return _vscprintf_l(fmt, c_locale.get(), args);
+}
+
+#else
+
+int format_bounded(char* space, std::size_t size, const char* fmt, va_list args) {
+    const int length = std::vsnprintf(space, size, fmt, args);
+    if (length < 0 && errno == EOVERFLOW) errno = 0;
+    return length >= 0 && static_cast<std::size_t>(length) >= size ? -1 : length;
+}
+
+int count(const char* fmt, va_list args) {
+    const int length = std::vsnprintf(nullptr, 0, fmt, args);
+    if (length < 0 && errno == EOVERFLOW) errno = 0;
+    return length;
+}
+
+#endif
+
+// Formats into the space by the runtime. Empty when it rejects the format. A text that does not fit
+// has an unknown length, or that which some runtimes report. Changes errno.
+std::optional<FormattedLength> format_by_runtime(char* space, std::size_t size, const char* fmt,
+                                                 va_list args) {
+    errno = 0;
+    const int length = format_bounded(space, size, fmt, args);
+    if (length < 0) {
+        if (errno != 0) return {};
+        return FormattedLength{unknown, 0};
+    }
+    const auto reported = static_cast<std::size_t>(length);
+    return FormattedLength{reported, reported < size ? util::text_length(space) : 0};
+}
+
+// The length of a text that did not fit a space of first_size. Empty when the runtime rejects the
+// format. Changes errno. The count wraps for texts beyond INT_MAX, so it is no more than a claim.
+std::optional<std::size_t> counted_length(const char* fmt, va_list args) {
+    errno = 0;
+    const int length = count(fmt, args);
+    if (length < 0 && errno != 0) return {};
+    if (length < int{first_size}) throw std::bad_alloc();
+    return static_cast<std::size_t>(length);
+}
+
+// Grows to the longest text seen: 1024 bytes, 4096, 8192, ... 20480, 24576, 126976, ... It is never
+// freed, as programs are promised, and has no destructor: other modules may format while the
+// library unloads.
+class SharedBuffer {
+  public:
+    using Formatter = std::optional<FormattedLength>(char*, std::size_t, const char*, va_list);
+
+    // Makes a text of the given length, or of any length that fits the buffer as it is. Empty when
+    // the text does not fit. The buffer grows only for a text that does: a failed call leaves it
+    // unchanged.
+    std::optional<String> format(std::size_t length, bool reported, Formatter* formatter,
+                                 const char* fmt, va_list args) {
+        const std::lock_guard<util::Lock> guard(m_lock);
+        Size size = m_size;
+        std::unique_ptr<char[]> larger;
+        if (length != unknown && length >= size.bytes) {
+            size = reported ? size.above_reported(length) : size.above(length);
+            larger = allocated(size.bytes);
         }
-        return length == truncated && errno != 0 ? String() : String(m_buffer.get());
-    }
-
-    int format_once(const char* fmt, va_list args) {
+        char* const space = larger ? larger.get() : m_space;
+        if (!space) return {};
         Arguments copy(args);
-        return format_bounded(m_buffer.get(), m_size, fmt, copy.list());
+        const auto made = formatter(space, size.bytes, fmt, copy.list());
+        if (!made) return String();
+        if (made->length >= size.bytes) return {};
+        String text(space, made->visible);
+        if (larger) {
+            delete[] m_space;
+            m_space = larger.release();
+            m_size = size;
+        }
+        return text;
     }
 
-    // One step of growth at least, and as many as a text of the given length needs: 1024, 4096,
-    // 8192, ... 20480, 24576, 126976, ... The sizes between are passed over without a format each,
-    // which would make long texts quadratic.
-    void grow_beyond(std::size_t needed) {
-        constexpr std::size_t most = INT_MAX;  // as the runtime counts
-        if (needed >= most) throw std::bad_alloc();
-        std::size_t step = m_step;
-        std::size_t size = m_size;
-        do {
-            if (size < small_limit) {
-                step *= 3;
-            } else if (size <= middle_limit) {
-                step = small_limit;
-            } else {
-                step = large_increment;
-            }
-            size += step;
-        } while (size <= needed);
-        resize(std::min(size, most));
-        m_step = step;
-    }
+  private:
+    struct Size {
+        std::size_t bytes = first_size;
+        std::size_t step = first_size;
 
-    void resize(std::size_t size) {
-        // Without the padding a result may come to lie a multiple of 4096 and a few bytes behind
-        // the buffer, where processors take every load of the copy to depend on its last stores.
+        // One step of growth at least, and as many as the length needs. The sizes between are
+        // skipped without a format each, which would make long texts quadratic.
+        Size above(std::size_t length) const {
+            constexpr std::size_t small_limit = 4 * first_size;
+            constexpr std::size_t middle_limit = 20 * first_size;
+            constexpr std::size_t large_increment = 100 * first_size;
+            constexpr std::size_t most = INT_MAX;  // as the runtime counts
+            if (length >= most) throw std::bad_alloc();
+            Size size = *this;
+            do {
+                if (size.bytes < small_limit) {
+                    size.step *= 3;
+                } else {
+                    size.step = size.bytes <= middle_limit ? small_limit : large_increment;
+                }
+                size.bytes += size.step;
+            } while (size.bytes <= length);
+            size.bytes = std::min(size.bytes, most);
+            return size;
+        }
+        // The next whole step, for a length that the formatter has reported instead of -1.
+        Size above_reported(std::size_t length) const { return {(length / step + 1) * step, step}; }
+    };
+
+    static std::unique_ptr<char[]> allocated(std::size_t size) {
+        // 4 KiB aliasing: without the padding a result may lie a multiple of 4096 and a few bytes
+        // behind the buffer, where processors take every load of the copy to depend on its last
+        // stores.
 #ifdef UTIL_SANITIZED
         constexpr std::size_t padding = 0;  // which would hide a step beyond the end
 #else
         constexpr std::size_t padding = 64;
 #endif
-        m_buffer.reset(new char[size + padding]);
-        m_size = size;
+        return std::unique_ptr<char[]>(new char[size + padding]);
     }
 
-    std::unique_ptr<char[]> m_buffer;
-    std::size_t m_size = first_step;
-    std::size_t m_step = first_step;
+    util::Lock m_lock;
+    char* m_space = nullptr;
+    Size m_size;
 };
 
-std::mutex format_lock;
+SharedBuffer shared_buffer;
 
-// The one buffer and the lock on it. The last error is put back at the end, since a lock that has
-// to be waited for makes calls of its own.
-class LockedBuffer {
-  public:
-    LockedBuffer() : m_lock(taken(format_lock)) {
-        if (!buffer) buffer = new FormatBuffer;
+// What does not fit the call's own space: `made` is what became of the attempt.
+String format_long(FormattedLength made, SharedBuffer::Formatter* formatter, const char* fmt,
+                   va_list args) {
+    const bool reported = formatter == format_by_runtime && made.length != unknown;
+    if (made.length == unknown) {
+        if (auto text = shared_buffer.format(unknown, false, formatter, fmt, args))
+            return std::move(*text);
+        Arguments copy(args);
+        const auto length = counted_length(fmt, copy.list());
+        if (!length) return String();
+        made.length = *length;
     }
-    FormatBuffer* operator->() const { return buffer; }
-
-  private:
-    // Waiting may want memory, too, and reports the lack of it in a way of its own.
-    static std::unique_lock<std::mutex> taken(std::mutex& mutex) {
-        try {
-            return std::unique_lock<std::mutex>(mutex);
-        } catch (const std::system_error&) {
-            throw std::bad_alloc();
-        }
-    }
-
-    // Never destroyed: other objects of static storage may format while the library unloads.
-    inline static FormatBuffer* buffer;
-
-    const util::KeptLastError m_kept;
-    const std::unique_lock<std::mutex> m_lock;
-};
+    if (auto text = shared_buffer.format(made.length, reported, formatter, fmt, args))
+        return std::move(*text);
+    throw std::bad_alloc();  // longer than was said
+}
 
 template <typename Number>
 void assign_decimal(std::string& text, Number value) {
-    text = LockedBuffer()->decimal(value);
+    char digits[16];
+    text.assign(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
 }
 
 }  // namespace
@@ -214,5 +251,17 @@ String String::format(const char* fmt, ...) {
 
 String String::va_format(const char* fmt, va_list args) {
     if (!fmt) return String();
-    return LockedBuffer()->format(fmt, args);
+    char space[first_size];
+    {
+        Arguments copy(args);
+        const auto made = util::format_plainly(space, first_size, fmt, copy.list());
+        if (made && made->length < first_size) return String(space, made->visible);
+        if (made) return format_long(*made, util::format_plainly, fmt, args);
+    }
+    const util::KeptErrors kept;
+    Arguments copy(args);
+    const auto made = format_by_runtime(space, first_size, fmt, copy.list());
+    if (!made) return String();
+    if (made->length < first_size) return String(space, made->visible);
+    return format_long(*made, format_by_runtime, fmt, args);
 }
