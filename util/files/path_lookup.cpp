@@ -12,7 +12,7 @@
 #include "util/portable/current_directory.h"
 #include "util/portable/environment.h"
 #include "util/portable/utf8_files.h"
-#include "util/text/position_error.h"
+#include "util/internal/position_error.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 #include <utility>
 
 #include "util/internal/ascii.h"
-#include "util/internal/find_text.h"
 #include "util/internal/kernels/change_case.h"
-#include "util/internal/occurrences.h"
-#include "util/text/position_error.h"
+#include "util/internal/position_error.h"
+#include "util/text/find_text.h"
+#include "util/text/occurrences.h"
 
 namespace extstl {
 

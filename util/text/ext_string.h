@@ -62,6 +62,11 @@ class UTIL_API ExtString {
   protected:
     ExtString(const char* bytes, std::uint64_t size);  // NULs included
 
+    // The text that `make` returns, which is written where it stays.
+    enum Made { made };
+    template <typename Make>
+    ExtString(Make make, Made) : m_text(make()) {}
+
     std::string m_text;  // the stored bytes
 };
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <charconv>
 #include <climits>
 #include <clocale>
 #include <cstdarg>
@@ -12,20 +11,21 @@
 #include <mutex>
 #include <new>
 #include <optional>
+#include <string>
 #include <utility>
 
-#include "util/internal/find_text.h"
 #include "util/internal/kept_errors.h"
 #include "util/internal/lock.h"
 #include "util/text/byte_string.h"
+#include "util/text/find_text.h"
 #include "util/text/plain_format.h"
 
 namespace {
 
 using util::FormattedLength;
+using util::unknown_length;
 
 constexpr std::size_t first_size = 1024;  // of the shared buffer
-constexpr std::size_t unknown = std::string_view::npos;
 
 // A copy of an argument list, ended on every path.
 class Arguments {
@@ -105,7 +105,7 @@ std::optional<FormattedLength> format_by_runtime(char* space, std::size_t size, 
     const int length = format_bounded(space, size, fmt, args);
     if (length < 0) {
         if (errno != 0) return {};
-        return FormattedLength{unknown, 0};
+        return FormattedLength{unknown_length, 0};
     }
     const auto reported = static_cast<std::size_t>(length);
     return FormattedLength{reported, reported < size ? util::text_length(space) : 0};
@@ -113,12 +113,12 @@ std::optional<FormattedLength> format_by_runtime(char* space, std::size_t size, 
 
 // The length of a text that did not fit a space of first_size. Empty when the runtime rejects the
 // format. Changes errno. The count wraps for texts beyond INT_MAX, so it is no more than a claim.
-std::optional<std::size_t> counted_length(const char* fmt, va_list args) {
+std::optional<FormattedLength> count_by_runtime(const char* fmt, va_list args) {
     errno = 0;
     const int length = count(fmt, args);
     if (length < 0 && errno != 0) return {};
     if (length < int{first_size}) throw std::bad_alloc();
-    return static_cast<std::size_t>(length);
+    return FormattedLength{static_cast<std::size_t>(length), 0};
 }
 
 // Grows to the longest text seen: 1024 bytes, 4096, 8192, ... 20480, 24576, 126976, ... It is never
@@ -128,31 +128,31 @@ class SharedBuffer {
   public:
     using Formatter = std::optional<FormattedLength>(char*, std::size_t, const char*, va_list);
 
-    // Makes a text of the given length, or of any length that fits the buffer as it is. Empty when
-    // the text does not fit. The buffer grows only for a text that does: a failed call leaves it
-    // unchanged.
-    std::optional<String> format(std::size_t length, bool reported, Formatter* formatter,
-                                 const char* fmt, va_list args) {
+    // Makes a text of the given length, or of any length that fits the buffer as it is. Sets `fits`
+    // to whether the text did. The buffer grows only for a text that does: otherwise it is as it
+    // was before the call.
+    String format(std::size_t length, bool reported, Formatter* formatter, const char* fmt,
+                  va_list args, bool& fits) {
         const std::lock_guard<util::Lock> guard(m_lock);
         Size size = m_size;
         std::unique_ptr<char[]> larger;
-        if (length != unknown && length >= size.bytes) {
+        if (length != unknown_length && length >= size.bytes) {
             size = reported ? size.above_reported(length) : size.above(length);
             larger = allocated(size.bytes);
         }
         char* const space = larger ? larger.get() : m_space;
-        if (!space) return {};
+        fits = false;
+        if (!space) return String();
         Arguments copy(args);
         const auto made = formatter(space, size.bytes, fmt, copy.list());
-        if (!made) return String();
-        if (made->length >= size.bytes) return {};
-        String text(space, made->visible);
+        fits = !made || made->length < size.bytes;
+        if (!made || !fits) return String();
         if (larger) {
             delete[] m_space;
             m_space = larger.release();
             m_size = size;
         }
-        return text;
+        return String(space, made->visible);
     }
 
   private:
@@ -206,34 +206,27 @@ SharedBuffer shared_buffer;
 // What does not fit the call's own space: `made` is what became of the attempt.
 String format_long(FormattedLength made, SharedBuffer::Formatter* formatter, const char* fmt,
                    va_list args) {
-    const bool reported = formatter == format_by_runtime && made.length != unknown;
-    if (made.length == unknown) {
-        if (auto text = shared_buffer.format(unknown, false, formatter, fmt, args))
-            return std::move(*text);
+    const bool by_runtime = formatter == format_by_runtime;
+    const bool reported = by_runtime && made.length != unknown_length;
+    bool fits = false;
+    if (!reported) {
+        String text = shared_buffer.format(unknown_length, false, formatter, fmt, args, fits);
+        if (fits) return text;
         Arguments copy(args);
-        const auto length = counted_length(fmt, copy.list());
-        if (!length) return String();
-        made.length = *length;
+        const auto counted = by_runtime ? count_by_runtime(fmt, copy.list())
+                                        : util::format_plainly(nullptr, 0, fmt, copy.list());
+        if (!counted) return text;
+        made = *counted;
     }
-    if (auto text = shared_buffer.format(made.length, reported, formatter, fmt, args))
-        return std::move(*text);
-    throw std::bad_alloc();  // longer than was said
-}
-
-template <typename Number>
-void assign_decimal(std::string& text, Number value) {
-    char digits[16];
-    text.assign(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+    String text = shared_buffer.format(made.length, reported, formatter, fmt, args, fits);
+    if (!fits) throw std::bad_alloc();  // longer than was said
+    return text;
 }
 
 }  // namespace
 
-String::String(int v) {
-    assign_decimal(m_text, v);
-}
-String::String(unsigned int v) {
-    assign_decimal(m_text, v);
-}
+String::String(int v) : ExtString([=] { return std::to_string(v); }, made) {}
+String::String(unsigned int v) : ExtString([=] { return std::to_string(v); }, made) {}
 #ifdef _WIN32
 String::String(unsigned long v) : String(static_cast<unsigned int>(v)) {}
 #endif

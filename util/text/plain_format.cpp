@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cstring>
 
-#include "util/internal/find_text.h"
+#include "util/text/find_text.h"
 
 namespace util {
 
@@ -20,8 +20,11 @@ class Output {
         m_length += piece.size();
     }
     void put_text(const char* text) {
-        const std::size_t at = std::min(m_length, m_size);
-        m_length += kernels::copy_text(text, m_space + at, m_size - at);
+        if (m_size == 0) {
+            m_length += text_length(text);
+        } else if (m_length <= m_size) {
+            m_length += kernels::copy_text(text, m_space + m_length, m_size - m_length);
+        }
     }
     void put(char c) {
         if (c == '\0' && m_first_nul == npos) m_first_nul = m_length;
@@ -42,7 +45,10 @@ class Output {
         }
     }
 
-    FormattedLength result() const { return {m_length, std::min(m_length, m_first_nul)}; }
+    FormattedLength result() const {
+        if (m_size != 0 && m_length > m_size) return {unknown_length, 0};
+        return {m_length, std::min(m_length, m_first_nul)};
+    }
 
   private:
     static constexpr std::size_t npos = std::string_view::npos;

@@ -13,9 +13,12 @@ struct FormattedLength {
     std::size_t visible;  // of what comes before its first NUL, which only %c can have put there
 };
 
-// Formats as the runtime does, if fmt holds no other directives than %s %d %i %u %c %x %ld %lu and
-// %%, without flags, widths and precisions; otherwise the result is empty. A text longer than size
-// is measured to its end, and some of it written. Uses the arguments up.
+constexpr std::size_t unknown_length = ~std::size_t{0};
+
+// Formats as the runtime does, if fmt contains no other directives than %s %d %i %u %c %x %ld %lu
+// and %%, without flags, widths and precisions. Otherwise the result is empty. The length of a text
+// longer than `size` is unknown, and some of the text is written. With `size` 0 nothing is written
+// and the length is known. Uses the arguments up.
 std::optional<FormattedLength> format_plainly(char* space, std::size_t size, const char* fmt,
                                               va_list args);
 

@@ -1,11 +1,14 @@
-#include "util/internal/find_text.h"
-#include "util/internal/occurrences.h"
-#include "util/internal/text_writer.h"
+#include <cstring>
+
 #include "util/text/byte_string.h"
+#include "util/text/find_text.h"
+#include "util/text/occurrences.h"
+#include "util/text/text_writer.h"
 
 namespace {
 
-std::string all_replaced(std::string_view text, std::string_view what, std::string_view with) {
+std::string all_replaced_in_long(std::string_view text, std::string_view what,
+                                 std::string_view with) {
     util::Places places(text.size());
     util::add_occurrences(text, what, places);
     if (places.empty()) return std::string(text);
@@ -21,6 +24,27 @@ std::string all_replaced(std::string_view text, std::string_view what, std::stri
     });
     result.put(text.substr(begin));
     return result.take();
+}
+
+// A short text is gone through byte by byte, with a result that fits the call's own space.
+std::string all_replaced(std::string_view text, std::string_view what, std::string_view with) {
+    char space[4 * util::line_size];
+    if (text.size() > util::line_size || with.size() > util::line_size)
+        return all_replaced_in_long(text, what, with);
+    char* end = space;
+    for (std::size_t i = 0; i < text.size();) {
+        if (text[i] != what.front() || text.compare(i, what.size(), what) != 0) {
+            *end++ = text[i++];
+            continue;
+        }
+        const std::size_t rest = text.size() - i;
+        if (static_cast<std::size_t>(end - space) + with.size() + rest > sizeof space)
+            return all_replaced_in_long(text, what, with);
+        std::memcpy(end, with.data(), with.size());
+        end += with.size();
+        i += what.size();
+    }
+    return std::string(space, end);
 }
 
 std::string first_replaced(std::string_view text, std::string_view what, std::string_view with) {

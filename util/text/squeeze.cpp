@@ -1,8 +1,8 @@
 #include <utility>
 
 #include "util/internal/ascii.h"
-#include "util/internal/find_text.h"
 #include "util/text/byte_string.h"
+#include "util/text/find_text.h"
 
 String String::squeeze_spaces() {
     const std::string_view visible = util::c_text(c_str());

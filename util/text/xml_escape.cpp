@@ -1,13 +1,14 @@
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <iterator>
 
-#include "util/internal/find_text.h"
-#include "util/internal/first_word.h"
-#include "util/internal/places.h"
-#include "util/internal/text_writer.h"
+#include "util/internal/position_error.h"
 #include "util/text/byte_string.h"
-#include "util/text/position_error.h"
+#include "util/text/find_text.h"
+#include "util/text/first_word.h"
+#include "util/text/places.h"
+#include "util/text/text_writer.h"
 
 namespace {
 
@@ -105,11 +106,53 @@ std::string_view visible_inside(std::string_view text) {
     return util::up_to_nul(text);
 }
 
+// A text of one line at most is changed byte by byte, into a space of the call's own. Both return
+// the end of what they have written, behind which a word may be written as well.
+constexpr std::size_t short_space = 6 * util::line_size + sizeof(std::uint64_t);
+
+char* put_escaped(std::string_view text, char* to) {
+    for (const char c : text) {
+        if (c == '\0') break;
+        const std::uint64_t word = written_bytes.word(c);
+        std::memcpy(to, &word, sizeof word);
+        to += WrittenBytes::size(word);
+    }
+    return to;
+}
+
+char* put_decoded(std::string_view text, char* to) {
+    for (std::size_t i = 0; i < text.size() && text[i] != '\0'; ++i) {
+        *to = text[i];
+        if (text[i] == '&') {
+            if (const Entity* const entity = entity_table.of(util::first_word(text.substr(i)))) {
+                *to = entity->character();
+                i += entity->size() - 1;
+            }
+        }
+        ++to;
+    }
+    return to;
+}
+
+String changed_short(std::string_view text, char* put_changed(std::string_view text, char* to)) {
+    char space[short_space];
+    if (!has_outer_quotes(text)) return String(space, put_changed(text, space) - space);
+    space[0] = '"';
+    char* const end = put_changed(text.substr(1, text.size() - 2), space + 1);
+    *end = '"';
+    return String(space, end + 1 - space);
+}
+
 }  // namespace
 
 String String::replaceXML() {
-    static const util::kernels::Members specials("&<>\"'");
+    if (size() <= util::line_size) {
+        String result = changed_short(view(), put_escaped);
+        m_text = result.m_text;
+        return result;
+    }
     const std::size_t quotes = has_outer_quotes(view()) ? 1 : 0;
+    static const util::kernels::Members specials("&<>\"'");
     const std::string_view inside = visible_inside(view());
     const util::Places places(inside, specials);
 
@@ -143,8 +186,13 @@ String String::placeXML() {
         m_text.clear();
         util::require_position(npos, size());
     }
-    static const util::kernels::Members ampersand("&");
+    if (size() <= util::line_size) {
+        String result = changed_short(view(), put_decoded);
+        m_text = result.m_text;
+        return result;
+    }
     const std::size_t quotes = has_outer_quotes(view()) ? 1 : 0;
+    static const util::kernels::Members ampersand("&");
     const std::string_view inside = visible_inside(view());
     const std::size_t visible_size = inside.size() + 2 * quotes;
     if (visible_size == size() && util::find_byte(inside, '&') == npos) return *this;

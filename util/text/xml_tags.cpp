@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "util/internal/ascii.h"
-#include "util/internal/find_text.h"
+#include "util/text/find_text.h"
 
 namespace {
 

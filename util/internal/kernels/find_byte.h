@@ -25,12 +25,13 @@ inline std::size_t find_byte_or_nul(const char* text, char c) {
     return i;
 }
 
-// Copies the text before its NUL to a space of so many bytes, if it fits, and returns its length
-// in any case. The rest of the space may be written to as well.
+// Copies the text before its NUL to a space of `space` bytes. Returns its length, or space + 1 for
+// any text that is longer than the space. May write to the rest of the space.
 inline std::size_t copy_text(const char* text, char* to, std::size_t space) {
-    const std::size_t length = find_byte_or_nul(text, '\0');
-    if (length <= space) std::memcpy(to, text, length);
-    return length;
+    std::size_t i = 0;
+    for (; i < space && text[i] != '\0'; ++i)
+        to[i] = text[i];
+    return text[i] == '\0' ? i : space + 1;
 }
 
 }  // namespace plain
@@ -103,32 +104,36 @@ UTIL_READS_WHOLE_BLOCKS inline std::size_t copy_text(const char* text, char* to,
     constexpr std::size_t page_size = 4096;
     const Block nuls = _mm_setzero_si128();
     const auto address = reinterpret_cast<std::uintptr_t>(text);
-    std::size_t i = 0;
-    if (address % page_size <= page_size - block_size) {
-        // Up to a multiple of 64; the second block may overlap the first.
-        for (; i + block_size <= space; i += block_size - (address + i) % block_size) {
-            if (i > 0 && (address + i) % line_size == 0) break;
-            const Block block = load_near(text + i);
-            store(to + i, block);
-            const unsigned bits = equal_bits(block, nuls);
-            if (bits != 0) return i + lowest_bit(bits);
-        }
-        for (; i + line_size <= space; i += line_size) {
-            const Block b0 = load_near(text + i);
-            const Block b1 = load_near(text + i + block_size);
-            const Block b2 = load_near(text + i + 2 * block_size);
-            const Block b3 = load_near(text + i + 3 * block_size);
-            const Block least = _mm_min_epu8(_mm_min_epu8(b0, b1), _mm_min_epu8(b2, b3));
-            if (equal_bits(least, nuls) != 0) break;
-            store(to + i, b0);
-            store(to + i + block_size, b1);
-            store(to + i + 2 * block_size, b2);
-            store(to + i + 3 * block_size, b3);
-        }
+    if (address % page_size > page_size - block_size || space < block_size)
+        return plain::copy_text(text, to, space);
+    const auto nul_bits = [&](std::size_t at) UTIL_READS_WHOLE_BLOCKS {
+        const Block block = load_near(text + at);
+        store(to + at, block);
+        return equal_bits(block, nuls);
+    };
+    if (const unsigned bits = nul_bits(0)) return lowest_bit(bits);
+    // Then blocks up to a multiple of 64, of which the first may overlap the one before it, lines
+    // of 64 as far as they hold no NUL, and blocks again.
+    std::size_t i = block_size - address % block_size;
+    for (; (address + i) % line_size != 0 && i + block_size <= space; i += block_size) {
+        if (const unsigned bits = nul_bits(i)) return i + lowest_bit(bits);
     }
-    const std::size_t rest = find_byte_or_nul(text + i, '\0');
-    if (rest <= space - i) std::memcpy(to + i, text + i, rest);
-    return i + rest;
+    for (; i + line_size <= space; i += line_size) {
+        const Block b0 = load_near(text + i);
+        const Block b1 = load_near(text + i + block_size);
+        const Block b2 = load_near(text + i + 2 * block_size);
+        const Block b3 = load_near(text + i + 3 * block_size);
+        const Block least = _mm_min_epu8(_mm_min_epu8(b0, b1), _mm_min_epu8(b2, b3));
+        if (equal_bits(least, nuls) != 0) break;
+        store(to + i, b0);
+        store(to + i + block_size, b1);
+        store(to + i + 2 * block_size, b2);
+        store(to + i + 3 * block_size, b3);
+    }
+    for (; i + block_size <= space; i += block_size) {
+        if (const unsigned bits = nul_bits(i)) return i + lowest_bit(bits);
+    }
+    return i + plain::copy_text(text + i, to + i, space - i);
 }
 
 }  // namespace sse2

@@ -1,6 +1,6 @@
 // Not installed. Places in a text, as one bit for each of its bytes.
-#ifndef UTIL_INTERNAL_PLACES_H
-#define UTIL_INTERNAL_PLACES_H
+#ifndef UTIL_TEXT_PLACES_H
+#define UTIL_TEXT_PLACES_H
 
 #include <algorithm>
 #include <cstddef>
@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "util/internal/kernels/member_bits.h"
+#include "util/internal/kernels/pair_bits.h"
 
 namespace util {
 
@@ -21,13 +22,20 @@ class Places {
     explicit Places(std::size_t text_size) : Places(text_size, unset) {
         std::fill_n(m_bits, m_lines, 0);
     }
-    // Those of the bytes of a set.
+    // The bytes of a set; one that is made for the call.
+    Places(std::string_view text, std::string_view set) : Places(text.size(), unset) {
+        if (text.size() <= line_size && set.size() <= few) {
+            m_bits[0] = 0;
+            for (const char c : set)
+                m_bits[0] |= kernels::BytePair(c, c, 0).bits(text.data(), text.size());
+            m_empty = m_bits[0] == 0;
+        } else {
+            mark(text, kernels::Members(set));
+        }
+    }
+    // The bytes of a set that is kept.
     Places(std::string_view text, const kernels::Members& set) : Places(text.size(), unset) {
-        std::uint64_t* next = m_bits;
-        set.for_each_line(text, [&](std::uint64_t bits) {
-            m_empty = m_empty && bits == 0;
-            *next++ = bits;
-        });
+        mark(text, set);
     }
     Places(const Places&) = delete;
     Places& operator=(const Places&) = delete;
@@ -62,6 +70,7 @@ class Places {
 
   private:
     static constexpr std::size_t near_lines = 64;
+    static constexpr std::size_t few = 4;
 
     enum Unset { unset };  // the bits are to be written
 
@@ -69,6 +78,14 @@ class Places {
         : m_lines((text_size + line_size - 1) / line_size),
           m_far(m_lines > near_lines ? new std::uint64_t[m_lines] : nullptr),
           m_bits(m_far ? m_far.get() : m_near) {}
+
+    void mark(std::string_view text, const kernels::Members& set) {
+        std::uint64_t* next = m_bits;
+        set.for_each_line(text, [&](std::uint64_t bits) {
+            m_empty = m_empty && bits == 0;
+            *next++ = bits;
+        });
+    }
 
     const std::size_t m_lines;
     bool m_empty = true;

@@ -1,4 +1,4 @@
-#include "util/internal/text_writer.h"
+#include "util/text/text_writer.h"
 
 namespace util {
 

@@ -1,6 +1,6 @@
 // Not installed. All places where a text stands in another, in linear time whatever they are.
-#ifndef UTIL_INTERNAL_OCCURRENCES_H
-#define UTIL_INTERNAL_OCCURRENCES_H
+#ifndef UTIL_TEXT_OCCURRENCES_H
+#define UTIL_TEXT_OCCURRENCES_H
 
 #include <algorithm>
 #include <cstddef>
@@ -9,9 +9,9 @@
 #include <string_view>
 #include <vector>
 
-#include "util/internal/first_word.h"
 #include "util/internal/kernels/pair_bits.h"
-#include "util/internal/places.h"
+#include "util/text/first_word.h"
+#include "util/text/places.h"
 
 namespace util {
 

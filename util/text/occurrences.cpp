@@ -1,8 +1,4 @@
-#include "util/internal/find_text.h"
-
-#include <algorithm>
-
-#include "util/internal/occurrences.h"
+#include "util/text/occurrences.h"
 
 namespace util {
 
@@ -23,17 +19,6 @@ std::size_t common_length(const char* a, std::string_view b) {
     while (length < b.size() && a[length] == b[length])
         ++length;
     return length;
-}
-
-std::size_t find_text(std::string_view text, std::string_view what, std::size_t pos) {
-    constexpr auto none = std::string_view::npos;
-    if (what.empty()) return pos <= text.size() ? pos : none;
-    std::size_t found = none;
-    each_occurrence(text, what, pos, [&](std::size_t at) {
-        found = at;
-        return false;
-    });
-    return found;
 }
 
 }  // namespace util

@@ -1,6 +1,6 @@
 // Not installed. Building a text out of many short pieces.
-#ifndef UTIL_INTERNAL_TEXT_WRITER_H
-#define UTIL_INTERNAL_TEXT_WRITER_H
+#ifndef UTIL_TEXT_TEXT_WRITER_H
+#define UTIL_TEXT_TEXT_WRITER_H
 
 #include <cstddef>
 #include <cstdint>

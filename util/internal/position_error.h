@@ -1,6 +1,6 @@
 // Not installed. The one error that text operations raise for a position beyond the end.
-#ifndef UTIL_TEXT_POSITION_ERROR_H
-#define UTIL_TEXT_POSITION_ERROR_H
+#ifndef UTIL_INTERNAL_POSITION_ERROR_H
+#define UTIL_INTERNAL_POSITION_ERROR_H
 
 #include <cstdint>
 #include <stdexcept>

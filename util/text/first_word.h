@@ -1,6 +1,6 @@
 // Not installed. Up to eight bytes of text at once.
-#ifndef UTIL_INTERNAL_FIRST_WORD_H
-#define UTIL_INTERNAL_FIRST_WORD_H
+#ifndef UTIL_TEXT_FIRST_WORD_H
+#define UTIL_TEXT_FIRST_WORD_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Not installed. Searching a text for a byte, and for another text in linear time, whatever they
 // are.
-#ifndef UTIL_INTERNAL_FIND_TEXT_H
-#define UTIL_INTERNAL_FIND_TEXT_H
+#ifndef UTIL_TEXT_FIND_TEXT_H
+#define UTIL_TEXT_FIND_TEXT_H
 
 #include <cstddef>
 #include <string_view>
