@@ -4,9 +4,10 @@
 
 #include "agent.h"
 
-// Removes the directories that the file RECORD names, deepest first, and nothing else; then RECORD
-// itself, if all of them are gone. With --dry-run only shows what it would do. differences when a
-// directory stays because it is not empty; trouble when one stays for any other reason.
-int cleanup(const Arguments& arguments);
+// Removes the directories that the file RECORD names, deepest first, and nothing else. Then removes
+// RECORD itself if all of them are gone. With --dry-run only shows what it would do. Returns
+// differences when a directory stays because it is not empty, trouble when one stays for any other
+// reason.
+extern const Verb cleanup_verb;
 
 #endif

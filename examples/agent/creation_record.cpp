@@ -1,15 +1,16 @@
 #include "creation_record.h"
 
 #include "agent.h"
+#include "errors.h"
 
 namespace {
 
-// "C:\" and what is below it. A path that hangs on a current directory means another one tomorrow.
+// "C:\" and what is below it. A path relative to a current directory means another one tomorrow.
 bool is_full_directory(std::string_view path) {
     return path.size() >= 3 && path.substr(1, 2) == ":\\" && path.back() == '\\';
 }
 
-// A record that breaks off is read as far as it goes; only its length in the file tells.
+// A text record that breaks off is read as far as it goes. Only its length in the file shows that.
 std::size_t recorded_size(const String& text) {
     const std::size_t size = text.size() + 1;
     return std::to_string(size).size() + 1 + size;
@@ -19,10 +20,7 @@ std::size_t recorded_size(const String& text) {
 
 std::vector<String> read_creation_record(const String& path) {
     XrFile file(path, "r");
-    int code = 0;
-    if (file.Error(code)) {
-        throw Trouble(String::format("cannot open '%s' (error %d)", path.c_str(), code));
-    }
+    if (file.Error()) throw Trouble("cannot open '" + path + "': " + error_text(file));
     std::vector<String> directories;
     while (!file.Eof()) {
         const long begin = file.Tell();
@@ -36,8 +34,6 @@ std::vector<String> read_creation_record(const String& path) {
         }
         directories.push_back(directory);
     }
-    if (file.Error(code)) {
-        throw Trouble(String::format("cannot read '%s' (error %d)", path.c_str(), code));
-    }
+    if (file.Error()) throw Trouble("cannot read '" + path + "': " + error_text(file));
     return directories;
 }

@@ -6,9 +6,9 @@
 
 #include "util/util.h"
 
-// The directories in the order in which they were recorded, each a full path with its closing
-// backslash. Ends in Trouble when the file cannot be read whole, breaks off, or names anything
-// else: what it says is to be removed, so nothing in it is guessed.
+// Returns the directories in the order of the record, each a full path with its closing backslash.
+// Raises Trouble when the file cannot be read whole, breaks off, or names anything else. What it
+// names will be removed, so nothing in it is guessed.
 std::vector<String> read_creation_record(const String& path);
 
 #endif

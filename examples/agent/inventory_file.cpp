@@ -1,16 +1,17 @@
-// The format, all of it XrFile's binary records:
+// The format, in XrFile's binary records:
 //
 //     "util agent inventory", version          what it is
 //     root, taken, number of entries
 //     path, mode, size, modified               once for each entry
 //     checksum                                 over everything before it
 //
-// A number that may need more than 32 bits is stored as text; the operators move an int.
+// A number that may need more than 32 bits is stored as text: the operators for numbers are 32-bit.
 #include "inventory_file.h"
 
 #include <cstdlib>
 
 #include "agent.h"
+#include "errors.h"
 
 namespace {
 
@@ -18,9 +19,7 @@ const char* const format_name = "util agent inventory";
 constexpr int format_version = 1;
 
 String failed(const char* what, const String& path, const XrFile& file) {
-    int code = 0;
-    file.Error(code);
-    return String::format("cannot %s '%s' (error %d)", what, path.c_str(), code);
+    return String::format("cannot %s '%s': ", what, path.c_str()) + error_text(file);
 }
 
 class Checksum {
@@ -49,7 +48,7 @@ class RecordWriter {
     void put(std::uint64_t number) { put(String(std::to_string(number))); }
     void put(std::int64_t number) { put(String(std::to_string(number))); }
 
-    // XrFile keeps the first failure until here: the records need no test of their own.
+    // XrFile keeps a failure until here, so the records need no test of their own.
     void finish() {
         m_file << m_checksum.value();
         if (m_file.Error() || !m_file.Close()) throw Trouble(failed("write", m_path, m_file));
@@ -67,7 +66,7 @@ class RecordReader {
         if (m_file.Error()) throw Trouble(failed("open", m_path, m_file));
     }
 
-    // What cannot be read is empty or 0; check() tells.
+    // "" or 0 when nothing can be read. check() raises that as Trouble.
     String text() {
         String value;
         m_file >> value;
@@ -107,6 +106,18 @@ class RecordReader {
 
 bool is_same(const Entry& a, const Entry& b) {
     return a.mode == b.mode && a.size == b.size && (a.is_directory() || a.modified == b.modified);
+}
+
+JsonMembers json_status(const Entry& entry) {
+    const String modified = utc_text(entry.modified);
+    return {{"type", json(String(entry.is_directory() ? "directory" : "file"))},
+            {"size", entry.is_directory() ? "null" : json(entry.size)},
+            {"modified", modified.empty() ? "null" : json(modified)}};
+}
+
+std::vector<String> csv_status(const Entry& entry) {
+    if (entry.is_directory()) return {"directory", "", utc_text(entry.modified)};
+    return {"file", std::to_string(entry.size), utc_text(entry.modified)};
 }
 
 void write_inventory(const String& path, const Inventory& inventory) {

@@ -5,20 +5,26 @@
 #include <cstdint>
 #include <vector>
 
+#include "formats.h"
 #include "util/util.h"
 
 struct Entry {
     String path;                // relative to the tree's root, separated by backslashes
-    int mode = 0;               // as in the runtime's status record; 0 when it could not be had
+    int mode = 0;               // as in the runtime's status record
     std::uint64_t size = 0;     // bytes; 0 for a directory
     std::int64_t modified = 0;  // seconds since 1970 UTC
 
     bool is_directory() const { return (mode & 0xF000) == 0x4000; }
 };
 
-// Whether the two, of the same path, agree in all but the time of a directory: that follows from
-// what is in it, which has entries of its own.
+// Whether two entries of the same path agree. The time of a directory is ignored: it follows from
+// what is in the directory, which has entries of its own.
 bool is_same(const Entry& a, const Entry& b);
+
+// Type, size and time as members of a JSON object, and as three CSV fields. A directory has no
+// size.
+JsonMembers json_status(const Entry& entry);
+std::vector<String> csv_status(const Entry& entry);
 
 struct Inventory {
     String root;             // as the user gave it
@@ -26,8 +32,8 @@ struct Inventory {
     std::vector<Entry> entries;
 };
 
-// Both end in Trouble when they fail. What is read is what was written: a file that breaks off,
-// goes on behind its end, or is damaged in between is refused.
+// Both raise Trouble when they fail. A file that breaks off, goes on after its end, or is damaged
+// in between is refused.
 void write_inventory(const String& path, const Inventory& inventory);
 Inventory read_inventory(const String& path);
 

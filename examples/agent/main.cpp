@@ -1,58 +1,91 @@
-// The sample agent: what a program on top of util looks like. Each verb has its own file pair; a
-// new one needs nothing here but a line in the table.
+// The sample agent: what a program on top of util looks like. Each verb has its own file pair. A
+// new verb needs a line in the table here.
 #include <exception>
 
 #include "agent.h"
 #include "cleanup.h"
 #include "compare.h"
+#include "errors.h"
 #include "inventory.h"
 #include "notify.h"
 #include "output.h"
 #include "prepare.h"
 #include "report.h"
+#include "versions.h"
 #include "watch.h"
 
 namespace {
 
-struct Verb {
-    const char* name;
-    const char* arguments;
-    const char* purpose;
-    int (*run)(const Arguments&);
-};
+const Verb* const verbs[] = {&inventory_verb, &compare_verb, &report_verb, &watch_verb,
+                             &prepare_verb,   &cleanup_verb, &notify_verb};
 
-const Verb verbs[] = {
-    {"inventory", "[--skip NAME]... DIR FILE", "list the tree DIR into the inventory FILE",
-     inventory},
-    {"compare", "OLD NEW", "show what changed between two inventory files", compare},
-    {"report", "[--xml]", "check the configuration of this machine", report},
-    {"watch", "PORT", "answer status lines on a port of this machine (0: any free one)", watch},
-    {"prepare", "DIR RECORD", "create the directory DIR, and note in RECORD what was missing",
-     prepare},
-    {"cleanup", "[--dry-run] RECORD", "remove the directories that RECORD names", cleanup},
-    {"notify", "PICKUP-DIR FROM TO SUBJECT BODY", "drop a mail into a pickup directory", notify},
-};
-
-String usage(const Verb& verb) {
-    return String::format("agent %s %s", verb.name, verb.arguments);
+const Verb* find_verb(const String& name) {
+    for (const Verb* verb : verbs) {
+        if (name == verb->name) return verb;
+    }
+    return nullptr;
 }
 
-String usage() {
-    String text = "usage: agent VERB ARGUMENTS\n\n";
-    for (const Verb& verb : verbs) {
-        text += "  " + usage(verb) + "\n      " + verb.purpose + "\n";
-    }
-    return text + "\nexit status: 0 all well, 1 differences, 2 trouble";
+// All texts for the user are printed line by line: what comes out in one piece is one line.
+void print_lines(const String& text) {
+    for (const String& line : text.split("\n", false))
+        print(line);
+}
+
+String usage(const Verb& verb) {
+    return String::format("usage: agent %s %s", verb.name, verb.words);
+}
+
+void print_help(const Verb& verb) {
+    print(usage(verb));
+    print(verb.purpose);
+    print_lines(verb.help);
+}
+
+void print_help() {
+    print("usage: agent VERB ARGUMENTS");
+    for (const Verb* verb : verbs)
+        print(String::format("  %-10s  %s", verb->name, verb->purpose));
+    print_lines(
+        "'agent VERB --help' shows the options of a verb. '--' ends them: all words after it are "
+        "names.\n'agent --version' shows the versions of agent and util.dll.\n"
+        "exit status: 0 all well, 1 differences, 2 trouble");
 }
 
 int run(const Verb& verb, const Arguments& arguments) {
     try {
         return verb.run(arguments);
+    } catch (const HelpWanted&) {
+        print_help(verb);
+        return all_well;
     } catch (const UsageError& error) {
-        warn(error.what() + ("\nusage: " + usage(verb)));
+        warn(error.what());
+        warn(usage(verb));
     } catch (const std::exception& error) {
         warn(error.what());
     }
+    return trouble;
+}
+
+int run(const Arguments& words) {
+    const String name = words.empty() ? "" : words.front();
+    const Arguments rest(words.begin() + (words.empty() ? 0 : 1), words.end());
+    if (const Verb* const verb = find_verb(name)) return run(*verb, rest);
+    if (name == "help" || name == "--help" || name == "-h") {
+        const Verb* const verb = rest.empty() ? nullptr : find_verb(rest.front());
+        if (verb) {
+            print_help(*verb);
+        } else {
+            print_help();
+        }
+        return all_well;
+    }
+    if (name == "--version") {
+        print_lines(versions());
+        return all_well;
+    }
+    warn(name.empty() ? String("a verb is needed") : "unknown verb '" + name + "'");
+    warn("'agent --help' lists the verbs");
     return trouble;
 }
 
@@ -69,17 +102,5 @@ Arguments utf8_arguments(int argc, wchar_t** argv) {
 
 extern "C" int wmain(int argc, wchar_t** argv) {
     const Output output;
-    Arguments arguments = utf8_arguments(argc, argv);
-    if (arguments.empty()) arguments.push_back("");
-    const String name = arguments.front();
-    arguments.erase(arguments.begin());
-    if (name == "help" || name == "--help") {
-        print(usage());
-        return all_well;
-    }
-    for (const Verb& verb : verbs) {
-        if (name == verb.name) return run(verb, arguments);
-    }
-    warn((name.empty() ? "a verb is needed" : "unknown verb '" + name + "'") + "\n" + usage());
-    return trouble;
+    return run(utf8_arguments(argc, argv));
 }

@@ -10,15 +10,17 @@
 #include <set>
 #include <string>
 
+#include "errors.h"
+#include "options.h"
 #include "output.h"
 
 namespace {
 
-// Beyond this the platform makes no files there; somewhat beyond, the library would look further
-// and find the pickup directory of another service.
+// The platform makes no files in a longer directory. From 261 bytes on, the library would ignore
+// the setting and find the pickup directory of another service.
 constexpr std::uint64_t longest_directory = 246;
 
-// Names the pickup directory in the registry, as long as it lives. Keys made for that go, too.
+// While it lives, the registry names the pickup directory. Then what it made there goes again.
 class PickupSetting {
   public:
     explicit PickupSetting(const String& directory) {
@@ -71,8 +73,8 @@ class PickupSetting {
 
     static void require(LSTATUS error) {
         if (error == ERROR_SUCCESS) return;
-        throw Trouble(
-            String::format("cannot set the registry value \"EmailPickupDir\" (error %ld)", error));
+        throw Trouble("cannot set the registry value \"EmailPickupDir\": " +
+                      error_text(static_cast<unsigned long>(error)));
     }
 
     static constexpr const wchar_t* name = L"EmailPickupDir";
@@ -92,30 +94,32 @@ std::set<String> messages_in(const String& directory) {
     return names;
 }
 
-// As it stands, line ends and all. It may be gone again: that is what the directory is for.
+// Prints the message as it is in the file. It may be gone already: the mail service takes it.
 void print_message(const String& path) {
     XrFile file(path, "r");
     std::string text(static_cast<std::size_t>(file.Size()), '\0');
     file.Read(text.data(), text.size());
     print(path + ", " + (file.Error() ? String("taken already") : size_text(double(text.size()))));
-    if (!file.Error()) print(text);
+    if (file.Error()) return;
+    for (const String& line : String(text).split("\n", false))
+        print("  " + line.trim("\r"));
 }
-
-}  // namespace
 
 int notify(const Arguments& arguments) {
     const char* const needs = "notify needs a directory, sender, recipients, subject and body";
-    if (arguments.size() != 5) throw UsageError(needs);
-    email mail(arguments[1], arguments[2], arguments[3], arguments[4]);
+    const Options options(arguments, {});
+    const Arguments& words = options.operands();
+    if (words.size() != 5) throw UsageError(needs);
+    email mail(words[1], words[2], words[3], words[4]);
     if (mail.isNull()) throw UsageError(needs);
-    const String& directory = arguments[0];
+    const String& directory = words[0];
     if (directory.empty() || !XrDirectory::IsDirectory(directory))
         throw Trouble("'" + directory + "' is not a directory");
     if (directory.size() > longest_directory)
         throw Trouble("'" + directory + "' is too long for a pickup directory");
 
     const std::set<String> before = messages_in(directory);
-    const int answer = [&] {
+    const int result = [&] {
         const PickupSetting setting(directory);
         return mail.send();
     }();
@@ -125,8 +129,17 @@ int notify(const Arguments& arguments) {
         print_message(directory + "\\" + name);
         ++waiting;
     }
-    print(String::format("send() answered %d ", answer) +
-          (answer == 0 ? String("(sent)") : "(" + mail.GetLastErrorMessage() + ")") +
+    print(String::format("send() returned %d ", result) +
+          (result == 0 ? String("(sent)") : "(" + mail.GetLastErrorMessage() + ")") +
           String::format(", messages in the directory: %d", waiting));
-    return answer == 0 ? all_well : trouble;
+    if (result != 0 && waiting > 0) print("the messages wait until a mail service takes them");
+    return result == 0 ? all_well : trouble;
 }
+
+}  // namespace
+
+const Verb notify_verb = {"notify", "PICKUP-DIR FROM TO SUBJECT BODY",
+                          "Drops a mail into a pickup directory.",
+                          "TO may name several recipients, separated by ';'.\n"
+                          "Exit status: 0 sent, 2 trouble.",
+                          notify};

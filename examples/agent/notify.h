@@ -4,12 +4,12 @@
 
 #include "agent.h"
 
-// Drops a mail into PICKUP-DIR, for each recipient of TO (separated by ";") one message file, and
-// shows the files and what sending answered; trouble when that was a failure. The answer is one
-// also when the files are there but the mail service is not.
+// Drops a mail into PICKUP-DIR: one message file for each recipient of TO, separated by ";". Shows
+// the files and the result of send(). Returns trouble when send() fails. It also fails when the
+// files are there but the mail service is not.
 //
-// For the moment of sending, the registry names PICKUP-DIR as this machine's pickup directory.
-// Where it names one already nothing is sent: that one is in use. So one such call at a time.
-int notify(const Arguments& arguments);
+// While the mail is sent, the registry names PICKUP-DIR as this machine's pickup directory. Sends
+// nothing when the registry names one already: that one is in use. So one such call at a time.
+extern const Verb notify_verb;
 
 #endif

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <iterator>
 
-// The program's only calls of the platform: what encoding a console takes is not the library's
-// business. Declared here, so that <windows.h> and its macros stay out.
+// The library does not set a console's encoding, so the platform is called. Declared here to keep
+// <windows.h> and its macros out.
 extern "C" __declspec(dllimport) unsigned int __stdcall GetConsoleOutputCP();
 extern "C" __declspec(dllimport) int __stdcall SetConsoleOutputCP(unsigned int page);
 
@@ -19,10 +19,11 @@ bool is_terminal(std::FILE* stream) {
     return _isatty(_fileno(stream)) != 0;
 }
 
-// A line goes out in one piece: a console cannot put a character together from single bytes.
+// Writes the line in one piece: a console cannot put a character together from single bytes.
 void put_line(std::FILE* stream, const String& line) {
-    std::fputs(line + String::eol, stream);
-    if (stream == stderr || is_terminal(stream)) std::fflush(stream);
+    const bool on_terminal = is_terminal(stream);
+    std::fputs((on_terminal ? visible(line) : line) + String::eol, stream);
+    if (stream == stderr || on_terminal) std::fflush(stream);
 }
 
 }  // namespace
@@ -30,7 +31,7 @@ void put_line(std::FILE* stream, const String& line) {
 Output::Output() : m_console_page(GetConsoleOutputCP()) {
     SetConsoleOutputCP(utf8_page);
     for (std::FILE* stream : {stdout, stderr}) {
-        // The same bytes everywhere: lines end in a line feed, also in a file.
+        // Lines end in a line feed everywhere, in files as well.
         _setmode(_fileno(stream), _O_BINARY);
         std::setvbuf(stream, nullptr, _IOFBF, std::size_t{32} * 1024);
     }
@@ -45,7 +46,27 @@ void print(const String& line) {
     put_line(stdout, line);
 }
 void warn(const String& message) {
+    std::fflush(stdout);
     put_line(stderr, "agent: " + message);
+}
+
+String visible(const String& text) {
+    String shown;
+    for (const char* at = text; *at != '\0'; ++at) {
+        const auto byte = static_cast<unsigned char>(*at);
+        const auto next = static_cast<unsigned char>(at[1]);
+        // U+0080 to U+009F are control characters as well. In UTF-8 they are C2 and the number.
+        const bool is_wide_control = byte == 0xC2 && next >= 0x80 && next <= 0x9F;
+        if (byte < 0x20 || byte == 0x7F) {
+            shown += String::format("\\x%02X", byte);
+        } else if (is_wide_control) {
+            shown += String::format("\\u%04X", next);
+            ++at;
+        } else {
+            shown += *at;
+        }
+    }
+    return shown;
 }
 
 String size_text(double bytes) {

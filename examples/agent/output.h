@@ -1,4 +1,4 @@
-// What the user gets to see: texts for sizes and dates, warnings, progress.
+// What the user sees: lines, warnings, progress, texts for sizes and dates.
 #ifndef AGENT_OUTPUT_H
 #define AGENT_OUTPUT_H
 
@@ -17,9 +17,15 @@ class Output {
     unsigned int m_console_page;  // to be put back: the console outlives this program
 };
 
-// One line on standard output; on standard error, with the program's name in front.
+// Prints a line on standard output.
 void print(const String& line);
+
+// Prints a line on standard error, after what was printed until then. "agent: " goes before it.
 void warn(const String& message);
+
+// `text` as a terminal gets it: control characters as "\x1B", so that no name can command it.
+// print() and warn() do this by themselves. Files and pipes get every byte as it is.
+String visible(const String& text);
 
 // At most 9 characters: size_text(1536) is "1.5 KB".
 String size_text(double bytes);

@@ -4,9 +4,9 @@
 
 #include "agent.h"
 
-// Creates DIR with all that is missing above it, appends to the file RECORD what it created, and
-// shows it as the file has it. What is created before a failure is recorded and shown, too. DIR is
-// recorded as a full path, so that a clean-up may run anywhere; a share needs a drive letter.
-int prepare(const Arguments& arguments);
+// Creates DIR and all missing directories above it. Appends what it created to the file RECORD, and
+// prints that part of the file. What was created before a failure is recorded and printed as well.
+// RECORD holds full paths, so a clean-up may run anywhere. A share needs a drive letter first.
+extern const Verb prepare_verb;
 
 #endif

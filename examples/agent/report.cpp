@@ -4,6 +4,9 @@
 #include <ctime>
 
 #include "drives.h"
+#include "errors.h"
+#include "formats.h"
+#include "options.h"
 #include "output.h"
 
 namespace {
@@ -15,8 +18,8 @@ const char* const no_answer = "the system does not answer";
 // would take "C:\" from <system_path> for an element "path".
 struct Finding {
     String name;
-    String value;   // empty when there is none
-    String reason;  // why, then
+    String value;   // "" when there is none
+    String reason;  // why there is none
 
     bool is_missing() const { return value.empty(); }
 };
@@ -52,14 +55,12 @@ void add_system(Findings& findings) {
     findings.push_back({"edition", edition(), no_answer});
 
     const bool clustered = UTIL_IsCluster();
-    String reason;
-    UTIL_FormatMessage(reason);  // only of interest when there is none
-    findings.push_back({"cluster", clustered ? "installed" : "", reason.trim("\r\n ")});
+    findings.push_back({"cluster", clustered ? "installed" : "", last_error_text()});
 
     unsigned char emulated = 0;
     const unsigned long error = UTIL_getIsWow64(&emulated);
     const char* const value = emulated ? "32-bit program on 64-bit Windows" : "none";
-    findings.push_back({"emulation", error == 0 ? value : "", String::format("error %lu", error)});
+    findings.push_back({"emulation", error == 0 ? value : "", error_text(error)});
 }
 
 void add_directories(Findings& findings) {
@@ -122,7 +123,7 @@ void add_database(Findings& findings) {
     String password;
     String reason;
     bool complete = false;
-    // Asked first: without the key the next call would make one.
+    // This comes first: the next call makes a missing key.
     if (!registry_text("Database Path", reason).empty()) {
         complete = UTIL_getTSSEDBInfoFromRegistry(server_key, path, user, password);
         reason = "the key cannot be opened with full access";
@@ -161,23 +162,39 @@ void print_aligned(const Findings& findings) {
 }
 
 void print_xml(const Findings& findings) {
+    print("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
+    print("<report>");
     for (const Finding& finding : findings) {
         const String tag = finding.name.replace(" ", "_");
-        String line;
-        if (finding.is_missing()) {
-            UTIL_addTag(line, tag + "_missing", finding.reason);
-        } else {
-            UTIL_addTag(line, tag, finding.value);
-        }
-        print(line);
+        print(finding.is_missing() ? xml_element(tag + "_missing", finding.reason)
+                                   : xml_element(tag, finding.value));
     }
+    print("</report>");
 }
 
-}  // namespace
+void print_json(const Findings& findings) {
+    JsonDocument document;
+    document.member("taken", json(utc_text(std::time(nullptr))));
+    document.list("findings");
+    for (const Finding& finding : findings) {
+        document.element(
+            json_object({{"name", json(finding.name)},
+                         {"value", finding.is_missing() ? "null" : json(finding.value)},
+                         {"reason", finding.is_missing() ? json(finding.reason) : "null"}}));
+    }
+    document.end();
+}
+
+void print_csv(const Findings& findings) {
+    print("name,value,reason");
+    for (const Finding& finding : findings)
+        print(csv_row({finding.name, finding.value, finding.is_missing() ? finding.reason : ""}));
+}
 
 int report(const Arguments& arguments) {
-    const bool xml = arguments.size() == 1 && arguments[0] == "--xml";
-    if (!xml && !arguments.empty()) throw UsageError("report takes nothing but --xml");
+    const Options options(arguments, {"--json", "--csv", "--xml"});
+    const Format format = format_of(options);
+    if (!options.operands().empty()) throw UsageError("report takes no names");
     Findings findings;
     add_system(findings);
     add_directories(findings);
@@ -186,11 +203,29 @@ int report(const Arguments& arguments) {
     add_database(findings);
     add_mail(findings);
     add_snapshot_tool(findings);
-    if (xml) {
-        print_xml(findings);
-    } else {
-        print("configuration, " + date_text(std::time(nullptr)));
-        print_aligned(findings);
+    switch (format) {
+        case Format::json:
+            print_json(findings);
+            break;
+        case Format::csv:
+            print_csv(findings);
+            break;
+        case Format::xml:
+            print_xml(findings);
+            break;
+        case Format::text:
+            print("configuration, " + date_text(std::time(nullptr)));
+            print_aligned(findings);
     }
     return all_well;
 }
+
+}  // namespace
+
+const Verb report_verb = {"report", "[--json | --csv | --xml]",
+                          "Shows the configuration of this machine.",
+                          "  --json  one JSON object with a list of names and values\n"
+                          "  --csv   one line for each name\n"
+                          "  --xml   one XML document, an element for each name\n"
+                          "Exit status: 0, whatever is missing.",
+                          report};

@@ -1,14 +1,17 @@
-// agent report [--xml]
+// agent report [--json | --csv | --xml]
 #ifndef AGENT_REPORT_H
 #define AGENT_REPORT_H
 
 #include "agent.h"
 
-// Shows how this machine is configured: one line for each thing, with its value, or in parentheses
-// why there is none. With --xml each line is a fragment that UTIL_extractTag reads: the tag is the
-// thing's name with "_" for blanks, followed by "_missing" when the text is a reason. Changes
-// nothing on the machine and never shows a password. Always all_well: what has to be there is for
-// the reader to say.
-int report(const Arguments& arguments);
+// Shows how this machine is configured: one line for each thing, with its value, or with the reason
+// why there is none in parentheses.
+//
+// With --xml the line is an element that UTIL_extractTag reads. Its tag is the name of the thing
+// with "_" for blanks, and with "_missing" at the end when the text is a reason.
+//
+// Changes nothing on the machine and never shows a password. Always returns all_well: the reader
+// knows what has to be there.
+extern const Verb report_verb;
 
 #endif

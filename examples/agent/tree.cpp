@@ -1,9 +1,17 @@
 #include "tree.h"
 
+#define WIN32_LEAN_AND_MEAN
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
 #include <sys/stat.h>
 
 #include <filesystem>
 #include <system_error>
+
+#include "errors.h"
 
 namespace fs = std::filesystem;
 
@@ -18,11 +26,14 @@ bool same_file(const String& a, const String& b) {
     return fs::equivalent(native(a), native(b), error);
 }
 
-// XrDirectory gives an unreadable directory an empty listing, as if it were empty.
+// False, with the platform's last error, for a directory that cannot be listed. XrDirectory gives
+// such a directory an empty listing.
 bool is_readable(const String& directory) {
-    std::error_code error;
-    const fs::directory_iterator opened(native(directory), error);
-    return !error;
+    WIN32_FIND_DATAW first;
+    const HANDLE search = UTF8_FindFirstFile(join(directory, "*"), &first, nullptr);
+    if (search == INVALID_HANDLE_VALUE) return GetLastError() == ERROR_FILE_NOT_FOUND;  // empty
+    FindClose(search);
+    return true;
 }
 
 unsigned int hash_of_names(const XrDirectory::List& list) {
@@ -42,18 +53,12 @@ String join(const String& root, const String& relative) {
 }
 
 bool read_status(const String& path, Entry& entry) {
-    struct _stat64i32 status;
-    if (UTF8_stat(path, &status) != 0) return false;
+    // UTF8_stat() and the entries of a listing have sizes of 32 bits. The runtime's record has 64.
+    struct _stat64 status;
+    if (_wstat64(native(path).c_str(), &status) != 0) return false;
     entry.mode = status.st_mode;
     entry.modified = status.st_mtime;
-    entry.size = 0;
-    if (entry.is_directory()) return true;
-    // Neither this record nor a listing's entry holds more than the low 32 bits of a size, and
-    // nothing in them tells that bits are missing. The standard library knows all 64.
-    std::error_code error;
-    const std::uint64_t size = fs::file_size(native(path), error);
-    if (error) return false;
-    entry.size = size;
+    entry.size = entry.is_directory() ? 0 : static_cast<std::uint64_t>(status.st_size);
     return true;
 }
 
@@ -63,7 +68,7 @@ void Walk::run(const String& root) {
         const String directory = pending.back();
         pending.pop_back();
         if (!is_readable(join(root, directory))) {
-            unreadable.push_back(directory);
+            unreadable.push_back({directory, last_error_text()});
         } else {
             list(root, directory, pending);
         }
@@ -86,7 +91,7 @@ void Walk::list(const String& root, const String& directory, std::vector<String>
             continue;
         }
         if (!read_status(path, entry)) {
-            unreadable.push_back(entry.path);
+            unreadable.push_back({entry.path, last_error_text()});
             continue;
         }
         if (entry.is_directory()) pending.push_back(entry.path);
@@ -95,9 +100,9 @@ void Walk::list(const String& root, const String& directory, std::vector<String>
     }
 }
 
-// A link may lead to a directory above it; following it would never end. To ask the system about
-// every pair would take most of the walk's time, so only directories with the same names in them
-// are asked about.
+// A link may lead to a directory above it. Following such a link would never end. Comparing every
+// pair of directories would take most of the walk's time, so only directories with the same names
+// in them are compared.
 bool Walk::leads_back_up(const String& root, const String& directory, unsigned int names) {
     m_names[directory] = names;
     String above = directory;
@@ -116,7 +121,7 @@ bool Walk::is_wanted(const String& name, const String& path) const {
     for (const String& skipped : skip) {
         if (lower == skipped.to_lower()) return false;
     }
-    // The names decide first: asking the system about every file would cost more than the walk.
+    // The names are compared first: comparing the files would cost more than the walk.
     const String own_name = String(native(own_file).filename().u8string());
     return lower != own_name.to_lower() || !same_file(path, own_file);
 }

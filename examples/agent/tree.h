@@ -10,21 +10,28 @@
 #include "inventory_file.h"
 #include "util/util.h"
 
-// root and a path below it, in one.
+// The path of `relative` below `root`.
 String join(const String& root, const String& relative);
 
-// Fills in mode, size and time of the file or directory at path; false when they cannot be had.
+// Fills in mode, size and time of the file or directory at `path`. False, with the platform's last
+// error, when the system refuses.
 bool read_status(const String& path, Entry& entry);
 
 struct Walk {
-    std::vector<String> skip;  // names left out wherever they occur, in any case of letters
-    String own_file;           // left out, too: the file that the walk's result goes to
+    struct Refusal {
+        String path;    // relative
+        String reason;  // the system's text
+    };
+
+    std::vector<String> skip;  // names to leave out everywhere; upper and lower case are the same
+    String own_file;           // left out as well: the file that the result is written to
     std::function<void(std::uint64_t entries)> progress;
 
-    std::vector<Entry> entries;       // found; a directory comes before what is in it
-    std::vector<String> left_out;     // relative paths, for either reason above
-    std::vector<String> not_entered;  // links back up the tree, listed but not followed
-    std::vector<String> unreadable;   // directories and entries that the system refused
+    // Results, with relative paths.
+    std::vector<Entry> entries;       // a directory comes before its content
+    std::vector<String> left_out;     // because of `skip` or `own_file`
+    std::vector<String> not_entered;  // links back up the tree: listed, not followed
+    std::vector<Refusal> unreadable;  // directories and entries that the system refused
 
     void run(const String& root);
 

@@ -15,23 +15,25 @@
 #include <string_view>
 #include <utility>
 
+#include "errors.h"
+#include "options.h"
 #include "output.h"
 
 namespace {
 
 constexpr std::size_t longest_line = 4096;
 
-// Poll announces bytes and ends, but no connections: those are looked for whenever it was quiet
-// for so many milliseconds, and after each event.
+// Poll announces data and ends, but no connections. The server looks for those after each event,
+// and after so many milliseconds without one.
 constexpr int look_for_clients = 50;
 
-// Windows Sockets, as long as it lives.
+// Keeps Windows Sockets started while it lives.
 class Sockets {
   public:
     Sockets() {
         WSADATA data;
         if (const int error = WSAStartup(MAKEWORD(2, 0), &data); error != 0)
-            throw Trouble(String::format("no sockets (error %d)", error));
+            throw Trouble("no sockets: " + error_text(static_cast<unsigned long>(error)));
     }
     ~Sockets() { WSACleanup(); }
     Sockets(const Sockets&) = delete;
@@ -84,15 +86,15 @@ class Listener {
             listen(m_socket.get(), SOMAXCONN) != 0 ||
             getsockname(m_socket.get(), name, &size) != 0 ||
             ioctlsocket(m_socket.get(), static_cast<long>(FIONBIO), &non_blocking) != 0) {
-            throw Trouble(
-                String::format("cannot listen on port %d (error %d)", port, WSAGetLastError()));
+            const String reason = last_error_text();
+            throw Trouble(String::format("cannot listen on port %d: ", port) + reason);
         }
         m_port = ntohs(address.sin_port);
     }
 
     int port() const { return m_port; }
 
-    // A closed one when nobody waits.
+    // Returns a closed socket when nobody waits.
     Socket accept() const { return Socket(::accept(m_socket.get(), nullptr, nullptr)); }
 
   private:
@@ -100,7 +102,7 @@ class Listener {
     int m_port = 0;
 };
 
-// One callback for all clients, so that none is gone while it runs.
+// One callback for all clients: a client's own could not outlive the client.
 class Server : Poll::Callback {
   public:
     explicit Server(const Listener& listener) : m_listener(listener) {}
@@ -145,13 +147,13 @@ class Server : Poll::Callback {
         }
     }
 
-    // Poll lets go of the socket before it is closed, for its number may come back at once.
+    // Poll must forget the socket before it is closed: its number may come back at once.
     void drop(int fd) {
         m_poll.remove(fd);
         m_clients.erase(fd);
     }
 
-    // Reads all there is; false when this client's connection is to end.
+    // Reads all there is. False when this client's connection has to end.
     bool serve(Client& client) {
         char buffer[4096];
         for (;;) {
@@ -183,7 +185,7 @@ class Server : Poll::Callback {
         return false;
     }
 
-    // A client that does not read keeps its answers waiting; nobody else is to wait with it.
+    // A client that does not read makes send_line() fail. Nobody else waits for it.
     bool answer(const Client& client, std::string_view line) {
         ++m_lines;
         const std::string_view verb = line.substr(0, line.find(' '));
@@ -216,11 +218,10 @@ class Server : Poll::Callback {
     bool m_stopping = false;
 };
 
-}  // namespace
-
 int watch(const Arguments& arguments) {
-    if (arguments.size() != 1) throw UsageError("watch needs a port");
-    const int port = parse_port(arguments[0]);
+    const Options options(arguments, {});
+    if (options.operands().size() != 1) throw UsageError("watch needs a port");
+    const int port = parse_port(options.operands()[0]);
     const Sockets sockets;
     const Listener listener(port);
     Server server(listener);
@@ -230,3 +231,11 @@ int watch(const Arguments& arguments) {
     print("stopped, lines " + std::to_string(server.lines()));
     return all_well;
 }
+
+}  // namespace
+
+const Verb watch_verb = {"watch", "PORT", "Answers status lines on a port of this machine.",
+                         "PORT 0 takes any free port. The first line shows which.\n"
+                         "A client's line 'quit' ends it.\n"
+                         "Exit status: 0 ended by a client, 2 trouble.",
+                         watch};
