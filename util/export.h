@@ -1,7 +1,13 @@
-// How names leave util.dll. Every public declaration carries UTIL_API; every plain function whose
-// exported name is unmangled stands inside UTIL_EXTERN_C_BEGIN / UTIL_EXTERN_C_END.
+// How names leave util.dll. Every public declaration carries UTIL_API. Every function whose
+// exported name is unmangled is declared between UTIL_EXTERN_C_BEGIN and UTIL_EXTERN_C_END. Such a
+// function is for C as well, unless `#ifdef __cplusplus` surrounds it: that is for the ones with a
+// class in their declaration. util/c.h includes all headers with functions for C.
 #ifndef UTIL_EXPORT_H
 #define UTIL_EXPORT_H
+
+#ifndef __cplusplus
+#include <stdbool.h>
+#endif
 
 // Marks what util.dll exports.
 #if !defined(_WIN32)
@@ -20,8 +26,11 @@
 #define UTIL_PRINTF_FORMAT(format_index, first_argument)
 #endif
 
-// Some plain functions return a String; Clang would remark that C has no such type.
-#if defined(__clang__)
+// Some of these functions return a String. Clang would warn that C has no such type.
+#if !defined(__cplusplus)
+#define UTIL_EXTERN_C_BEGIN
+#define UTIL_EXTERN_C_END
+#elif defined(__clang__)
 #define UTIL_EXTERN_C_BEGIN          \
     _Pragma("clang diagnostic push") \
         _Pragma("clang diagnostic ignored \"-Wreturn-type-c-linkage\"") extern "C" {
@@ -31,6 +40,14 @@
 #else
 #define UTIL_EXTERN_C_BEGIN extern "C" {
 #define UTIL_EXTERN_C_END }
+#endif
+
+// The parameters of a function that ignores them. Before C23, C allows any only without a
+// prototype.
+#if defined(__cplusplus) || __STDC_VERSION__ >= 202311L
+#define UTIL_ANY_ARGUMENTS ...
+#else
+#define UTIL_ANY_ARGUMENTS
 #endif
 
 #endif

@@ -2,6 +2,7 @@
 #ifndef UTIL_UTIL_H
 #define UTIL_UTIL_H
 
+#include "util/c.h"
 #include "util/files/files.h"
 #include "util/host/host.h"
 #include "util/mail/mail.h"

@@ -32,7 +32,8 @@ TEST_P(GuidePageTest, ShowsWhatIsCompiledAndWhatThatPrints) {
     const std::string root = UTIL_ROOT;
     const std::string page =
         content(root + (name == "readme" ? "/README" : "/docs/" + name) + ".md");
-    EXPECT_EQ(block(page, "cpp"), content(root + "/examples/guide/" + name + ".cpp"));
+    const std::string language = name == "c" || name == "load" ? "c" : "cpp";
+    EXPECT_EQ(block(page, language), content(root + "/examples/guide/" + name + "." + language));
 
     util_test::ScratchDirectory scratch;
     SetCurrentDirectoryA(scratch.path().c_str());
@@ -46,8 +47,8 @@ TEST(GuideTest, ShowsTheManifestThatTheVersionTestsUse) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Pages, GuidePageTest,
-                         testing::Values("text", "portable", "files", "poll", "mail", "host",
-                                         "readme"),
+                         testing::Values("text", "portable", "files", "poll", "mail", "host", "c",
+                                         "load", "readme"),
                          [](const auto& test) { return std::string(test.param); });
 
 }  // namespace

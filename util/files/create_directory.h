@@ -3,10 +3,13 @@
 #define UTIL_FILES_CREATE_DIRECTORY_H
 
 #include "util/export.h"
+#ifdef __cplusplus
 #include "util/text/byte_string.h"
+#endif
 
 UTIL_EXTERN_C_BEGIN
 
+#ifdef __cplusplus
 // Creates one directory; its parent must exist. Returns 0 and sets *created to true when it did;
 // 183 when a file or a directory of that name exists; else the platform's code of the failed
 // creation, or 8 when memory runs out. created may be null, and is never set to false.
@@ -18,6 +21,7 @@ UTIL_EXTERN_C_BEGIN
 //     bool created = false;
 //     UTIL_makeNewNTDir("C:\\mnt", &created)   // 0 and true, the next time 183
 UTIL_API unsigned long UTIL_makeNewNTDir(const String& path, bool* created);
+#endif
 
 // Creates a directory and all its missing parents: 0, or -1 for every other outcome, also when it
 // exists already; this is meant. The platform wants a full path with backslashes ("C:\a\b"), which

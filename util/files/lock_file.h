@@ -3,7 +3,9 @@
 #define UTIL_FILES_LOCK_FILE_H
 
 #include "util/export.h"
+#ifdef __cplusplus
 #include "util/text/byte_string.h"
+#endif
 
 struct _OVERLAPPED;  // <windows.h>
 
@@ -23,6 +25,7 @@ struct _OVERLAPPED;  // <windows.h>
 
 UTIL_EXTERN_C_BEGIN
 
+#ifdef __cplusplus
 // Takes the lock, waiting without limit while another holds it. True with *handle open; false with
 // *handle invalid (-1).
 //
@@ -33,6 +36,7 @@ UTIL_EXTERN_C_BEGIN
 //
 // directory is UTF-8, without a trailing backslash; empty means the root of the current drive.
 UTIL_API bool UTIL_LockFilePrivate(String directory, void** handle, struct _OVERLAPPED* record);
+#endif
 
 // Releases the lock and closes the handle, also when the release fails. True when both succeed, and
 // for the invalid handle, where there is nothing to do. The caller's handle is not reset: it must

@@ -3,19 +3,23 @@
 #define UTIL_HOST_CLUSTER_H
 
 #include "util/export.h"
+#ifdef __cplusplus
 #include "util/text/byte_string.h"
+#endif
 
 UTIL_EXTERN_C_BEGIN
 
+#ifdef __cplusplus
 // Whether a service of that name exists on this machine, running or not; the platform takes upper
 // and lower case alike. False, with the platform's last error, when it does not, when the service
 // manager cannot be asked and when memory runs out. The name is UTF-8; one that the ANSI code page
 // cannot hold is no service. Any thread may call both.
 //     UTIL_IsClustered("Spooler")   // true where printing is installed
 UTIL_API bool UTIL_IsClustered(const String& name);
+#endif
 
 // The same for "ClusSvc", the failover cluster.
-UTIL_API bool UTIL_IsCluster();
+UTIL_API bool UTIL_IsCluster(void);
 
 UTIL_EXTERN_C_END
 

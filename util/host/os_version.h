@@ -6,7 +6,9 @@
 #define UTIL_HOST_OS_VERSION_H
 
 #include "util/export.h"
+#ifdef __cplusplus
 #include "util/text/byte_string.h"
+#endif
 
 UTIL_EXTERN_C_BEGIN
 
@@ -33,25 +35,27 @@ UTIL_API int UTIL_IsOSVersionEqualTo(unsigned long major, unsigned long minor,
                                      unsigned short productType, unsigned short r2);
 
 // Whether this is an Enterprise or Datacenter edition: 1 or 0; -1 when the system does not answer.
-UTIL_API int UTIL_IsEnterpriseEdition();
+UTIL_API int UTIL_IsEnterpriseEdition(void);
 
 // 1 when the major version is at least 5, the minor version at least 2 and there is a service pack,
 // else 0; -1 when the system does not answer. Meant as it is: the minor version counts whatever the
 // major version is, so 6.0 and 6.1 give 0.
-UTIL_API int UTIL_IsWin2k3SP_1_Or_Later();
+UTIL_API int UTIL_IsWin2k3SP_1_Or_Later(void);
 
 // Whether shadow copies can be moved to another host: true when either of the two above gives 1.
-UTIL_API bool UTIL_IsVSSTransportableSupported();
+UTIL_API bool UTIL_IsVSSTransportableSupported(void);
 
 // Always 1: all features are there.
-UTIL_API int UTIL_getFeatureSet();
+UTIL_API int UTIL_getFeatureSet(void);
 
+#ifdef __cplusplus
 // A name for the platform; always returns 0. "Windows 3.1 " and the major version, "Windows95",
 // "Windows98", "Windows NT" (up to 4), "Windows 2000", "Windows XP", "Windows 2003" (5.2); and
 // "Windows" for everything else, 6.0 and later among it, and when the system does not answer.
 //     String name;
 //     UTIL_getPlatform(name);   // "Windows" on 6.1
 UTIL_API int UTIL_getPlatform(String& out);
+#endif
 
 UTIL_EXTERN_C_END
 

@@ -17,7 +17,7 @@ UTIL_EXTERN_C_BEGIN
 // may call it.
 //     UTIL_TimeOfDay now;
 //     UTIL_GetTimeOfDay(&now)   // 0; at 12:34:56.789, 56 and 789000
-UTIL_API int UTIL_GetTimeOfDay(UTIL_TimeOfDay* time);
+UTIL_API int UTIL_GetTimeOfDay(struct UTIL_TimeOfDay* time);
 
 UTIL_EXTERN_C_END
 

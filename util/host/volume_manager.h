@@ -3,7 +3,9 @@
 #define UTIL_HOST_VOLUME_MANAGER_H
 
 #include "util/export.h"
+#ifdef __cplusplus
 #include "util/text/byte_string.h"
+#endif
 
 UTIL_EXTERN_C_BEGIN
 
@@ -17,6 +19,7 @@ UTIL_EXTERN_C_BEGIN
 //     UTIL_GetVeritasVersion(version)   // true, version is "4.1"
 UTIL_API bool UTIL_GetVeritasVersion(char* out);
 
+#ifdef __cplusplus
 // The text of that key's value "InstallDir", of whatever type it is, in path: true. Its ANSI form
 // may take 260 bytes. The key is opened with full access, so this needs administrative rights; that
 // is meant. False, with path untouched:
@@ -27,6 +30,7 @@ UTIL_API bool UTIL_GetVeritasVersion(char* out);
 //   registry, error num = %lu" with the system's code (2 for a missing value, 234 for a long one);
 // - when memory runs out: message is untouched or one of the above.
 UTIL_API bool UTIL_GetVeritasPath(String& path, String& message);
+#endif
 
 UTIL_EXTERN_C_END
 

@@ -26,7 +26,7 @@ UTIL_API long ksl_lseek(int descriptor, long offset, int origin);
 UTIL_API int ksl_dup(int descriptor);
 
 // Does nothing and returns 0, whatever the arguments: descriptors have no buffer to flush.
-UTIL_API int ksl_flush(...);
+UTIL_API int ksl_flush(UTIL_ANY_ARGUMENTS);
 
 // _putenv with "NAME=value" ("NAME=" removes): 0, or -1. Seen by this process and its children.
 //     ksl_putenv("AGENT_TRACE=1");

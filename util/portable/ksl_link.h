@@ -19,8 +19,8 @@ UTIL_API int ksl_lstat(const char* path, struct _stat64i32* record);
 UTIL_API int ksl_stat(const char* path, struct _stat64i32* record);
 
 // Always -1, whatever the arguments: links are not supported on this platform.
-UTIL_API int ksl_readlink(...);
-UTIL_API int ksl_read_link_chain(...);
+UTIL_API int ksl_readlink(UTIL_ANY_ARGUMENTS);
+UTIL_API int ksl_read_link_chain(UTIL_ANY_ARGUMENTS);
 
 UTIL_EXTERN_C_END
 

@@ -20,7 +20,7 @@ struct ksl_mount_record {
 UTIL_EXTERN_C_BEGIN
 
 // The number of logical drives, or -1 when the platform names none.
-UTIL_API int ksl_getNumMntStructures();
+UTIL_API int ksl_getNumMntStructures(void);
 
 // Writes a record for each drive whose volume answers, in the platform's order, and returns how
 // many were written. records holds *capacity records back to back; no more are ever written. When

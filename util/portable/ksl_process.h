@@ -4,7 +4,11 @@
 #ifndef UTIL_PORTABLE_KSL_PROCESS_H
 #define UTIL_PORTABLE_KSL_PROCESS_H
 
+#ifdef __cplusplus
 #include <cstdio>
+#else
+#include <stdio.h>
+#endif
 
 #include "util/export.h"
 

@@ -2,8 +2,13 @@
 #ifndef UTIL_PORTABLE_KSL_TIME_H
 #define UTIL_PORTABLE_KSL_TIME_H
 
+#ifdef __cplusplus
 #include <cstdint>
 #include <ctime>
+#else
+#include <stdint.h>
+#include <time.h>
+#endif
 
 #include "util/export.h"
 
@@ -28,17 +33,17 @@ UTIL_EXTERN_C_BEGIN
 // is meant. 2000 (100) is a common year; 1900 (0) and 2300 (400) count one more day in every
 // month, other leap years from March on. The text above gives tm_yday 61; 1 March is 60 in 2024,
 // and 59 in 2000. A tm_mon outside the year counts the months that lie before it: none or all.
-UTIL_API void ksl_strptime(const char* text, std::tm* out);
+UTIL_API void ksl_strptime(const char* text, struct tm* out);
 
 // Local broken-down time of *t. 0, or the runtime's error code: 22 (EINVAL) for times before 1970
 // or beyond the year 3000 and for null arguments.
-UTIL_API int ksl_localtime(const std::int64_t* t, std::tm* out);
+UTIL_API int ksl_localtime(const int64_t* t, struct tm* out);
 
 // Local time of *t as "%Y %m %d %H:%M:%S", such as "2010 03 07 14:05:09", into a buffer of size
 // bytes. The length without the NUL, 19, or 0 when size is below 20 or buf is null; or the error
 // code of ksl_localtime. Code and length share the one number and this is meant: give 20 bytes or
 // more, and 19 is success.
-UTIL_API int ksl_ctime(const std::int64_t* t, char* buf, std::uint64_t size);
+UTIL_API int ksl_ctime(const int64_t* t, char* buf, uint64_t size);
 
 UTIL_EXTERN_C_END
 

@@ -7,7 +7,11 @@
 #ifndef UTIL_PORTABLE_UTF8_FILES_H
 #define UTIL_PORTABLE_UTF8_FILES_H
 
+#ifdef __cplusplus
 #include <cstdint>
+#else
+#include <stdint.h>
+#endif
 
 #include "util/export.h"
 
@@ -60,8 +64,8 @@ UTIL_API int UTF8_FindNextFile(void* handle, struct _WIN32_FIND_DATAW* data, cha
 // GetDiskFreeSpaceExW, in bytes: free for the caller, in total, and free in total; any of the three
 // may be null. Not 0 on success; 0 with the platform's last error, or when the path cannot be
 // converted.
-UTIL_API int UTF8_GetDiskFreeSpaceEx(const char* path, std::uint64_t* available,
-                                     std::uint64_t* total, std::uint64_t* free);
+UTIL_API int UTF8_GetDiskFreeSpaceEx(const char* path, uint64_t* available, uint64_t* total,
+                                     uint64_t* free);
 
 // CopyFileW: not 0 on success; 0 with the platform's last error, or when either path cannot be
 // converted. With failIfExists not 0 an existing destination is a failure.

@@ -1,10 +1,10 @@
-// A program of another compiler, without any runtime library: plain functions and data alone.
+// A C program of another compiler, without any runtime library: plain functions and data alone.
 #include "util/host/binary_equal.h"
 #include "util/host/clone_sync.h"
 #include "util/portable/ksl_descriptor.h"
 #include "util/portable/ksl_string.h"
 
-extern "C" int start() {
+int start(void) {
     char text[] = "plain\n";
     ksl_str2upper(text);
     ksl_write(1, text, sizeof text - 1);

@@ -1,0 +1,38 @@
+// The functions of util.dll that a C program can call: those without a class in their declaration.
+// C11 or later. A C++ program includes util/util.h.
+//
+// Two things that C cannot see in a declaration: buffers that a function hands out are freed by the
+// C runtime of util.dll, msvcrt. And the UTF8_ functions raise a C++ exception when memory for a
+// path runs out, which ends a C program.
+#ifndef UTIL_C_H
+#define UTIL_C_H
+
+#include "util/files/cleanup_directory.h"
+#include "util/files/copy_file.h"
+#include "util/files/create_directory.h"
+#include "util/files/delete_file.h"
+#include "util/files/lock_file.h"
+#include "util/host/base_name.h"
+#include "util/host/binary_equal.h"
+#include "util/host/cifs_share.h"
+#include "util/host/clone_sync.h"
+#include "util/host/cluster.h"
+#include "util/host/device_name.h"
+#include "util/host/module_version.h"
+#include "util/host/option_reader.h"
+#include "util/host/os_version.h"
+#include "util/host/privilege.h"
+#include "util/host/time_of_day.h"
+#include "util/host/volume_manager.h"
+#include "util/host/wow64.h"
+#include "util/portable/ksl_descriptor.h"
+#include "util/portable/ksl_hostname.h"
+#include "util/portable/ksl_link.h"
+#include "util/portable/ksl_mount.h"
+#include "util/portable/ksl_process.h"
+#include "util/portable/ksl_string.h"
+#include "util/portable/ksl_time.h"
+#include "util/portable/utf8_files.h"
+#include "util/version.h"
+
+#endif
