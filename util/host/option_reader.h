@@ -2,7 +2,9 @@
 #ifndef UTIL_HOST_OPTION_READER_H
 #define UTIL_HOST_OPTION_READER_H
 
+#ifdef __cplusplus
 #include <type_traits>
+#endif
 
 #include "util/export.h"
 
@@ -30,11 +32,13 @@ UTIL_API int UTIL_getopt(int count, const char* const* args, const char* letters
 
 UTIL_EXTERN_C_END
 
+#ifdef __cplusplus
 // The same for an `argument` of type char*. A template, so that a null pointer means the function.
 template <typename Char, std::enable_if_t<std::is_same_v<Char, char>, int> = 0>
 int UTIL_getopt(int count, const char* const* args, const char* letters, int* index,
                 Char** argument) {
     return UTIL_getopt(count, args, letters, index, const_cast<const char**>(argument));
 }
+#endif
 
 #endif
