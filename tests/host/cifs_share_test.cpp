@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "host/network_provider.h"
 #include "support/import_patch.h"
+// after the platform's header
+#include <winnetwk.h>
 
 using util_test::ImportPatch;
 
@@ -14,7 +15,7 @@ namespace {
 
 constexpr char share[] = "\\\\srv\\caf\xC3\xA9";
 
-// --- what the provider answers, and what happened ---
+// --- what the network answers, and what it was asked ---
 
 std::vector<DWORD> add_results, cancel_results;  // one for each call to come
 std::string log;
@@ -31,26 +32,19 @@ std::wstring shown(const wchar_t* text) {
     return text ? text : L"(null)";
 }
 
-DWORD add(const NETRESOURCEW& record, const wchar_t* password, const wchar_t* user, DWORD flags) {
+DWORD WINAPI add(NETRESOURCEW* record, const wchar_t* password, const wchar_t* user, DWORD flags) {
     log += "add ";
-    seen = std::to_wstring(record.dwScope) + L" " + std::to_wstring(record.dwType) + L" " +
-           std::to_wstring(record.dwUsage) + L" " + shown(record.lpLocalName) + L" " +
-           shown(record.lpProvider) + L" " + shown(record.lpRemoteName) + L" " + shown(user) +
+    seen = std::to_wstring(record->dwScope) + L" " + std::to_wstring(record->dwType) + L" " +
+           std::to_wstring(record->dwUsage) + L" " + shown(record->lpLocalName) + L" " +
+           shown(record->lpProvider) + L" " + shown(record->lpRemoteName) + L" " + shown(user) +
            L" " + shown(password) + L" " + std::to_wstring(flags);
     return next(add_results);
 }
 
-DWORD cancel(const wchar_t* name, bool force) {
-    log += force ? "cancel! " : "cancel ";
-    seen = name;
+DWORD WINAPI cancel(const wchar_t* name, DWORD flags, BOOL force) {
+    log += "cancel ";
+    seen = name + (L" " + std::to_wstring(flags)) + L" " + std::to_wstring(force);
     return next(cancel_results);
-}
-
-DWORD cancel_flags;
-
-DWORD WINAPI noting_cancel(const wchar_t* name, DWORD flags, BOOL force) {
-    cancel_flags = flags;
-    return WNetCancelConnection2W(name, flags, force);
 }
 
 void WINAPI noting_sleep(DWORD milliseconds) {
@@ -59,12 +53,6 @@ void WINAPI noting_sleep(DWORD milliseconds) {
 
 class CifsShareTest : public testing::Test {
   protected:
-    CifsShareTest() {
-        auto* const hooks = reinterpret_cast<util_test::NetworkHooks*>(reinterpret_cast<void*>(
-            GetProcAddress(GetModuleHandleA(util_test::network_provider), "network_hooks")));
-        *hooks = {add, cancel};
-    }
-
     // The result's message, or "connected".
     std::string connect(std::vector<DWORD> adds, std::vector<DWORD> cancels) {
         add_results = std::move(adds);
@@ -87,7 +75,8 @@ class CifsShareTest : public testing::Test {
     }
 
     char message[2048];
-    ImportPatch sleep{"Sleep", noting_sleep};
+    ImportPatch sleep{"Sleep", noting_sleep}, connecting{"WNetAddConnection2W", add},
+        disconnecting{"WNetCancelConnection2W", cancel};
 };
 
 std::string repeated(int times, const std::string& text) {
@@ -108,12 +97,8 @@ TEST_F(CifsShareTest, CallsNameTheShareAndTheCredentials) {
     EXPECT_EQ(UTIL_ConnectCifsShare(share, "", "", message), 0);
     EXPECT_EQ(seen, L"2 1 1 (null) (null) \\\\srv\\caf\x00E9   0") << "empty ones";
 
-    log.clear();
-    const ImportPatch patch("WNetCancelConnection2W", noting_cancel);
     EXPECT_EQ(disconnect(0), "disconnected");
-    EXPECT_EQ(seen, L"\\\\srv\\caf\x00E9");
-    EXPECT_EQ(log, "cancel ");
-    EXPECT_EQ(cancel_flags, DWORD(CONNECT_UPDATE_PROFILE));
+    EXPECT_EQ(seen, L"\\\\srv\\caf\x00E9 1 0") << "no longer remembered, not forced";
 }
 
 TEST_F(CifsShareTest, ConflictIsRetriedTwentyTimesAndReported) {
@@ -164,16 +149,10 @@ DWORD WINAPI provider_words(DWORD* code, char* text, DWORD room, char* name, DWO
 }
 
 TEST_F(CifsShareTest, ProvidersOwnErrorIsToldInItsWords) {
-    {  // the provider above has none
-        char text[256], name[256];
-        DWORD code;
-        const DWORD unknown = WNetGetLastErrorA(&code, text, sizeof text, name, sizeof name);
-        ASSERT_NE(unknown, DWORD(NO_ERROR));
-        const std::string refusal =
-            "WNetGetLastError failed (error code = " + std::to_string(unknown) + ")";
-        EXPECT_EQ(connect({1208}, {}), refusal + " \n ");
-        EXPECT_EQ(disconnect(1208), refusal);
-    }
+    const std::string refusal = "WNetGetLastError failed (error code = 1222)";
+    const ImportPatch no_words("WNetGetLastErrorA", util_test::fails<1222>);
+    EXPECT_EQ(connect({1208}, {}), refusal + " \n ");
+    EXPECT_EQ(disconnect(1208), refusal);
     const ImportPatch patch("WNetGetLastErrorA", provider_words);
     provider_code = 7;
     provider_text = "Kein Zugang f\xFCr %s.\r\n";
@@ -223,79 +202,4 @@ TEST_F(CifsShareTest, FailuresBeforeTheCallAreReportedAsTheCalls) {
     EXPECT_STREQ(message, "WNetCancelConnection2 failed (error code = 67)");
 }
 
-// --- the provider is the process's from its start on, so it is registered before ---
-
-// Enters the provider into the machine's registry and takes it out again.
-class Registration {
-  public:
-    Registration() {
-        char file[MAX_PATH];
-        GetModuleFileNameA(nullptr, file, sizeof file);
-        const std::string path = std::string(file);
-        const std::string folder = path.substr(0, path.rfind('\\') + 1);
-        DWORD size = sizeof m_order;
-        m_had_order = RegGetValueA(HKEY_LOCAL_MACHINE, order_key, "ProviderOrder", RRF_RT_REG_SZ,
-                                   nullptr, m_order, &size) == 0 &&
-                      std::strcmp(m_order, util_test::network_provider) != 0;
-        set(order_key, "ProviderOrder", util_test::network_provider);
-        const std::string key = service_key() + "\\NetworkProvider";
-        const DWORD network_class = 2;
-        RegSetKeyValueA(HKEY_LOCAL_MACHINE, key.c_str(), "Class", REG_DWORD, &network_class,
-                        sizeof network_class);
-        set(key.c_str(), "Name", "Test Net");
-        set(key.c_str(), "ProviderPath", folder + util_test::network_provider + ".dll");
-    }
-    ~Registration() {
-        if (m_had_order) {
-            set(order_key, "ProviderOrder", m_order);
-        } else {
-            RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, order_key, "ProviderOrder");
-        }
-        RegDeleteTreeA(HKEY_LOCAL_MACHINE, service_key().c_str());
-    }
-
-  private:
-    static constexpr char order_key[] =
-        "System\\CurrentControlSet\\Control\\NetworkProvider\\Order";
-    static std::string service_key() {
-        return std::string("System\\CurrentControlSet\\Services\\") + util_test::network_provider;
-    }
-    static void set(const char* key, const char* name, const std::string& text) {
-        RegSetKeyValueA(HKEY_LOCAL_MACHINE, key, name, REG_SZ, text.c_str(),
-                        static_cast<DWORD>(text.size() + 1));
-    }
-
-    char m_order[1024];
-    bool m_had_order;
-};
-
-int run_again_with_provider() {
-    const Registration registration;
-    SetEnvironmentVariableA("UTIL_TEST_PROVIDER", "registered");
-    std::string command_line = GetCommandLineA();
-    STARTUPINFOA start = {};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION process;
-    if (!CreateProcessA(nullptr, command_line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                        &start, &process)) {
-        return 1;
-    }
-    WaitForSingleObject(process.hProcess, INFINITE);
-    DWORD code = 1;
-    GetExitCodeProcess(process.hProcess, &code);
-    return static_cast<int>(code);
-}
-
 }  // namespace
-
-int main(int argc, char** argv) {
-    if (!GetModuleHandleA(util_test::network_provider)) {
-        if (GetEnvironmentVariableA("UTIL_TEST_PROVIDER", nullptr, 0) == 0) {
-            return run_again_with_provider();
-        }
-        std::fprintf(stderr, "the system did not load the network provider\n");
-        return 1;
-    }
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

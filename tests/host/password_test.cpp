@@ -8,7 +8,6 @@
 #include "util/host/cifs_share.h"
 #include "util/host/database_info.h"
 // after the platform's header
-#include <oleauto.h>
 #include <winnetwk.h>
 
 using util_test::ImportPatch;
@@ -31,10 +30,6 @@ void look(const void* block, std::size_t size) {
 void looking_free(void* block) {
     if (block) look(block, _msize(block));
     std::free(block);
-}
-void WINAPI looking_free_text(BSTR text) {
-    look(text, SysStringByteLen(text));
-    SysFreeString(text);
 }
 void* failing_malloc(std::size_t size) {
     return looking && allocations_left-- == 0 ? nullptr : std::malloc(size);
@@ -66,7 +61,6 @@ TEST(PasswordTest, NoneIsLeftInFreedMemory) {
     util_test::PrivateRegistry registry;
     registry.set_wide(key, L"Database Path", L"\\\\srv\\share\\a\\long\\path\\to.db");
     const ImportPatch add("WNetAddConnection2W", connect), heap("free", looking_free),
-        texts("SysFreeString", looking_free_text),
         runtime_heap("libstdc++-6.dll", "free", looking_free),
         runtime_malloc("libstdc++-6.dll", "malloc", failing_malloc);
     for (const DWORD code : {0, 53}) {

@@ -18,6 +18,10 @@ namespace {
 
 const std::string key = "SOFTWARE\\Acme\\Agent";
 
+std::string text(std::size_t length) {
+    return std::string(length, 't');
+}
+
 class RegistryTest : public testing::Test {
   protected:
     ~RegistryTest() override { EXPECT_EQ(keys_left_open(), keys_meant_to_stay); }
@@ -34,7 +38,6 @@ class RegistryTest : public testing::Test {
 // --- UTIL_GetRegistryValue ---
 
 TEST_F(RegistryTest, ValueIsATextOfAtMost1024BytesThatEndsInItsNul) {
-    const auto text = [](std::size_t length) { return std::string(length, 't'); };
     const struct {
         DWORD type;
         std::string stored;
@@ -154,7 +157,6 @@ TEST_F(RegistryTest, HighestVersionFrom20To99IsFound) {
 }
 
 TEST_F(RegistryTest, InstallDirectoryIsReadWhateverItsType) {
-    const auto text = [](std::size_t length) { return std::string(length, 't'); };
     const std::string not_read =
         "SS: Could not find path to Veritas directory in the registry, error num = ";
     const struct {
@@ -202,9 +204,7 @@ TEST_F(RegistryTest, InstallDirectoryIsReadWhateverItsType) {
 
 TEST_F(RegistryTest, DatabaseOnTheNetworkNeedsCredentials) {
     const auto wide = [](std::size_t length) { return std::wstring(length, L'w'); };
-    const auto text = [](std::size_t length) { return std::string(length, 't'); };
     const char* const none = nullptr;
-    const std::string u = "agent", p = "s3cret";
     const struct {
         std::wstring stored_path;  // with its NUL
         const char *stored_user, *stored_password;
@@ -247,8 +247,8 @@ TEST_F(RegistryTest, DatabaseOnTheNetworkNeedsCredentials) {
         String path = "before", user = "before", password = "before";
         EXPECT_EQ(UTIL_getTSSEDBInfoFromRegistry(key, path, user, password), c.result) << c.path;
         EXPECT_EQ(path, c.path);
-        EXPECT_EQ(user, c.credentials ? u : "before") << c.path;
-        EXPECT_EQ(password, c.credentials ? p : "before") << c.path;
+        EXPECT_EQ(user, c.credentials ? "agent" : "before") << c.path;
+        EXPECT_EQ(password, c.credentials ? "s3cret" : "before") << c.path;
     }
 
     // The user's name may take as many bytes as the path does in UTF-16, here 15 units.

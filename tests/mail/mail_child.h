@@ -12,10 +12,6 @@ namespace util_test {
 
 constexpr int drop_batch = 10;
 
-inline std::string drop_recipient(int n) {
-    return "r" + std::to_string(n);
-}
-
 // Long enough for writing it to take its time.
 inline std::string drop_body() {
     std::string body;
@@ -24,11 +20,12 @@ inline std::string drop_body() {
     return body + "end";
 }
 
-// A service IISADMIN for as long as this lives, stopped at first. One that a test left behind when
-// it died is removed.
+// A service IISADMIN, or of another name, for as long as this lives, stopped at first. One that a
+// test left behind when it died is removed.
 class MailService {
   public:
-    MailService() : m_manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS)) {
+    explicit MailService(const char* name = "IISADMIN")
+        : m_manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS)) {
         m_service.reset(OpenServiceA(m_manager.get(), name, SERVICE_ALL_ACCESS));
         if (m_service) remove();
         const std::string command = "\"" + built_file("mail_child.exe") + "\" service";
@@ -39,7 +36,7 @@ class MailService {
                                            SERVICE_ERROR_IGNORE, command.c_str(), nullptr, nullptr,
                                            nullptr, nullptr, nullptr));
         }
-        if (!m_service) throw std::runtime_error("no service IISADMIN");
+        if (!m_service) throw std::runtime_error(name);
     }
     ~MailService() { remove(); }
 
@@ -59,8 +56,6 @@ class MailService {
     }
 
   private:
-    static constexpr char name[] = "IISADMIN";
-
     void remove() {
         stop();
         DeleteService(m_service.get());
@@ -72,7 +67,7 @@ class MailService {
             if (QueryServiceStatus(m_service.get(), &status) && status.dwCurrentState == state)
                 return;
         }
-        throw std::runtime_error("IISADMIN does not reach state " + std::to_string(state));
+        throw std::runtime_error("the service does not reach state " + std::to_string(state));
     }
 
     util::ScopedService m_manager, m_service;

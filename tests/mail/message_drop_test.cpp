@@ -11,6 +11,7 @@
 
 #include "mail/mail_test.h"
 #include "support/import_patch.h"
+#include "support/second_process.h"
 
 using util_test::ImportPatch;
 using util_test::message;
@@ -118,47 +119,12 @@ TEST_F(MessageDropTest, SendersAtTheSameTimeLoseNothing) {
 
 // --- kills --------------------------------------------------------------------------------------
 
-// A process that drops messages, and how many it has finished.
-class Dropper {
-  public:
-    explicit Dropper(const std::string& registry) {
-        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-        HANDLE output;
-        CreatePipe(&m_input, &output, &inherited, 1 << 16);
-        STARTUPINFOA start = {};
-        start.cb = sizeof start;
-        start.dwFlags = STARTF_USESTDHANDLES;
-        start.hStdOutput = output;
-        PROCESS_INFORMATION made = {};
-        std::string command =
-            "\"" + util_test::built_file("mail_child.exe") + "\" drop " + registry;
-        CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
-                       &made);
-        CloseHandle(output);
-        CloseHandle(made.hThread);
-        m_process = made.hProcess;
-    }
-    ~Dropper() {
-        CloseHandle(m_process);
-        CloseHandle(m_input);
-    }
-
-    bool finish_one() {
-        char byte;
-        DWORD read;
-        return ReadFile(m_input, &byte, 1, &read, nullptr) && read == 1;
-    }
-    void kill() {
-        TerminateProcess(m_process, 1);
-        WaitForSingleObject(m_process, INFINITE);
-    }
-
-  private:
-    HANDLE m_process, m_input;
-};
-
 class KillTest : public MessageDropTest {
   protected:
+    KillTest() {
+        util_test::Signal();  // the platform keeps a handle from the first one on
+        handles = util_test::handle_count();
+    }
     // Counts what stands in the pickup directory as whole messages, by recipient.
     void look(std::set<std::string>& seen, bool killed) {
         static const std::string body = util_test::drop_body();
@@ -190,8 +156,10 @@ TEST_F(KillTest, NothingHalfWrittenShowsWhenTheSenderIsKilledAndNothingSentIsLos
     for (; rounds < most_rounds && GetTickCount64() < deadline; ++rounds) {
         std::set<std::string> seen;
         names.clear();
-        Dropper dropper(registry.path());
-        ASSERT_TRUE(dropper.finish_one());
+        const std::string progress = scratch.file("progress");
+        util_test::Signal unused;
+        util_test::SecondProcess dropper("drop", registry.path() + " " + progress, unused);
+        ASSERT_TRUE(dropper.ready.wait());
         const ULONGLONG end = GetTickCount64() + random() % 30;
         do {
             look(seen, false);
@@ -199,11 +167,9 @@ TEST_F(KillTest, NothingHalfWrittenShowsWhenTheSenderIsKilledAndNothingSentIsLos
         dropper.kill();
         look(seen, true);
 
-        int finished = 1;
-        while (dropper.finish_one())
-            ++finished;
+        const auto finished = static_cast<int>(scratch.read("progress").size());
         for (int n = 0; n < finished * util_test::drop_batch; ++n)
-            lost += !seen.count(util_test::drop_recipient(n));
+            lost += !seen.count("r" + std::to_string(n));
         const bool placeholder_left = files("pickup").size() > seen.size();
         if (placeholder_left || !std::filesystem::is_empty(temp)) ++in_the_middle;
         dropped += seen.size();

@@ -1,5 +1,5 @@
-// The second process of the files tests. READY and GO name events: it sets the first and waits for
-// the second.
+// The second process of the tests. READY and GO name events: it sets the first and waits for the
+// second.
 //
 //     files_child prepare READY GO RECORD PREFIX COUNT SUFFIX
 //         when GO: prepares PREFIX 0 SUFFIX, PREFIX 1 SUFFIX, ..., pausing before every write of a
@@ -9,11 +9,16 @@
 //     files_child count READY GO DIRECTORY FILE ROUNDS
 //         when GO: in each round takes the lock, adds one to the number in FILE, adds one again and
 //         gives the lock back, so that the number is odd or missing only while the lock is held
+//     files_child drop READY GO KEY PROGRESS
+//         drops batches of messages for r0, r1, ... until it is killed, and appends a byte to
+//         PROGRESS and sets READY after each; KEY stands in for HKEY_LOCAL_MACHINE
 #include <cstdlib>
 
+#include "mail/mail_child.h"
 #include "support/import_patch.h"
 #include "support/second_process.h"
 #include "util/files/files.h"
+#include "util/mail/email.h"
 
 namespace {
 
@@ -56,6 +61,25 @@ int count(const char* directory, const char* file, int rounds) {
     return 0;
 }
 
+int drop(const char* key, const char* progress, util_test::Signal& ready) {
+    HKEY machine;
+    if (RegOpenKeyExA(HKEY_CURRENT_USER, key, 0, KEY_ALL_ACCESS, &machine) != 0 ||
+        RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine) != 0) {
+        return 1;
+    }
+    XrFile finished(progress, "a");
+    email mail;
+    const String body = util_test::drop_body();
+    for (int n = 0;;) {
+        String batch;
+        for (const int end = n + util_test::drop_batch; n < end; ++n)
+            batch += "r" + String(n) + ";";
+        mail.send_mail("f", batch, "s", body);
+        if (!finished.Write("", 1)) return 1;
+        ready.set();
+    }
+}
+
 }  // namespace
 
 int main(int, char** argv) {
@@ -64,6 +88,7 @@ int main(int, char** argv) {
     HANDLE handle = INVALID_HANDLE_VALUE;
     OVERLAPPED record;
     if (verb == 'l' && !UTIL_LockFilePrivate(argv[4], &handle, &record)) return 101;
+    if (verb == 'd') return drop(argv[4], argv[5], ready);
     ready.set();
     if (!go.wait()) return 102;
     if (verb == 'p') return prepare(argv[4], argv[5], std::atoi(argv[6]), argv[7]);

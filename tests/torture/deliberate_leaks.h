@@ -24,9 +24,9 @@ constexpr struct {
     {"UTIL_getTSSEDBInfoFromRegistry", "WideCharToMultiByte", kernel_handles, 1},  // the key
     {"UTIL_getTSSEDBInfoFromRegistry", "memory", kernel_handles, 1},               // the same
     {"UTIL_getIsWow64 and the redirection", nullptr, modules, 2},                  // kernel32.dll
-    {"XrDirectory::init drops its listing", nullptr, heap_blocks, 3},       // list, table, entry
-    {"XrFile, reopened after a failed seek", "_lseek", kernel_handles, 1},  // the descriptor
-    {"XrFile, reopened after a failed seek", "_lseek", heap_blocks, 1},     // and its lock
+    {"XrDirectory, copied, set anew, free space", nullptr, heap_blocks, 3},  // list, table, entry
+    {"XrFile, reopened after a failed seek", "_lseek", kernel_handles, 1},   // the descriptor
+    {"XrFile, reopened after a failed seek", "_lseek", heap_blocks, 1},      // and its lock
 };
 
 // How many of the resource a run may leave behind.
