@@ -133,7 +133,6 @@ std::size_t index_of(const Operation& operation, const std::string& name) {
 // Lines of tab-separated values:
 //   time  SECTION  OPERATION  ROLE  VARIANT  LOW  MEDIAN  HIGH
 //   ratio SECTION  OPERATION  SUBJECT  AGAINST  LOW  MEDIAN  HIGH
-//   bar   SECTION  OPERATION  SUBJECT  AGAINST  AT-MOST
 void run(const Operation& operation) {
     std::fprintf(stderr, "  %s\n", operation.name().c_str());
     const Times times = measure(operation);
@@ -150,20 +149,12 @@ void run(const Operation& operation) {
         std::fprintf(settings.output, "time\t%s\t%s\t%s\t%.5g\t%.5g\t%.5g\n", row.c_str(),
                      role_name(variants[i].role), variants[i].name.c_str(), time.low, time.median,
                      time.high);
-        if (variants[i].role != Role::library) print_ratio(index_of(operation, "util"), i);
-    }
-    for (const Bar& bar : operation.bars()) {
-        const std::size_t subject = index_of(operation, bar.subject);
-        if (bar.subject != "util") print_ratio(subject, index_of(operation, bar.against));
-        std::fprintf(settings.output, "bar\t%s\t%s\t%s\t%.4g\n", row.c_str(), bar.subject.c_str(),
-                     variants[index_of(operation, bar.against)].name.c_str(), bar.at_most);
-    }
-    const auto doubled_limit =
-        std::find_if(variants.begin(), variants.end(), [&](const Variant& variant) {
-            return variant.name == variants.front().name + ", twice the size";
-        });
-    if (doubled_limit != variants.end()) {
-        print_ratio(static_cast<std::size_t>(doubled_limit - variants.begin()), 0);
+        const std::size_t library = index_of(operation, "util");
+        if (variants[i].role != Role::library) {
+            print_ratio(library, i);
+        } else if (i != library) {
+            print_ratio(i, library);
+        }
     }
     std::fflush(settings.output);
 }

@@ -35,20 +35,12 @@ struct Variant {
     Loop loop;
 };
 
-// The demand that `subject` takes at most `at_most` times as long as `against` (names of variants).
-struct Bar {
-    std::string subject;
-    std::string against;
-    double at_most;
-};
-
 // One row of the report, described by chained calls:
 //
 //     run(Operation("format \"%s-%d\", 20 bytes")
 //             .limit("copy", [&] { keep(std::string(text)); })
 //             .library([&] { keep(String::format("%s-%d", name, 7)); })
-//             .peer("fmt::sprintf", [&] { keep(fmt::sprintf("%s-%d", name, 7)); })
-//             .bar("fmt::sprintf", 0.60));
+//             .peer("fmt::sprintf", [&] { keep(fmt::sprintf("%s-%d", name, 7)); }));
 //
 // A body does the operation once, or `per(n)` times: figures are per single one.
 class Operation {
@@ -71,25 +63,11 @@ class Operation {
     Operation& described(std::string name, Body body) {
         return add(Role::described, std::move(name), std::move(body));
     }
-    // The library on twice the input: it may take 2.2 times as long, so nothing is quadratic.
+    // The library in another setting, such as on twice the input or in two threads. Its time is
+    // also divided by that of the library itself.
     template <class Body>
-    Operation& doubled(Body body) {
-        add(Role::library, "util, twice the size", std::move(body));
-        m_bars.push_back({"util, twice the size", "util", 2.2});
-        return *this;
-    }
-
-    // The limit, which comes first, on twice the input. It shows what the machine's caches do to
-    // any implementation.
-    template <class Body>
-    Operation& doubled_limit(Body body) {
-        return add(Role::described, m_variants.front().name + ", twice the size", std::move(body));
-    }
-
-    // The library takes at most `at_most` times as long as the variant of this name.
-    Operation& bar(std::string against, double at_most) {
-        m_bars.push_back({"util", std::move(against), at_most});
-        return *this;
+    Operation& library(std::string setting, Body body) {
+        return add(Role::library, "util, " + std::move(setting), std::move(body));
     }
     Operation& per(double operations) {
         m_per = operations;
@@ -108,7 +86,6 @@ class Operation {
 
     const std::string& name() const { return m_name; }
     const std::vector<Variant>& variants() const { return m_variants; }
-    const std::vector<Bar>& bars() const { return m_bars; }
     double operations_per_body() const { return m_per; }
     bool compares_minimum() const { return m_by_minimum; }
     void prepare() const {
@@ -128,7 +105,6 @@ class Operation {
 
     std::string m_name;
     std::vector<Variant> m_variants;
-    std::vector<Bar> m_bars;
     std::function<void()> m_prepare;
     double m_per = 1;
     bool m_by_minimum = false;

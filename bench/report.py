@@ -1,18 +1,39 @@
-"""Turns the benchmarks' data into docs/benchmarks.md and its plot, and says what falls short.
+"""Writes docs/benchmarks.md and its picture from the benchmarks' data, and checks the bars.
 
 usage: report.py [--pages FOLDER] PLATFORM=FILE...
 
-The data are lines of tab-separated values; harness.cpp says which. Without --pages nothing is
-written. Remarks on rows that fall short stand in remarks.tsv beside this file.
+The data are lines of tab-separated values, described in harness.cpp. The bars are in bars.tsv beside this
+file. Exits with 1 when a bar is missed by more than its noise. Without --pages no page is written, and
+only the bars of measured operations are checked.
 """
 
 import argparse
 import collections
+import html
 import pathlib
 import platform as machine
 import subprocess
+import sys
 
 HERE = pathlib.Path(__file__).parent
+GROWTH_LIMIT = 6  # 4 is linear, 16 is quadratic; the rest is room for the processor's caches
+MEMORY_LIMIT = 1.05  # memory at the end of a long run, as a multiple of that after a tenth of it
+
+# What the picture shows: the operations that programs call most, and the peer of each.
+PICTURE = [
+    ("natively", 'format "%s-%d", 20 bytes', "absl::StrCat"),
+    ("natively", "split a date", "absl::StrSplit"),
+    ("natively", 'split 1 MB at ","', "absl::StrSplit"),
+    ("natively", "replace, 26 bytes", "boost::replace_all_copy"),
+    ("natively", "escape, 40 bytes", "pugixml"),
+    ("natively", "decode, 1 MB, one in 10 bytes", "pugixml"),
+    ("natively", "to_lower, 65600 bytes", "absl::AsciiStrToLower"),
+    ("under Wine", 'format "%s-%d", 200 bytes', "fmt::sprintf"),
+    ("under Wine", "escape, 40 bytes", "boost::replace_all, five passes"),
+    ("under Wine", "getDirectoryList, per file", "std::filesystem, status, size, sort"),
+    ("under Wine", "Poll, 63 sockets in a ring", "select over all"),
+    ("under Wine", "UTIL_copy, per megabyte", "CopyFileA"),
+]
 
 
 class Operation:
@@ -20,28 +41,17 @@ class Operation:
         self.platform, self.section, self.name = platform, section, name
         self.times = {}  # variant -> (role, median)
         self.ratios = {}  # (subject, against) -> median
-        self.bars = []  # (subject, against, at most)
 
-    def variants(self, role):
-        return {name: time for name, (r, time) in self.times.items() if r == role}
+    def fastest(self, role):
+        variants = {name: time for name, (r, time) in self.times.items() if r == role}
+        return min(variants, key=variants.get) if variants else None
 
-    def time(self):
-        return self.times["util"][1]
+    def ratio(self, against, subject="util"):
+        return self.ratios.get((subject, against))
 
-    def limit(self):
-        return next(iter(self.variants("limit")), None)
 
-    def strongest_peer(self):
-        peers = self.variants("peer")
-        return min(peers, key=peers.get) if peers else None
-
-    def ratio(self, against):
-        return self.ratios.get(("util", against))
-
-    def verdicts(self):
-        for subject, against, at_most in self.bars:
-            ratio = self.ratios[subject, against]
-            yield subject, against, at_most, ratio, ratio <= at_most
+Bar = collections.namedtuple("Bar", "platform operation subject against at_most noise reason")
+Verdict = collections.namedtuple("Verdict", "platform operation what ratio at_most noise met")
 
 
 def read(platform, path):
@@ -60,10 +70,45 @@ def read(platform, path):
         elif kind == "ratio":
             subject, against, _, median, _ = rest
             operation.ratios[subject, against] = float(median)
-        elif kind == "bar":
-            subject, against, at_most = rest
-            operation.bars.append((subject, against, float(at_most)))
     return list(operations.values()), memory
+
+
+def bars():
+    lines = (HERE / "bars.tsv").read_text(encoding="utf-8").splitlines()
+    return [Bar(*line.split("\t")) for line in lines if not line.startswith("#")]
+
+
+def verdicts(operations, memory):
+    """A verdict for each bar whose operation was measured, and for growth and memory."""
+    for operation in operations:
+        for bar in bars():
+            if bar.operation != operation.name or bar.platform not in ("both", operation.platform):
+                continue
+            ratio = operation.ratio(bar.against, bar.subject)
+            if not bar.at_most or ratio is None:
+                continue
+            at_most, noise = float(bar.at_most), int(bar.noise)
+            setting = bar.subject.partition(", ")[2]
+            what = f"{setting} against one" if setting else f"against {bar.against}"
+            yield Verdict(operation.platform, operation.name, what, ratio, at_most, noise,
+                          ratio <= at_most * (1 + noise / 100))
+        growth = operation.ratio("util", "util, four times the size")
+        if growth is not None:
+            yield Verdict(operation.platform, operation.name, "four times the size", growth,
+                          GROWTH_LIMIT, 0, growth <= GROWTH_LIMIT)
+    for pattern, _, tenth, end, *_ in memory:
+        ratio = float(end.split()[0]) / float(tenth.split()[0])
+        yield Verdict("under Wine", f"memory: {pattern}", "the end against a tenth", ratio,
+                      MEMORY_LIMIT, 0, ratio <= MEMORY_LIMIT)
+
+
+def unmeasured(operations):
+    """The bars of which the data contain no figure."""
+    measured = {(o.platform, o.name, *pair) for o in operations for pair in o.ratios}
+    for bar in bars():
+        for platform in ("natively", "under Wine") if bar.platform == "both" else (bar.platform,):
+            if bar.at_most and (platform, bar.operation, bar.subject, bar.against) not in measured:
+                yield f"{platform}, {bar.operation}, against {bar.against}"
 
 
 def figure(nanoseconds):
@@ -77,70 +122,49 @@ def times(ratio):
     return f"{ratio:.2f}" if ratio >= 0.1 else f"{ratio:.2g}"
 
 
-def bar_text(verdict):
-    subject, against, at_most, ratio, met = verdict
-    who = "" if subject == "util" else subject + " "
-    text = f"{who}{times(ratio)} of {times(at_most)} × {against}"
-    return text if met else f"**{text}**"
+def line(cells):
+    return "| " + " | ".join(cells) + " |"
+
+
+def bar_table(rows):
+    yield "| Operation | platform | bar | ratio | at most | noise | met |"
+    yield "|---|---|---|--:|--:|--:|---|"
+    for row in rows:
+        yield line([row.operation, row.platform, row.what, times(row.ratio), times(row.at_most),
+                    f"{row.noise} %", "yes" if row.met else "**no**"])
 
 
 def table(operations):
-    yield "| Operation | util | × limit | limit | × peer | strongest peer | bars | met |"
-    yield "|---|--:|--:|---|--:|---|---|---|"
+    yield "| Operation | util | × limit | limit | × peer | strongest peer |"
+    yield "|---|--:|--:|---|--:|---|"
     for operation in operations:
-        limit, peer = operation.limit(), operation.strongest_peer()
-        verdicts = list(operation.verdicts())
-        yield "| " + " | ".join([
-            operation.name,
-            figure(operation.time()),
-            times(operation.ratio(limit)) if limit else "",
-            f"{limit}, {figure(operation.times[limit][1])}" if limit else "",
-            times(operation.ratio(peer)) if peer else "",
-            f"{peer}, {figure(operation.times[peer][1])}" if peer else "",
-            "; ".join(map(bar_text, verdicts)),
-            "" if not verdicts else "yes" if all(v[4] for v in verdicts) else "**no**",
-        ]) + " |"
+        cells = [operation.name, figure(operation.times["util"][1])]
+        for other in (operation.fastest("limit"), operation.fastest("peer")):
+            cells += [times(operation.ratio(other)) if other else "",
+                      f"{other}, {figure(operation.times[other][1])}" if other else ""]
+        yield line(cells)
+
+
+def growth_table(operations):
+    yield "| Function | 20 KB | twice | four times |"
+    yield "|---|--:|--:|--:|"
+    for operation in operations:
+        yield line([operation.name.partition(": ")[2], figure(operation.times["util"][1])] +
+                   [times(operation.ratio("util", f"util, {size} the size"))
+                    for size in ("twice", "four times")])
 
 
 def by_section(operations):
     sections = collections.defaultdict(list)
     for operation in operations:
-        sections[operation.section].append(operation)
+        sections[operation.section.split(" ", 1)[1]].append(operation)
     return sections
 
 
-def remarks():
-    path = HERE / "remarks.tsv"
-    lines = path.read_text(encoding="utf-8").splitlines() if path.exists() else []
-    return {tuple(line.split("\t")[:2]): line.split("\t")[2] for line in lines}
-
-
-def reason(operation, verdict, why):
-    limit = operation.limit()
-    doubled_limit = operation.ratios.get((f"{limit}, twice the size", limit))
-    subject, _, at_most, *_ = verdict
-    if subject == "util, twice the size" and doubled_limit and doubled_limit > at_most:
-        return f"the limit, {limit}, takes {times(doubled_limit)} for twice the size"
-    for platform in (operation.platform, "both"):
-        if (platform, operation.name) in why:
-            return why[platform, operation.name]
-    return "no remark"
-
-
-def shortfalls(operations):
-    """One line for each bar that is not met, with the reason."""
-    why = remarks()
-    for operation in operations:
-        for verdict in operation.verdicts():
-            if not verdict[4]:
-                yield (f"{operation.platform}, {operation.name}: {bar_text(verdict)} "
-                       f"({reason(operation, verdict, why)})")
-
-
 def processor():
-    for line in pathlib.Path("/proc/cpuinfo").read_text(encoding="utf-8").splitlines():
-        if line.startswith("model name"):
-            return line.split(":", 1)[1].strip()
+    for text in pathlib.Path("/proc/cpuinfo").read_text(encoding="utf-8").splitlines():
+        if text.startswith("model name"):
+            return text.split(":", 1)[1].strip()
     return machine.machine()
 
 
@@ -148,80 +172,69 @@ def first_line(*command):
     return subprocess.run(command, capture_output=True, text=True, check=True).stdout.splitlines()[0]
 
 
-def page(platforms, memory):
-    operations = [operation for rows in platforms.values() for operation in rows]
-    bars = [verdict for operation in operations for verdict in operation.verdicts()]
-    short = list(shortfalls(operations))
-    yield "# Benchmarks"
+def page(platforms, memory, checked):
+    text = (HERE / "page.md").read_text(encoding="utf-8").rstrip()
+    short = [row for row in checked if not row.met]
+    yield text
     yield ""
-    yield "Written by `./dev bench`; not edited by hand. The library, its peers and the limit (the least that any"
-    yield "implementation must do) run in one process in rotating order; a ratio is the median of the"
-    yield "rounds' quotients ([bench/harness.h](../bench/harness.h) explains it). Times move with the machine,"
-    yield "ratios hardly. A ratio below 1 means that util takes less time. A bar is the ratio that the"
-    yield "library sets itself; \"0.50 of 0.60 × P\" reads: takes 0.50 of the time of P, may take 0.60."
+    yield f"Machine: {processor()}; {first_line('g++', '--version')}; {first_line('wine', '--version')}."
     yield ""
-    yield "The native half runs without the C library's copies by one instruction of the processor, whose"
-    yield "speed depends on where blocks happen to lie (GLIBC_TUNABLES in `dev`)."
+    yield "## Bars"
     yield ""
-    yield f"Measured on: {processor()}; {first_line('g++', '--version')}; {first_line('wine', '--version')}."
-    yield f"{len(operations)} operations, {len(bars)} bars, {len(bars) - len(short)} met."
+    yield f"{len(checked)} checked, {len(short)} missed by more than the noise."
     yield ""
-    yield "![Ratios of all operations to their limit and to the strongest peer](benchmarks.svg)"
+    yield from bar_table(row for row in checked if row.at_most != GROWTH_LIMIT)
     yield ""
-    yield "## What falls short"
+    yield "## Slower by nature"
     yield ""
-    yield from (f"- {line}" for line in short)
-    if not short:
-        yield "Nothing."
+    yield "| Operation | platform | slower than | because it |"
+    yield "|---|---|---|---|"
+    for bar in bars():
+        if not bar.at_most:
+            yield line([bar.operation, bar.platform, bar.against, bar.reason])
     for platform, rows in platforms.items():
         for section, group in by_section(rows).items():
+            if section == "Kernels":
+                continue  # a table of its own, in util/internal/kernels/README.md
             yield ""
-            yield f"## {section.split(' ', 1)[1]}, {platform}"
+            yield f"## {section}, {platform}"
             yield ""
-            yield from table(group)
+            yield from (growth_table if section.startswith("Growth") else table)(group)
     if memory:
         yield ""
         yield "## Memory of long runs, under Wine"
         yield ""
-        yield "| Pattern | process memory at the start | after a tenth | at the end | peak | heap blocks, tenth to end |"
+        yield "| Pattern | at the start | after a tenth | at the end | peak | heap blocks, tenth to end |"
         yield "|---|--:|--:|--:|--:|--:|"
-        yield from ("| " + " | ".join(row) + " |" for row in memory)
+        yield from map(line, memory)
 
 
-def plot(platforms, path):
-    import matplotlib
-    matplotlib.use("svg")
-    matplotlib.rcParams["svg.hashsalt"] = "util"  # the same file for the same data
-    from matplotlib import pyplot
-    rows = max(len(operations) + len(by_section(operations)) for operations in platforms.values())
-    drawing, panels = pyplot.subplots(1, len(platforms), figsize=(8 * len(platforms), 1.5 + 0.21 * rows),
-                                      squeeze=False, layout="constrained")
-    for panel, (platform, operations) in zip(panels[0], platforms.items()):
-        labels, y = [], 0
-        for section, group in by_section(operations).items():
-            labels.append((y, section.split(" ", 1)[1], True))
-            y -= 1
-            for operation in group:
-                labels.append((y, operation.name, False))
-                points = [(operation.ratio(operation.limit()), "o", "tab:gray", "to the limit")
-                          if operation.limit() else None,
-                          (operation.ratio(operation.strongest_peer()), "D", "tab:blue", "to the strongest peer")
-                          if operation.strongest_peer() else None]
-                for point in filter(None, points):
-                    panel.plot(point[0], y, marker=point[1], color=point[2], markersize=4.5,
-                               linestyle="none", label=point[3])
-                y -= 1
-        panel.axvline(1, color="black", linewidth=0.8)
-        panel.set_xscale("log")
-        panel.set_title(f"{platform}: time of util as a multiple; left of 1 is faster", fontsize=10)
-        panel.set_yticks([label[0] for label in labels], [label[1] for label in labels], fontsize=7)
-        for tick, label in zip(panel.get_yticklabels(), labels):
-            tick.set_fontweight("bold" if label[2] else "normal")
-        panel.set_ylim(y, 1)
-        panel.grid(True, which="major", axis="both", linewidth=0.3)
-        handles = dict(zip(*reversed(panel.get_legend_handles_labels())))
-        panel.legend(handles.values(), handles.keys(), loc="lower right", fontsize=8)
-    drawing.savefig(path, metadata={"Date": None})
+def picture(operations):
+    """Horizontal bars: the time of util where that of the peer is 1."""
+    known = {(o.platform, o.name): o for o in operations}
+    rows = [(platform, name, peer, known[platform, name].ratio(peer))
+            for platform, name, peer in PICTURE if (platform, name) in known]
+    left, unit, top, height = 360, 330, 62, 26
+    bottom = top + height * len(rows)
+    yield (f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 880 {bottom + 30}" '
+           'font-family="sans-serif" font-size="13">')
+    yield f'<rect width="880" height="{bottom + 30}" fill="white"/>'
+    yield '<text x="10" y="22" font-size="16" font-weight="bold">Time of util, where the peer takes 1</text>'
+    yield '<text x="10" y="42" fill="#555">Shorter is faster. Grey line: as fast as the peer.</text>'
+    for i, (platform, name, peer, ratio) in enumerate(rows):
+        y = top + height * i
+        width = min(ratio, 1.4) * unit
+        label = html.escape(f"{name} ({'Wine' if platform == 'under Wine' else 'native'})")
+        yield f'<text x="{left - 8}" y="{y + 16}" text-anchor="end">{label}</text>'
+        yield f'<rect x="{left}" y="{y + 4}" width="{width:.0f}" height="{height - 8}" fill="#3572b0"/>'
+        inside = width > 150
+        yield (f'<text x="{left + (6 if inside else width + 6):.0f}" y="{y + 17}" '
+               f'fill="{"white" if inside else "#333"}">{times(ratio)} of {html.escape(peer.split(",")[0])}</text>')
+    yield (f'<line x1="{left + unit}" x2="{left + unit}" y1="{top}" y2="{bottom}" '
+           'stroke="#999" stroke-dasharray="4 3"/>')
+    for tick in (0, 0.5, 1):
+        yield f'<text x="{left + tick * unit:.0f}" y="{bottom + 18}" text-anchor="middle">{tick:g}</text>'
+    yield "</svg>"
 
 
 def main():
@@ -235,17 +248,22 @@ def main():
         operations, rows = read(platform, path)
         platforms.setdefault(platform, []).extend(operations)
         memory += rows
-    everything = [operation for operations in platforms.values() for operation in operations]
+    operations = [operation for rows in platforms.values() for operation in rows]
+    checked = list(verdicts(operations, memory))
+    missing = list(unmeasured(operations)) if arguments.pages else []
     if arguments.pages:
-        text = "\n".join(page(platforms, memory)) + "\n"
-        (arguments.pages / "benchmarks.md").write_text(text, encoding="utf-8")
-        plot(platforms, arguments.pages / "benchmarks.svg")
-    bars = [verdict for operation in everything for verdict in operation.verdicts()]
-    short = list(shortfalls(everything))
-    for line in short:
-        print(line.replace("**", ""))
-    print(f"{len(everything)} operations, {len(bars)} bars, {len(short)} fall short")
+        for name, lines in (("benchmarks.md", page(platforms, memory, checked)),
+                            ("benchmarks.svg", picture(operations))):
+            (arguments.pages / name).write_text("\n".join(lines) + "\n", encoding="utf-8")
+    missed = [row for row in checked if not row.met]
+    for row in missed:
+        print(f"missed: {row.platform}, {row.operation}, {row.what}: {times(row.ratio)}, "
+              f"at most {times(row.at_most)} and {row.noise} % noise")
+    for bar in missing:
+        print(f"not measured: {bar}")
+    print(f"{len(operations)} operations, {len(checked)} bars, {len(missed)} missed")
+    return 1 if missed or missing else 0
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())

@@ -44,9 +44,6 @@ const bench::Section section("9 Copying", [] {
                       std::filesystem::remove(target);
                       keep(std::filesystem::copy_file(source, target));
                   })
-            .bar("ReadFile, WriteFile, 256 KB", 1.03)
-            .bar("CopyFileA", 1.02)
-            .bar("std::filesystem::copy_file", 0.5)
             .by_minimum()
             .per(megabytes));
 });

@@ -83,8 +83,6 @@ const bench::Section section("6 Reading lines", [] {
                           keep(buffer);
                   })
             .described("a read per byte", [&] { read_byte_by_byte(fd); })
-            .bar("ReadFile, SetFilePointerEx", 1.10)
-            .bar("a read per byte", 0.04)
             .per(lines));
     run(Operation("Read, one byte")
             .limit("ReadFile",
@@ -99,7 +97,6 @@ const bench::Section section("6 Reading lines", [] {
                 for (int i = 0; i < lines; ++i)
                     keep(file.Read(buffer, 1));
             })
-            .bar("ReadFile", 1.10)
             .per(lines));
     std::fclose(stream);
     _close(fd);

@@ -71,8 +71,6 @@ const bench::Section section("8 Sorted listing", [] {
             })
             .peer("std::filesystem, status, size, sort", [&] { list_by_standard_library(folder); })
             .described("status of each, sorted insert", [&] { list_as_described(folder); })
-            .bar("FindFirstFileW, FindNextFileW", 1.10)
-            .bar("status of each, sorted insert", 0.40)
             .per(files));
 });
 

@@ -95,8 +95,6 @@ const bench::Section section("7 Records", [] {
                     file << first_number + i << value;
             })
             .described("three writes for two", [&] { write_three(fd); })
-            .bar("WriteFile for each", 1.07)
-            .bar("three writes for two", 0.72)
             .per(2 * pairs));
     run(Operation("record read")
             .limit("ReadFile, SetFilePointerEx",
@@ -116,8 +114,6 @@ const bench::Section section("7 Records", [] {
                 keep(back);
             })
             .described("a read per byte of a number", [&] { read_bytes(fd); })
-            .bar("ReadFile, SetFilePointerEx", 1.10)
-            .bar("a read per byte of a number", 0.35)
             .per(2 * pairs));
     _close(fd);
     CloseHandle(raw);

@@ -141,24 +141,21 @@ auto made(Arguments... arguments) {
     return [loop] { loop->run(); };
 }
 
-void dispatch(const char* name, Traffic traffic, double against_select) {
+void dispatch(const char* name, Traffic traffic) {
     using Confirmation = bool (*)(SOCKET, HANDLE);
     run(Operation(name)
             .limit("wait, unconfirmed", made<WaitLoop<Confirmation>>(traffic, &unconfirmed))
             .library(made<Library>(traffic))
             .peer("select over all", made<SelectLoop>(traffic))
             .described("wait, then select", made<WaitLoop<Confirmation>>(traffic, &selected))
-            .bar("wait, unconfirmed", 1.35)
-            .bar("select over all", against_select)
-            .bar("wait, then select", 0.65)
             .per(sockets));
 }
 
 const bench::Section section(
     "10 Event dispatch",
     [] {
-        dispatch("Poll, 63 sockets in a ring", Traffic::ring, 0.70);
-        dispatch("Poll, 63 sockets at once", Traffic::burst, 1.2);
+        dispatch("Poll, 63 sockets in a ring", Traffic::ring);
+        dispatch("Poll, 63 sockets at once", Traffic::burst);
     },
     bench::Section::Cores::one);
 

@@ -64,24 +64,20 @@ void arithmetic(const Numbers& n) {
     run(Operation("64-bit value: a + b")
             .limit("native, out of line", for_each([&](auto i) { return add(n.a[i], n.b[i]); }))
             .library(for_each([&](auto i) { return n.x[i] + n.y[i]; }))
-            .bar("native, out of line", 1.3)
             .per(count));
     run(Operation("64-bit value: a * b")
             .limit("native, out of line",
                    for_each([&](auto i) { return multiply(n.a[i], n.b[i]); }))
             .library(for_each([&](auto i) { return n.x[i] * n.y[i]; }))
-            .bar("native, out of line", 1.3)
             .per(count));
     run(Operation("64-bit value: a / b")
             .limit("native, out of line", for_each([&](auto i) { return divide(n.a[i], n.b[i]); }))
             .library(for_each([&](auto i) { return n.x[i] / n.y[i]; }))
-            .bar("native, out of line", 1.3)
             .per(count));
     run(Operation("64-bit value: a << n")
             .limit("native, out of line",
                    for_each([&](auto i) { return shift(n.a[i], static_cast<int>(i & 63)); }))
             .library(for_each([&](auto i) { return n.x[i] << static_cast<int>(i & 63); }))
-            .bar("native, out of line", 1.3)
             .per(count));
 }
 
@@ -108,12 +104,10 @@ void texts(const Numbers& n) {
             .limit("std::to_chars", for_each([&](auto i) { return to_chars<10>(n.a[i]); }))
             .library(for_each([&](auto i) { return *n.x[i].to_decimal(); }))
             .peer("fmt::format_int", for_each([&](auto i) { return format_int(n.a[i]); }))
-            .bar("fmt::format_int", 0.75)
             .per(count));
     run(Operation("64-bit value: to_hex(0)")
             .limit("std::to_chars", for_each([&](auto i) { return to_chars<16>(n.a[i]); }))
             .library(for_each([&](auto i) { return *n.x[i].to_hex(0); }))
-            .bar("std::to_chars", 1.25)
             .per(count));
 }
 
@@ -125,11 +119,6 @@ void parsing(const char* name, const std::string* texts) {
         .peer("strtoull",
               for_each([&](auto i) { return std::strtoull(texts[i].c_str(), nullptr, base); }))
         .per(count);
-#ifdef _WIN32
-    operation.bar("strtoull", 0.5);
-#else
-    operation.bar("std::from_chars", 1.1);
-#endif
     run(operation);
 }
 

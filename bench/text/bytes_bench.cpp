@@ -31,11 +31,7 @@ std::string mixed_case(std::size_t size) {
     return text;
 }
 
-struct Bars {
-    double limit, absl;  // 0: none
-};
-
-void lower(std::size_t size, const Bars& bars) {
+void lower(std::size_t size) {
     const std::string text = mixed_case(size);
     const String subject(text);
     Operation operation("to_lower, " + std::to_string(size) + " bytes");
@@ -48,15 +44,9 @@ void lower(std::size_t size, const Bars& bars) {
                 c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
             keep(result);
         });
-    if (bars.limit > 0) operation.bar("copy", bars.limit);
 #ifndef _WIN32
-    operation.peer("absl::AsciiStrToLower", [&] { keep(absl::AsciiStrToLower(text)); })
-        .bar("absl::AsciiStrToLower", bars.absl);
+    operation.peer("absl::AsciiStrToLower", [&] { keep(absl::AsciiStrToLower(text)); });
 #endif
-    if (size == megabyte) {
-        operation.doubled([twice = String(text + text)] { keep(twice.to_lower()); })
-            .doubled_limit([twice = text + text] { keep(std::string(twice)); });
-    }
     run(operation);
 }
 
@@ -78,12 +68,9 @@ void trim(std::size_t padding) {
                 --end;
             keep(text.substr(begin, end - begin));
         });
-    if (padding < 10) operation.bar("copy of what is kept", 1.15);
 #ifndef _WIN32
-    operation
-        .peer("absl::StripAsciiWhitespace",
-              [&] { keep(std::string(absl::StripAsciiWhitespace(text))); })
-        .bar("absl::StripAsciiWhitespace", 0.9);
+    operation.peer("absl::StripAsciiWhitespace",
+                   [&] { keep(std::string(absl::StripAsciiWhitespace(text))); });
 #endif
     run(operation);
 }
@@ -112,37 +99,25 @@ void trim(std::size_t padding) {
     return folded[0] ^ folded[1] ^ folded[2] ^ folded[3];
 }
 
-void hash(std::size_t size, double chain_bar) {
+void hash(std::size_t size) {
     const std::string text = mixed_case(size);
     const String subject(text);
     Operation operation("hash, " + std::to_string(size) + " bytes");
     operation.limit("reading", [&] { keep(read_every_byte(text)); })
         .library([&] { keep(subject.hash()); })
         .peer("std::hash", [&] { keep(std::hash<std::string_view>()(text)); })
-        .described("a chain of groups", [&] { keep(hash_in_a_chain(text)); })
-        .bar("a chain of groups", chain_bar);
+        .described("a chain of groups", [&] { keep(hash_in_a_chain(text)); });
     run(operation);
 }
 
 const bench::Section section("4 Case, trimming, hash", [] {
-#ifdef _WIN32
-    lower(12, {2.5, 0});
-    lower(100, {1.3, 0});
-    lower(65536 + 64, {0, 0});
-    lower(megabyte, {1.2, 0});
-#else
-    lower(12, {2.1, 0.85});
-    lower(100, {1.25, 0.6});
-    lower(65536 + 64, {0, 0.2});
-    lower(megabyte, {0, 0.2});
-#endif
+    for (const std::size_t size : {std::size_t{12}, std::size_t{100}, std::size_t{65600}, megabyte})
+        lower(size);
     trim(2);
     trim(5000);
-    hash(12, 1);
-    hash(60, 1);
-    hash(256, 1 / 1.8);
-    hash(4096, 1.0 / 12);
-    hash(megabyte, 1.0 / 12);
+    for (const std::size_t size :
+         {std::size_t{12}, std::size_t{60}, std::size_t{256}, std::size_t{4096}, megabyte})
+        hash(size);
 });
 
 }  // namespace

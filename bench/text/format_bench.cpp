@@ -7,6 +7,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 #ifndef _WIN32
 #include <absl/strings/str_cat.h>
@@ -42,16 +43,9 @@ void format_text_and_number(std::size_t size) {
               [&] { keep(fmt::format(FMT_COMPILE("{}-{}"), chars, number)); })
         .peer("boost::format", [&] { keep((boost::format("%s-%d") % chars % number).str()); })
         .peer("vsnprintf twice", [&] { keep(format_twice(chars, number)); });
-#ifdef _WIN32
-    operation.bar("fmt::sprintf", size < 100 ? 0.80 : size < 1000 ? 0.5 : 0.15);
-#else
+#ifndef _WIN32
     operation.peer("absl::StrCat", [&] { keep(absl::StrCat(chars, "-", number)); })
         .peer("absl::StrFormat", [&] { keep(absl::StrFormat("%s-%d", chars, number)); });
-    if (size < 1000) {
-        operation.bar("fmt::sprintf", 0.60).bar("absl::StrCat", 1.05);
-    } else {
-        operation.bar("absl::StrFormat", 1.1);
-    }
 #endif
     run(operation);
 }
@@ -82,9 +76,6 @@ void text_of_an_int() {
         .library([&] { keep(String(number)); })
         .peer("fmt::format_int", [&] { keep(fmt::format_int(number).str()); })
         .described("formatter, lock, copy", [&] { keep(format_as_described("%d", number)); });
-#ifndef _WIN32
-    operation.bar("std::to_string", 3.3);
-#endif
     run(operation);
 }
 
@@ -93,42 +84,46 @@ void format_by_the_runtime() {
     run(Operation("String(double)")
             .limit("formatter into a buffer, copy", [] { keep(format_and_copy("%f", 1.5)); })
             .library([] { keep(String(1.5)); })
-            .peer("fmt::sprintf", [] { keep(fmt::sprintf("%f", 1.5)); })
-            .bar("formatter into a buffer, copy", 1.15));
+            .peer("fmt::sprintf", [] { keep(fmt::sprintf("%f", 1.5)); }));
     const char* const name = "replica";
     run(Operation("format \"%-8s|%5d\"")
             .limit("formatter into a buffer, copy",
                    [&] { keep(format_and_copy("%-8s|%5d", name, 12345)); })
             .library([&] { keep(String::format("%-8s|%5d", name, 12345)); })
-            .peer("fmt::sprintf", [&] { keep(fmt::sprintf("%-8s|%5d", name, 12345)); })
-            .bar("formatter into a buffer, copy", 1.15));
+            .peer("fmt::sprintf", [&] { keep(fmt::sprintf("%-8s|%5d", name, 12345)); }));
 }
 
-// Two threads that format at the same time: per call, over both.
+// The same number of calls, divided among some threads that format at the same time.
+constexpr int calls = 40000;
+
 template <typename Format>
-void in_two_threads(Format format) {
-    const auto many = [&] {
-        for (int i = 0; i < 5000; ++i)
-            keep(format("agent-replica", i));
+auto in_threads(int count, Format format) {
+    return [count, format] {
+        const auto share = [&] {
+            for (int i = 0; i < calls / count; ++i)
+                keep(format("agent-replica", i));
+        };
+        std::vector<std::thread> others;
+        for (int i = 1; i < count; ++i)
+            others.emplace_back(share);
+        share();
+        for (std::thread& other : others)
+            other.join();
     };
-    std::thread other(many);
-    many();
-    other.join();
 }
 
-void format_in_two_threads() {
-    run(Operation("format \"%s-%d\" in two threads")
-            .library(
-                [] { in_two_threads([](auto s, int n) { return String::format("%s-%d", s, n); }); })
-            .peer("fmt::sprintf, no lock",
-                  [] { in_two_threads([](auto s, int n) { return fmt::sprintf("%s-%d", s, n); }); })
-            .described("formatter, lock, copy",
-                       [] {
-                           in_two_threads(
-                               [](auto s, int n) { return format_as_described("%s-%d", s, n); });
-                       })
-            .per(10000)
-            .bar("formatter, lock, copy", 0.65));
+void format_in_threads() {
+    const auto library = [](const char* s, int n) { return String::format("%s-%d", s, n); };
+    run(Operation("format \"%s-%d\" in threads")
+            .library(in_threads(1, library))
+            .library("two threads", in_threads(2, library))
+            .library("four threads", in_threads(4, library))
+            .peer("fmt::sprintf, two threads, no lock",
+                  in_threads(2, [](auto s, int n) { return fmt::sprintf("%s-%d", s, n); }))
+            .described(
+                "formatter, lock, copy, two threads",
+                in_threads(2, [](auto s, int n) { return format_as_described("%s-%d", s, n); }))
+            .per(calls));
 }
 
 const bench::Section section("1 Formatting", [] {
@@ -136,7 +131,7 @@ const bench::Section section("1 Formatting", [] {
         format_text_and_number(size);
     text_of_an_int();
     format_by_the_runtime();
-    format_in_two_threads();
+    format_in_threads();
 });
 
 }  // namespace

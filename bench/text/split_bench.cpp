@@ -32,11 +32,7 @@ std::vector<std::string> split_by_search(const std::string& text, const char* se
     }
 }
 
-struct Bars {
-    double limit, absl, boost;
-};
-
-void split(const char* name, const std::string& text, const char* separators, const Bars& bars) {
+void split(const char* name, const std::string& text, const char* separators) {
     const std::vector<std::string> known = split_by_search(text, separators);
     const String subject(text), set(separators);
     Operation operation(name);
@@ -58,21 +54,13 @@ void split(const char* name, const std::string& text, const char* separators, co
                   keep(fields);
               })
         .described("find_first_of, substr, push_back",
-                   [&] { keep(split_by_search(text, separators)); })
-        .bar("known fields", bars.limit)
-        .bar("boost::split", bars.boost);
+                   [&] { keep(split_by_search(text, separators)); });
 #ifndef _WIN32
-    operation
-        .peer("absl::StrSplit",
-              [&] {
-                  keep(std::vector<std::string>(
-                      absl::StrSplit(text, absl::ByAnyChar(separators), absl::SkipEmpty())));
-              })
-        .bar("absl::StrSplit", bars.absl);
+    operation.peer("absl::StrSplit", [&] {
+        keep(std::vector<std::string>(
+            absl::StrSplit(text, absl::ByAnyChar(separators), absl::SkipEmpty())));
+    });
 #endif
-    if (text.size() >= megabyte) {
-        operation.doubled([&, twice = String(text + text)] { keep(twice.split(set, true)); });
-    }
     run(operation);
 }
 
@@ -95,20 +83,12 @@ std::string table_of_values(const char* separators) {
 }
 
 const bench::Section section("2 Splitting", [] {
-#ifdef _WIN32
-    const Bars path = {1.12, 0, 1 / 1.75}, large = {1.22, 0, 1 / 1.75}, short_text = {1.35, 0, 0.5};
-    const Bars two_separators = large;
-#else
-    const Bars path = {1.20, 0.90, 0.4}, large = {1.35, 0.82, 0.4}, short_text = {1.9, 0.65, 0.4};
-    const Bars two_separators = {1.35, 0.35, 0.4};
-#endif
-    split("split \"7.1.2\"", "7.1.2", ".", short_text);
-    split("split a date", "2010/05/17 12:30:45", " /:", short_text);
-    split("split 3 addresses", "ann@example.test;bob@example.test;eve@example.test", ";",
-          short_text);
-    split("split a search path of 40", search_path(), ";", path);
-    split("split 1 MB at \",\"", table_of_values(",,"), ",", large);
-    split("split 1 MB at \",\" and line feed", table_of_values(",\n"), ",\n", two_separators);
+    split("split \"7.1.2\"", "7.1.2", ".");
+    split("split a date", "2010/05/17 12:30:45", " /:");
+    split("split 3 addresses", "ann@example.test;bob@example.test;eve@example.test", ";");
+    split("split a search path of 40", search_path(), ";");
+    split("split 1 MB at \",\"", table_of_values(",,"), ",");
+    split("split 1 MB at \",\" and line feed", table_of_values(",\n"), ",\n");
 });
 
 }  // namespace

@@ -52,11 +52,7 @@ void in_place(const std::string& subject, Result result) {
     keep(std::string(object));
 }
 
-struct Bars {
-    double limit, absl;
-};
-
-void split_by_tag(const Bars& bars) {
+void split_by_tag() {
     const std::string text = text_with({"<>"}, 45, megabyte);
     std::vector<std::string> known;
     boost::iter_split(known, text, boost::first_finder("<>"));
@@ -72,40 +68,30 @@ void split_by_tag(const Bars& bars) {
                    keep(pieces);
                })
         .library([&] { keep(subject.split_by_tag(tag)); })
-        .peer("boost::iter_split",
-              [&] {
-                  std::vector<std::string> pieces;
-                  boost::iter_split(pieces, text, boost::first_finder("<>"));
-                  keep(pieces);
-              })
-        .doubled([&, twice = String(text + text)] { keep(twice.split_by_tag(tag)); })
-        .bar("known pieces", bars.limit);
+        .peer("boost::iter_split", [&] {
+            std::vector<std::string> pieces;
+            boost::iter_split(pieces, text, boost::first_finder("<>"));
+            keep(pieces);
+        });
 #ifndef _WIN32
-    operation
-        .peer("absl::StrSplit", [&] { keep(std::vector<std::string>(absl::StrSplit(text, "<>"))); })
-        .bar("absl::StrSplit", bars.absl);
+    operation.peer("absl::StrSplit",
+                   [&] { keep(std::vector<std::string>(absl::StrSplit(text, "<>"))); });
 #endif
     run(operation);
 }
 
-void replace_all(const char* name, std::size_t every, const Bars& bars) {
+void replace_all(const char* name, std::size_t every) {
     const std::string text = text_with({"server"}, every, megabyte);
     const String subject(text);
     Operation operation(std::string("replace all, 1 MB, ") + name);
     operation.limit("copy", [&] { keep(std::string(text)); })
         .library([&] { keep(subject.replace("server", "replica")); })
         .peer("boost::replace_all_copy",
-              [&] { keep(boost::replace_all_copy(text, "server", "replica")); })
-        .doubled([&, twice = String(text + text)] { keep(twice.replace("server", "replica")); })
-        .doubled_limit([twice = text + text] { keep(std::string(twice)); })
-        .bar("copy", bars.limit);
+              [&] { keep(boost::replace_all_copy(text, "server", "replica")); });
 #ifndef _WIN32
-    operation
-        .peer("absl::StrReplaceAll",
-              [&] {
-                  keep(absl::StrReplaceAll(text, {{"server", "replica"}}));
-              })
-        .bar("absl::StrReplaceAll", bars.absl);
+    operation.peer("absl::StrReplaceAll", [&] {
+        keep(absl::StrReplaceAll(text, {{"server", "replica"}}));
+    });
 #endif
     run(operation);
 }
@@ -174,35 +160,7 @@ const std::vector<std::pair<absl::string_view, absl::string_view>> decodes = {
     {"&amp;", "&"}, {"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&apos;", "'"}};
 #endif
 
-// The demands on one size and kind of text: at most so many times the limit under Wine, absl and
-// pugixml natively; 0 for none.
-struct XmlBars {
-    double limit, absl, pugixml;
-};
-
-void add_bars(Operation& operation, const XmlBars& bars) {
-#ifdef _WIN32
-    operation.bar("copies", bars.limit);
-#else
-    if (bars.absl > 0) operation.bar("absl::StrReplaceAll", bars.absl);
-    if (bars.pugixml > 0) operation.bar("pugixml", bars.pugixml);
-#endif
-}
-
-template <typename Change>
-void add_doubled(Operation& operation, const std::string& text, const std::string& result,
-                 Change change) {
-    operation
-        .doubled([twice = text + text, change] {
-            String object(twice);
-            keep(change(object));
-        })
-        .doubled_limit([twice = text + text, both = result + result] {
-            in_place(twice, [&](auto&) { return std::string(both); });
-        });
-}
-
-void escape(const char* name, const std::string& text, const XmlBars& bars) {
+void escape(const char* name, const std::string& text) {
     const std::string result = escaped_in_passes(text);
     Operation operation(std::string("escape, ") + name);
     operation.limit("copies", [&] { in_place(text, [&](auto&) { return std::string(result); }); })
@@ -216,14 +174,10 @@ void escape(const char* name, const std::string& text, const XmlBars& bars) {
             in_place(text, [](auto& object) { return absl::StrReplaceAll(object, escapes); });
         });
 #endif
-    if (text.size() >= megabyte) {
-        add_doubled(operation, text, result, [](String& object) { return object.replaceXML(); });
-    }
-    add_bars(operation, bars);
     run(operation);
 }
 
-void decode(const char* name, const std::string& text, const XmlBars& bars) {
+void decode(const char* name, const std::string& text) {
     const std::string result = decoded_in_passes(text);
     Operation operation(std::string("decode, ") + name);
     operation.limit("copies", [&] { in_place(text, [&](auto&) { return std::string(result); }); })
@@ -236,34 +190,24 @@ void decode(const char* name, const std::string& text, const XmlBars& bars) {
             in_place(text, [](auto& object) { return absl::StrReplaceAll(object, decodes); });
         });
 #endif
-    if (text.size() >= megabyte) {
-        add_doubled(operation, text, result, [](String& object) { return object.placeXML(); });
-    }
-    add_bars(operation, bars);
     run(operation);
 }
 
 const bench::Section section("3 Searching, replacing and escaping", [] {
-#ifdef _WIN32
-    split_by_tag({1.10, 0});
-    replace_all("every 100 KB", 100 << 10, {1.5, 0});
-    replace_all("every 64 bytes", 64, {1.5, 0});
-#else
-    split_by_tag({1.40, 0.85});
-    replace_all("every 100 KB", 100 << 10, {2.05, 0.25});
-    replace_all("every 64 bytes", 64, {4.5, 0.25});
-#endif
+    split_by_tag();
+    replace_all("every 100 KB", 100 << 10);
+    replace_all("every 64 bytes", 64);
     replace_short();
     const std::vector<std::string> specials = {"&", "<", ">", "\"", "'"};
     const std::vector<std::string> entities = {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"};
-    escape("40 bytes", "copy \"C:\\a & b\" to <server>'s own shares", {1.8, 0, 0.85});
-    escape("1 MB without any special byte", text_with({" "}, 64, megabyte), {1.15, 0.9, 0});
-    escape("1 MB, one in 100 bytes", text_with(specials, 100, megabyte), {1.5, 0, 0.6});
-    escape("1 MB, one in 10 bytes", text_with(specials, 10, megabyte), {1.8, 0, 0.4});
-    decode("54 bytes", "copy &quot;C:\\a &amp; b&quot; to &lt;server&gt;'s shares", {3.5, 0, 0.55});
-    decode("1 MB without any entity", text_with({" "}, 64, megabyte), {1.1, 0.55, 0});
-    decode("1 MB, one in 100 bytes", text_with(entities, 100, megabyte), {1.35, 0, 0.3});
-    decode("1 MB, one in 10 bytes", text_with(entities, 10, megabyte), {3.5, 0, 0.45});
+    escape("40 bytes", "copy \"C:\\a & b\" to <server>'s own shares");
+    escape("1 MB without any special byte", text_with({" "}, 64, megabyte));
+    escape("1 MB, one in 100 bytes", text_with(specials, 100, megabyte));
+    escape("1 MB, one in 10 bytes", text_with(specials, 10, megabyte));
+    decode("54 bytes", "copy &quot;C:\\a &amp; b&quot; to &lt;server&gt;'s shares");
+    decode("1 MB without any entity", text_with({" "}, 64, megabyte));
+    decode("1 MB, one in 100 bytes", text_with(entities, 100, megabyte));
+    decode("1 MB, one in 10 bytes", text_with(entities, 10, megabyte));
 });
 
 }  // namespace
