@@ -1,4 +1,4 @@
-// String: the byte string in which the whole library passes text.
+// String: the byte string that the whole library takes and returns as text.
 #ifndef UTIL_TEXT_BYTE_STRING_H
 #define UTIL_TEXT_BYTE_STRING_H
 
@@ -20,27 +20,26 @@ namespace extstl {
 class ExtTime;  // util/text/date.h
 }
 
-// File names, paths, messages, registry values: every text the library takes or returns. It is a
-// value: copies are independent and belong to whoever holds them.
+// Holds file names, paths, messages and registry values. A String is a value: copies are
+// independent. Positions and sizes count bytes.
 //
-// Threads: distinct objects may be used from distinct threads; one object must not be changed by
-// two at once. Formatting, and construction from numbers, may be called from any thread.
+// Threads: different threads may use different objects. Two threads must not change one object at
+// the same time. Any thread may format, and construct from numbers.
 //
-// Failure: positions beyond the length raise std::out_of_range with exactly the message
-// "invalid string position"; memory exhaustion raises std::bad_alloc, and a size that no string can
-// have std::length_error. Null C strings are the empty text everywhere.
+// Failure: a position beyond the length raises std::out_of_range with exactly the message
+// "invalid string position". Out of memory raises std::bad_alloc. A size that no string can have
+// raises std::length_error. A null C string is the empty text everywhere.
 //
-// Embedded NULs, meant as they are: to_lower, to_upper, isAscii, squeeze_spaces, assignment,
-// appending, replacing a text, replaceXML and placeXML work on the NUL-terminated view and drop
-// what follows an embedded NUL. Construction from a String, comparison, hash, trim, substr, first,
-// last, prepend, split, hasUnprintable, the version tests and toDate work on the full stored
-// length.
+// Embedded NULs, by design: to_lower, to_upper, isAscii, squeeze_spaces, assignment, appending,
+// replacing a text, replaceXML and placeXML work on the NUL-terminated view. They drop what follows
+// an embedded NUL. Construction from a String, comparison, hash, trim, substr, first, last,
+// prepend, split, hasUnprintable, the version tests and toDate work on the full stored length.
 //
 //     String name = String("  Data01 ").trim(" ");   // "Data01"
 //     String line = String::format("%s: %d", (const char*)name, 7);   // "Data01: 7"
 class UTIL_API String : public extstl::ExtString {
   public:
-    // A single line feed, on every platform. Exists from load to unload of the library.
+    // A single line feed on every platform. Exists while the library is loaded.
     static const String eol;
 
     String();                                // ""
@@ -60,99 +59,103 @@ class UTIL_API String : public extstl::ExtString {
     String(std::string s);                   // every stored byte
     virtual ~String();
 
-    // Takes the other's NUL-terminated view, unlike the copy constructor; this is meant.
+    // Copies the NUL-terminated view of `other`. By design, the copy constructor copies every byte.
     // Self-assignment changes nothing.
     String& operator=(const String& other);
     String& operator=(String&& other) noexcept;
 
-    // Append other's NUL-terminated view, or one byte (which may be NUL).
+    // Append the NUL-terminated view of `other` or `s`, or the one byte `c`, which may be NUL.
     String& operator+=(const String& other);
     String& operator+=(const char* s);
     String& operator+=(char c);
     String& operator+=(int) = delete;  // appending a number is spelled s += String(n)
 
-    // The contents followed by a NUL; valid until the object changes or goes.
+    // Returns the contents followed by a NUL. Valid until the object changes or is destroyed.
     operator const char*() const {
         return m_text.c_str();
     }
 
-    // Every stored byte, NULs included; valid until the object changes or goes.
+    // Returns every stored byte, NULs included. Valid until the object changes or is destroyed.
     std::string_view view() const noexcept {
         return m_text;
     }
 
-    // Leading white space, a sign and digits, read as the runtime's atoi does; 0 without digits.
+    // Reads leading white space, an optional sign and digits as the runtime's atoi does. Returns 0
+    // when there are no digits. Beyond 32 bits the value wraps.
     int to_int() const;
 
-    // Compare the FIRST byte only: String("abc") == 'a' is 1. On the empty string both == and !=
-    // give 0. Both are meant.
+    // By design, these compare the FIRST byte only: String("abc") == 'a' is 1. By design, both ==
+    // and
+    // != return 0 for the empty string.
     int operator==(char c) const;
     int operator!=(char c) const;
 
-    // Position of the first s (or c) at or after pos, or npos. String("abcabc").first("bc", 2)
-    // is 4.
+    // Returns the position of the first `s` or `c` at or after `pos`, or npos.
+    // String("abcabc").first("bc", 2) is 4.
     std::uint64_t first(const char* s, std::uint64_t pos) const;
     std::uint64_t first(char c, std::uint64_t pos) const;
 
-    // Position of the last c, or npos.
+    // Returns the position of the last `c`, or npos.
     std::uint64_t last(char c) const;
 
-    // The bytes from pos, at most n of them or up to the end. pos equal to the length gives "";
-    // beyond it raises "invalid string position". String("abc").substr(1, 100) is "bc".
+    // Returns the bytes from `pos`: at most `n`, or all up to the end. Returns "" when `pos` is the
+    // length, and raises "invalid string position" beyond it. String("abc").substr(1, 100) is "bc".
     String substr(std::uint64_t pos, std::uint64_t n) const;
     String substr(std::uint64_t pos) const;
 
-    // |n| spaces: a negative width pads on the other side, which of "" is the same text.
+    // Returns |n| spaces. The sign is ignored.
     static String pad(int n);
 
-    // Put all of s in front of the contents; returns this object.
+    // Inserts every byte of `s` before the contents. Returns this object.
     String& prepend(const String& s);
 
-    // The n bytes from pos (clipped at the end) become the first len bytes of s, or all of the
-    // C string s; returns this object. pos beyond the length raises "invalid string position".
+    // Replaces the `n` bytes from `pos`, clipped at the end, by the first `len` bytes of `s`, or by
+    // all of the C string `s`. Returns this object. Raises "invalid string position" when `pos` is
+    // beyond the length.
     String& replace(std::uint64_t pos, std::uint64_t n, const char* s, std::uint64_t len);
     String& replace(std::uint64_t pos, std::uint64_t n, const char* s);
 
-    // Put to in place of the text from, in this object and up to its first NUL: once, or wherever
-    // from occurs. What was put in is not searched again. Returns this object. A null to deletes. A
-    // null from changes nothing; an empty one is found in front with SCOPE_FIRST and changes
-    // nothing with SCOPE_ALL. The arguments may point into this object.
+    // Replaces `from` by `to` in this object, up to its first NUL: the first occurrence, or all.
+    // Does not search the inserted text again. Returns this object. A null `to` deletes. A null
+    // `from` changes nothing. An empty `from` inserts `to` at the front with SCOPE_FIRST, and
+    // changes nothing with SCOPE_ALL. The arguments may point into this object.
     //
     //     String s("a-b-c");
     //     s.replace("-", "--", extstl::ExtString::SCOPE_ALL);   // s is "a--b--c"
     String& replace(const char* from, const char* to, scopeType scope);
 
-    // The same with SCOPE_ALL on a copy; this object stays as it is. String("a-b").replace("-", "")
-    // is "ab".
+    // Returns a copy with every occurrence replaced. This object is unchanged.
+    // String("a-b").replace("-", "") is "ab".
     [[nodiscard]] String replace(const char* from, const char* to) const;
 
-    // Write & < > " ' as &amp; &lt; &gt; &quot; &apos; in this object, up to its first NUL, and
-    // return a copy. Meant as it is: double quotes around the whole of two bytes or more stay as
-    // they are, and a tab is not escaped, although placeXML reads "&#x9;".
+    // Escapes & < > " ' as &amp; &lt; &gt; &quot; &apos; in this object, up to its first NUL.
+    // Returns a copy. By design, double quotes around a whole text of two bytes or more are
+    // unchanged. By design, a tab is not escaped, although placeXML reads "&#x9;". When out of
+    // memory this object is unchanged.
     //     String("a<b & 'c'>").replaceXML()   // a&lt;b &amp; &apos;c&apos;&gt;
     //     String("\"x<y\"").replaceXML()      // "x&lt;y", with its quotes
     String replaceXML();
 
-    // Read the five entities, and "&#x9;" as a tab, in this object, up to its first NUL, and return
-    // a copy. What was read is not read again: "&amp;lt;" gives "&lt;". Any other "&" stays. Double
-    // quotes around the whole stay. Meant as it is: a text of one double quote alone raises
-    // std::out_of_range "invalid string position" and becomes "".
+    // Decodes the five entities, and "&#x9;" to a tab, in this object, up to its first NUL. Returns
+    // a copy. Does not decode a result again: "&amp;lt;" becomes "&lt;". Any other "&" is
+    // unchanged, and so are double quotes around the whole text. By design, a text of one double
+    // quote alone becomes "" and raises std::out_of_range "invalid string position".
     String placeXML();
 
-    // Compare dotted version numbers. Components lie between dots, empty ones count for nothing,
-    // and missing ones are 0; each has the value of its first run of digits, or 0 without any, read
-    // as to_int does. All other text is passed over; this loose reading is meant. So "7.1" is
-    // greater than "7.0.9", and "V6.2.SP3", "6.2.3" and "6.2.3-beta.0" are equal. Nothing is
-    // raised.
+    // Compare dotted version numbers. Components are separated by dots. Empty components are
+    // skipped, and missing ones are 0. The value of a component is its first run of digits, read as
+    // to_int does, or 0 when it has none. By design, all other text is ignored. So "7.1" is greater
+    // than "7.0.9", and "V6.2.SP3", "6.2.3" and "6.2.3-beta.0" are equal. Nothing is raised.
     bool isGreaterThanVersion(const String& other) const;
     bool isLessThanVersion(const String& other) const;
     bool isEqualToVersion(const String& other) const;
 
-    // The local time written here as year, month, day, hour, minute and perhaps second, between
-    // blanks, slashes or colons; include util/text/date.h to use it. A year below 100 means 20yy;
-    // the year always comes first. Fields out of range carry over, as for ExtDate. A third word of
-    // exactly three becomes the label, where "word" is what lies between blanks. With fewer than
-    // five fields, and on any failure, the result is the current time; nothing is raised.
+    // Returns the local time written as year, month, day, hour, minute and optionally second,
+    // separated by blanks, slashes or colons. Include util/text/date.h to use it. The year always
+    // comes first; a year below 100 means 20yy. Fields out of range carry over, as for ExtDate.
+    // When blanks divide the text into exactly three words, and fields remain after the time, the
+    // third word is the label. Returns the current time for fewer than five fields and on any
+    // failure. Nothing is raised.
     //     String("2010/05/17 12:30:45 UTC").toDate()   // 17 May 2010, 12:30:45, label "UTC"
     extstl::ExtTime toDate() const;
 
@@ -171,12 +174,12 @@ class UTIL_API String : public extstl::ExtString {
     // The same for an argument list. The caller calls va_end on `args`.
     static String va_format(const char* fmt, va_list args);
 
-    // The NUL-terminated view with its ASCII letters mapped; this object stays as it is.
+    // Return the NUL-terminated view with its ASCII letters mapped. This object is unchanged.
     String to_lower() const;
     String to_upper() const;
 
-    // A copy without the leading and trailing bytes that occur in set. A NUL byte counts as a
-    // member of every set; this is meant. String("xxax").trim("x") is "a".
+    // Returns a copy without the leading and trailing bytes that occur in `set`. By design, a NUL
+    // byte is a member of every set. String("xxax").trim("x") is "a".
     String trim(const char* set) const;
 
     // Returns a 32-bit hash of the stored bytes. It never changes between releases, so it may be
@@ -185,39 +188,40 @@ class UTIL_API String : public extstl::ExtString {
     // "" gives 0, "abcd" gives 0x646362E1, "\xFF" gives 0xFFFFFFDF.
     unsigned int hash() const;
 
-    // True when every byte before the first NUL is below 0x80; the empty string is ASCII.
+    // Returns whether every byte before the first NUL is below 0x80. True for the empty string.
     bool isAscii() const;
 
-    // True when any stored byte, read as a signed number, is below 32: 0x00 to 0x1F and every byte
-    // from 0x80 up, but not 0x7F. This reading is meant.
+    // Returns whether any stored byte, read as a signed number, is below 32. By design, these are
+    // 0x00 to 0x1F and all bytes from 0x80 up, but not 0x7F.
     bool hasUnprintable() const;
 
-    // The fields between separators; every byte of separators separates on its own. The empty
-    // string gives no field; empty separators give the whole string as one field.
-    // With skipEmpty, only fields that are not empty:
+    // Returns the fields between separators. Every byte of `separators` is a separator on its own.
+    // The empty string has no fields. Without separators the whole string is one field.
+    // With `skipEmpty`, only fields that are not empty:
     //     String(" a  b ").split(" ", true)    // {"a", "b"}
     // Without it, one field before, between and after separators, empty or not:
     //     String(" a  b ").split(" ", false)   // {"", "a", "", "b", ""}
-    // Meant as it is: a text of nothing but separators raises std::bad_alloc unless skipEmpty.
+    // By design, a text of nothing but separators raises std::bad_alloc unless `skipEmpty`.
     std::vector<String> split(const String& separators, bool skipEmpty) const;
 
-    // The pieces between occurrences of the whole text tag. A leading tag gives an empty first
-    // piece, adjacent tags an empty piece between them, a trailing tag gives none; the difference
-    // is meant. The empty string gives no piece; an empty tag gives the text as one piece.
+    // Returns the pieces between occurrences of the whole text `tag`. By design, a leading tag
+    // makes an empty first piece, adjacent tags make an empty piece between them, but a trailing
+    // tag makes no piece. The empty string has no pieces. With an empty `tag` the text is one
+    // piece.
     //     String("x--y----z--").split_by_tag("--")   // {"x", "y", "", "z"}
     std::vector<String> split_by_tag(const String& tag) const;
 
-    // Normalise white space in this object, up to its first NUL, and return a copy: a white-space
-    // or control byte is dropped at the start and after white space, and becomes a blank
-    // elsewhere. Bytes from 0x80 up are ordinary. "  a \t b  " becomes "a b ", and "a\x01 b"
-    // becomes "a  b", since 0x01 is a control byte but not white space.
+    // Normalises white space in this object, up to its first NUL. Returns a copy. A white-space or
+    // control byte is dropped at the start and after white space, and becomes a blank elsewhere.
+    // Bytes from 0x80 up are ordinary. "  a \t b  " becomes "a b ". "a\x01 b" becomes "a  b", since
+    // 0x01 is a control byte but not white space. When out of memory this object is unchanged.
     String squeeze_spaces();
 };
 
 namespace util {
 
-// Two texts of which one is a String (or derives from it) and the other that or any of the
-// standard's: const char*, std::string, std::string_view.
+// Two texts that can be compared: one is a String or derives from it. The other is one too, or a
+// const char*, std::string, std::string_view or nullptr.
 template <typename T>
 inline constexpr bool is_string = std::is_base_of_v<String, T>;
 template <typename T>
@@ -232,7 +236,7 @@ template <typename S, typename N>
 using if_text_and_number = std::enable_if_t<
     is_string<S> && (std::is_arithmetic_v<N> || std::is_enum_v<N>)&&!std::is_same_v<N, char>, int>;
 
-// The bytes to compare: of a C string those before its NUL, and none of a null one.
+// The bytes to compare. A C string ends before its NUL, and a null one is empty.
 template <typename T>
 std::string_view view_of(const T& text) {
     if constexpr (is_string<T>) {
@@ -249,9 +253,9 @@ std::string_view view_of(const T& text) {
 
 }  // namespace util
 
-// Comparison by contents, over the full stored length and with bytes taken as unsigned; never by
-// pointer. A null C string compares like "". (A single character is compared by the members above,
-// which see the first byte only.)
+// Compare contents, never pointers, over the full stored length and with bytes as unsigned numbers.
+// A null C string and nullptr compare like "". The members above compare a single `char`, with the
+// first byte only.
 template <typename A, typename B, util::if_texts<A, B> = 0>
 bool operator==(const A& a, const B& b) {
     return util::view_of(a) == util::view_of(b);
@@ -277,14 +281,14 @@ bool operator>=(const A& a, const B& b) {
     return util::view_of(a) >= util::view_of(b);
 }
 #if defined(__cpp_lib_three_way_comparison)
-// The same by contents, for C++20.
+// The same for C++20.
 template <typename A, typename B, util::if_texts<A, B> = 0>
 std::strong_ordering operator<=>(const A& a, const B& b) {
     return util::view_of(a) <=> util::view_of(b);
 }
 #endif
 
-// The other way round for a character; a number is no text to compare with.
+// Compare a `char` with a String. Comparing with an `int` is deleted.
 inline int operator==(char c, const String& s) {
     return s == c;
 }
@@ -296,7 +300,7 @@ bool operator!=(const String&, int) = delete;
 bool operator==(int, const String&) = delete;
 bool operator!=(int, const String&) = delete;
 
-// a's every byte, then b appended as += does: String("a") + "b" is "ab".
+// Return every byte of `a`, with `b` appended as += does: String("a") + "b" is "ab".
 inline String operator+(String a, const String& b) {
     return a += b;
 }
@@ -319,7 +323,7 @@ String operator+(const S&, N) = delete;
 template <typename N, typename S, util::if_text_and_number<S, N> = 0>
 String operator+(N, const S&) = delete;
 
-// Writes every stored byte, padded to the stream's width.
+// Writes every stored byte, padded to the width of the stream.
 UTIL_API std::ostream& operator<<(std::ostream& out, const String& s);
 
 namespace std {

@@ -1,5 +1,5 @@
-// extstl::ExtString: the storage under String. Programs use String (byte_string.h); this base is
-// public because String's own interface names it.
+// extstl::ExtString: the base class of String. Programs use String (byte_string.h). This class is
+// public because the interface of String names it.
 #ifndef UTIL_TEXT_EXT_STRING_H
 #define UTIL_TEXT_EXT_STRING_H
 
@@ -10,23 +10,23 @@
 
 namespace extstl {
 
-// A byte string of known length that may hold NUL bytes and is always followed by one, so that
-// c_str() is a valid C string. It knows nothing of character sets: UTF-8 and code-page text pass
-// through unchanged.
+// A byte string that knows its length. It may contain NUL bytes, and a NUL always follows its last
+// byte, so c_str() is a valid C string. It knows no character set: UTF-8 and code-page text are
+// unchanged.
 //
-// Positions and sizes count bytes. Copies are independent values. One object must not be changed
-// by two threads at once; distinct objects are free of each other. Memory exhaustion raises
-// std::bad_alloc; nothing else is raised but where a member says so.
+// Positions and sizes count bytes. Copies are independent values. Different threads may use
+// different objects. Two threads must not change one object at the same time. Out of memory raises
+// std::bad_alloc. A member raises nothing else unless its comment says so.
 //
-// Meant as it is: constructing from another ExtString copies every stored byte, while assigning
-// and appending one take its NUL-terminated view, so bytes after an embedded NUL are left behind.
-// Moving follows the same two rules.
+// By design, constructing from another ExtString copies every stored byte, but assigning and
+// appending one copy its NUL-terminated view, without the bytes after an embedded NUL. Moving
+// follows the same two rules.
 class UTIL_API ExtString {
   public:
-    // How many occurrences a search-and-replace touches; any value but 0 acts as SCOPE_ALL.
+    // How many occurrences a replacement changes. Any value but 0 acts as SCOPE_ALL.
     enum scopeType : int { SCOPE_FIRST = 0, SCOPE_ALL = 1 };
 
-    // "Not found", and "to the end" as a length: all bits set.
+    // As a position: not found. As a length: to the end. All bits are set.
     static const std::uint64_t npos = ~std::uint64_t{0};
 
     ExtString();                            // ""
@@ -40,20 +40,21 @@ class UTIL_API ExtString {
     ExtString& operator=(ExtString&& other) noexcept;  // the same; leaves other unspecified
     ExtString& operator+=(const ExtString& other);     // other's NUL-terminated view
 
-    // At most n bytes from pos. Raises std::out_of_range "invalid string position" when pos is
-    // beyond the length; pos equal to the length gives "".
+    // Returns at most `n` bytes from `pos`. Returns "" when `pos` is the length, and raises
+    // std::out_of_range "invalid string position" beyond it.
     ExtString substr(std::uint64_t pos, std::uint64_t n) const;
 
-    // Map the ASCII letters of every stored byte, in place; other bytes stay.
+    // Map the ASCII letters of the whole text in place. Other bytes are unchanged.
     void upper();
     void lower();
 
-    // Position of the first occurrence of what at or after pos, or npos. With ignore_case not 0,
-    // ASCII letters match in either case: ExtString("a-XY").find("xy", 0, 1) is 2.
+    // Returns the position of the first `what` at or after `pos`, or npos. When `ignore_case` is
+    // not 0, ASCII letters match in either case: ExtString("a-XY").find("xy", 0, 1) is 2. The time
+    // is proportional to the lengths of both texts.
     std::uint64_t find(const std::string& what, std::uint64_t pos, int ignore_case) const;
 
-    // The stored bytes: how many, whether none, and the text itself, which is valid until the
-    // object changes or goes. c_str() ends in a NUL behind the last of them.
+    // The number of stored bytes, whether it is 0, and the bytes. The pointer and the reference are
+    // valid until the object changes or is destroyed. A NUL follows the last byte of c_str().
     std::uint64_t size() const noexcept { return m_text.size(); }
     bool empty() const noexcept { return m_text.empty(); }
     const char* c_str() const noexcept { return m_text.c_str(); }

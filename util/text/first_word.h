@@ -9,8 +9,8 @@
 
 namespace util {
 
-// The first bytes of text as a number, the first one lowest; zeros behind its end. Byte by byte
-// where it is short: copying so few is a call.
+// Returns the first bytes of `text` as a number, the first byte lowest, filled up with zeros. Reads
+// a short text byte by byte, since memcpy of a variable size is a call.
 inline std::uint64_t first_word(std::string_view text) {
     std::uint64_t word = 0;
     if (text.size() >= sizeof word) {

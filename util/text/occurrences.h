@@ -1,4 +1,4 @@
-// Not installed. All places where a text stands in another, in linear time whatever they are.
+// Not installed. All places where a text occurs in another, in linear time for any texts.
 #ifndef UTIL_TEXT_OCCURRENCES_H
 #define UTIL_TEXT_OCCURRENCES_H
 
@@ -15,22 +15,22 @@
 
 namespace util {
 
-// For each length of a beginning of what: the longest shorter beginning that is also its end
-// (Knuth, Morris and Pratt).
+// For each prefix of `what`: the length of its longest border, a shorter prefix that is also its
+// suffix (Knuth, Morris and Pratt).
 std::vector<std::size_t> borders_of(std::string_view what);
 
-// The number of bytes before the first difference of a, which is as long as b, and b.
+// Length of the common prefix of `a` and `b`. `a` has at least `b.size()` bytes.
 std::size_t common_length(const char* a, std::string_view b);
 
-// A text to compare others with. Those that are looked for are mostly short, and a call would cost
-// more than their comparison: the first eight bytes are compared as one number.
+// A text that others are compared with. Most are short, and a call of memcmp costs more than their
+// comparison, so the first eight bytes are compared as one number.
 class Needle {
   public:
     explicit Needle(std::string_view text) : m_text(text), m_word(first_word(text)) {
         if (text.size() < sizeof m_mask) m_mask = (std::uint64_t{1} << 8 * text.size()) - 1;
     }
 
-    // Whether a text that is as long at least begins with it.
+    // Whether `there`, which is at least as long, begins with it.
     bool begins(std::string_view there) const {
         if (((first_word(there) ^ m_word) & m_mask) != 0) return false;
         return m_text.size() <= sizeof m_word ||
@@ -66,14 +66,14 @@ void each_in_repetitive(std::string_view text, std::string_view what, std::size_
     }
 }
 
-// Calls take(position) for what, which is not empty, wherever it occurs at or after pos and does
-// not overlap the one before, for as long as take returns true.
+// Calls take(position) for each occurrence of `what` at or after `pos` that does not overlap the
+// one before. Stops when `take` returns false. `what` is not empty.
 template <typename Take>
 void each_occurrence(std::string_view text, std::string_view what, std::size_t pos, Take take) {
     if (text.size() < what.size()) return;
-    // Comparing the places where the first byte and the last fit is fastest where few of them match
-    // in part; once it has cost more than a pass over the text so far, the texts are of the other
-    // kind.
+    // Comparing only where the first and the last byte match is fastest while few of these places
+    // match in part. Once the comparisons have cost more than one pass over the text so far, the
+    // search that is linear for any texts takes over.
     constexpr std::size_t allowance = 32;
     const Needle needle(what);
     std::size_t wasted = 0;
@@ -99,8 +99,8 @@ void each_occurrence(std::string_view text, std::string_view what, std::size_t p
     }
 }
 
-// Adds the places of a text where what, which is not empty, begins, each behind the end of the one
-// before it. May raise std::bad_alloc.
+// Adds the positions of all occurrences of `what` that do not overlap the one before. `what` is not
+// empty. May raise std::bad_alloc.
 inline void add_occurrences(std::string_view text, std::string_view what, Places& places) {
     each_occurrence(text, what, 0, [&](std::size_t at) {
         places.add(at);

@@ -1,4 +1,4 @@
-// Not installed. Places in a text, as one bit for each of its bytes.
+// Not installed. A bitmap of positions in a text.
 #ifndef UTIL_TEXT_PLACES_H
 #define UTIL_TEXT_PLACES_H
 
@@ -13,9 +13,8 @@
 
 namespace util {
 
-// Found once and gone through as often as wanted: to count before anything is allocated, and then
-// to work. Bits take an eighth of the text however many are set; those of short texts lie on the
-// stack.
+// One pass finds the positions; then count, reserve, copy. Costs size/8 bytes, on the stack for
+// texts of up to 4 KiB.
 class Places {
   public:
     // None yet, in a text of this size. Both may raise std::bad_alloc.

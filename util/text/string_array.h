@@ -1,4 +1,4 @@
-// A list of strings kept in one text value: the elements joined by "$".
+// Stores a list of strings in one text: the elements joined by "$".
 #ifndef UTIL_TEXT_STRING_ARRAY_H
 #define UTIL_TEXT_STRING_ARRAY_H
 
@@ -7,17 +7,17 @@
 #include "util/export.h"
 #include "util/text/byte_string.h"
 
-// The elements one after another with "$" between them; no escaping, nothing at the end. Each is
-// written up to its first NUL. {"x", "y"} gives "x$y"; the empty list gives "".
+// Returns the elements with "$" between them. Nothing is escaped, and nothing follows the last
+// element. An element ends at its first NUL. {"x", "y"} gives "x$y". The empty list gives "".
 //
-// Not every list survives the way back, and both halves keep it so: an empty element is lost on
-// reading and one that holds "$" comes back as several.
+// By design, not every list survives a round trip: reading drops empty elements, and splits an
+// element that contains "$".
 //
-// May be called from any thread; raises std::bad_alloc when memory runs out.
+// Any thread may call it. Raises std::bad_alloc when out of memory.
 UTIL_API String serializeStrArray(const std::vector<String>& list);
 
-// The list read back: the fields of text between "$", empty ones dropped, text unchanged.
-// "$x$$y$" gives {"x", "y"}. May be called from any thread; raises std::bad_alloc.
+// Returns the list: the fields of `text` between "$", without empty ones. "$x$$y$" gives {"x",
+// "y"}. Any thread may call it. Raises std::bad_alloc when out of memory.
 UTIL_API std::vector<String> deserializeStrArray(const String& text);
 
 #endif

@@ -11,9 +11,9 @@
 
 namespace util {
 
-// A text of a size that is known beforehand: one allocation, whose memory is written once. Short
-// pieces are gathered in a buffer first, where there is room to copy beyond their end in blocks of
-// a fixed size, which takes no call.
+// Builds a text of a known size with one allocation, whose memory is written once. Short pieces are
+// gathered in a buffer first. It has room to copy blocks of a fixed size beyond the end of a piece,
+// which needs no call.
 class TextWriter {
   public:
     static constexpr std::size_t block = 16;
@@ -24,7 +24,7 @@ class TextWriter {
         if (size > gathered_most - large_block) m_text.reserve(size);
     }
 
-    // The first size bytes of text, which may go on behind them: that is where a block may end.
+    // Appends the first `size` bytes of `text`. A block may read on to the end of `text`.
     void put(std::string_view text, std::size_t size) {
         if (size <= block && block <= text.size()) {
             std::memcpy(space(block), text.data(), block);
@@ -48,7 +48,7 @@ class TextWriter {
         m_gathered += size;
     }
 
-    // What has been written; nothing can be put behind it.
+    // Returns the text. Nothing can be appended afterwards.
     std::string take() {
         flush();
         return std::move(m_text);
@@ -70,7 +70,7 @@ class TextWriter {
     char m_buffer[gathered_most];
 };
 
-// A text that is put again and again; a short one has room behind it for the writer's blocks.
+// A piece that is appended many times. A short one has room behind it for the writer's blocks.
 class RepeatedPiece {
   public:
     explicit RepeatedPiece(std::string_view text) : m_wide(text), m_size(text.size()) {
