@@ -1,20 +1,23 @@
+#include <cstdint>
 #include <iostream>
+#include <string>
 
 #include "util/files/files.h"
 #include "util/portable/current_directory.h"
 
 int main() {
-    // A record file: values go in and come out with their types, and a failure is remembered, so
-    // that one question after a run of operations is enough.
+    // A record file: values are written and read with their types. A failure is remembered, so one
+    // question after several operations is enough. A number beyond 32 bits is written as text.
+    const std::int64_t size = 5'000'000'000;
     XrFile file("state.rec", "w");
-    file << 42 << "ready" << String("a b");
+    file << 42 << "ready" << std::to_string(size);
     file.Close();
     int number = 0;
     String state;
     String text;
     file.Open("r");
     file >> number >> state >> text;
-    std::cout << number << ", " << state << ", " << text << '\n';
+    std::cout << number << ", " << state << ", " << std::stoll(text.str()) / 2 << '\n';
     file >> number;  // there is no more
     int code = 0;
     std::cout << std::boolalpha << "failed: " << file.Error(code) << '\n';
