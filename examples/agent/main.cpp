@@ -1,5 +1,6 @@
 // The sample agent: what a program on top of util looks like. Each verb has its own file pair. A
 // new verb needs a line in the table here.
+#include <algorithm>
 #include <exception>
 
 #include "agent.h"
@@ -67,9 +68,7 @@ int run(const Verb& verb, const Arguments& arguments) {
     return trouble;
 }
 
-int run(const Arguments& words) {
-    const String name = words.empty() ? "" : words.front();
-    const Arguments rest(words.begin() + (words.empty() ? 0 : 1), words.end());
+int run(const String& name, const Arguments& rest) {
     if (const Verb* const verb = find_verb(name)) return run(*verb, rest);
     if (name == "help" || name == "--help" || name == "-h") {
         const Verb* const verb = rest.empty() ? nullptr : find_verb(rest.front());
@@ -94,7 +93,6 @@ Arguments utf8_arguments(int argc, wchar_t** argv) {
     Arguments arguments(static_cast<std::size_t>(argc));
     for (std::size_t i = 0; i < arguments.size(); ++i)
         UTIL_WideCharToUtf8(argv[i], &arguments[i]);
-    arguments.erase(arguments.begin());  // the program's own name
     return arguments;
 }
 
@@ -102,5 +100,9 @@ Arguments utf8_arguments(int argc, wchar_t** argv) {
 
 extern "C" int wmain(int argc, wchar_t** argv) {
     const Output output;
-    return run(utf8_arguments(argc, argv));
+    Arguments words = utf8_arguments(argc, argv);  // the first is the program's own name
+    words.resize(std::max<std::size_t>(words.size(), 2));
+    const String name = words[1];
+    words.erase(words.begin(), words.begin() + 2);
+    return run(name, words);
 }

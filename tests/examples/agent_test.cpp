@@ -12,6 +12,7 @@
 
 #include "support/built_file.h"
 #include "support/loopback.h"
+#include "support/matches.h"
 #include "support/private_registry.h"
 #include "support/scratch_directory.h"
 #include "util/internal/windows.h"
@@ -27,20 +28,6 @@ using Words = std::vector<std::string>;
 
 bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
-}
-
-// Whether `text` is `pattern`, in which "..." stands for anything.
-bool matches(std::string_view text, std::string_view pattern) {
-    for (bool anywhere = false;; anywhere = true) {
-        const std::size_t end = pattern.find("...");
-        const std::string_view piece = pattern.substr(0, end);
-        const bool is_last = end == std::string_view::npos;
-        const std::size_t at = is_last && anywhere ? text.rfind(piece) : text.find(piece);
-        if (at == std::string_view::npos || (at != 0 && !anywhere)) return false;
-        text.remove_prefix(at + piece.size());
-        if (is_last) return text.empty();
-        pattern.remove_prefix(end + 3);
-    }
 }
 
 std::string without_dates(const std::string& text) {
@@ -186,7 +173,9 @@ class AgentTest : public testing::Test {
             ++calls;
             const Result result = agent(words);
             const std::string actual = without_dates(result.out + result.err);
-            EXPECT_TRUE(matches(actual, text)) << title << "\n" << text << "- but:\n" << actual;
+            EXPECT_TRUE(util_test::matches(actual, text)) << title << "\n"
+                                                          << text << "- but:\n"
+                                                          << actual;
             EXPECT_EQ(std::to_string(result.status), title.substr(1, 1)) << title;
         }
         EXPECT_GT(calls, 0) << name;
