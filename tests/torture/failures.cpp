@@ -183,8 +183,8 @@ bool cannot_fail(const std::string& name) {
         "_localtime64",
         // ends the process
         "abort",
-        // of the compiler's start-up code, called while the DLL is loaded
-        "VirtualProtect VirtualQuery _amsg_exit _initterm",
+        // of the start-up code, called while the DLL is loaded
+        "SystemFunction036 VirtualProtect VirtualQuery _amsg_exit _initterm",
     };
     for (const char* group : groups) {
         if (is_word_of(group, name)) return true;
