@@ -19,6 +19,7 @@ Target coded_characters;
 Target dates_and_versions;
 Target format;
 Target kernels;
+Target page_ends;
 Target text;
 Target token_lists;
 Target uint64_parsing;

@@ -29,6 +29,7 @@ const Family families[] = {
     {"dates_and_versions", util_fuzz::dates_and_versions, "0123456789./: VZ"sv},
     {"format", util_fuzz::format, "\1\2\3a%\0\xFF"sv},
     {"kernels", util_fuzz::kernels, "\3aAzZ@[`{\0\x80\xFF"sv},
+    {"page_ends", util_fuzz::page_ends, "aAxX<>&;/:. \t\n\x01\x7F\xE9"sv},
     {"text", util_fuzz::text, "ab,; \t\n\x01\x7F$\0\xE9"sv},
     {"token_lists", util_fuzz::token_lists, "aAbB, [\xC3\xE9"sv},
     {"uint64_parsing", util_fuzz::uint64_parsing, "0123456789abcdefABCDEFxXg\0\xFF\x80"sv},
