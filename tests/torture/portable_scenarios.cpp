@@ -235,23 +235,6 @@ void portable_scenarios(const Add& scenario) {
         });
         run.outcome(error == 0 && length == 19, error == EINVAL || length == 0 || length == EINVAL);
     });
-    scenario("ksl_uint64_c", [](Run& run) {
-        const bool right = run.call(nothing, [] {
-            ksl_uint64_c a(5, 1), b(-1), c(7L), d(1.5), e(u_hyper{0, 3}), f("0x1f"), g;
-            char text[32];
-            util::ulong32 high, low;
-            g = a + b - c * d / e;
-            g += a, g -= a, g *= a, g /= a, g <<= 1, g >>= 1, ++g, --g;
-            g = (-g << 3) >> 3;
-            g.high(0), g.low(12), g.value(&high, &low);
-            a.to_hex_r(0, text, sizeof text), a.to_decimal_r(text, sizeof text);
-            return g == ksl_uint64_c(12, 0) && g != a && a > g && g < a && a >= g && g <= a &&
-                   g.hi() == high && g.lo() == low && f.mod_10() == 1 &&
-                   f.divide_by_10() == ksl_uint64_c(3) && !std::strcmp(f.to_hex(0), "1f") &&
-                   !std::strcmp(f.to_decimal(), "31") && ksl_uint64_c::status() == 0;
-        });
-        run.always(right, "a wrong number");
-    });
 }
 
 }  // namespace torture
