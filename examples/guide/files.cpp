@@ -23,7 +23,7 @@ int main() {
     std::cout << std::boolalpha << "failed: " << file.Error(code) << '\n';
     file.Close();
 
-    // A tree, with a record of what was missing, so that exactly that can go again.
+    // Create a tree. The record names what was missing, so a clean-up can remove exactly that.
     const String here = UTIL_CurrentDirectory();
     String message;
     String failed;
@@ -32,7 +32,7 @@ int main() {
         UTIL_prepareAndCreateDir(here + "\\mount\\r1", message, here + "\\made.rec", failed, &kind);
     std::cout << "prepared: " << result << '\n';
 
-    // A listing, in order of the names.
+    // List a directory, sorted by name.
     XrDirectory directory(here);
     for (const XrDirectoryEntry* entry : *directory.getDirectoryList(false, false))
         std::cout << entry->getName() << (entry->isDirectory() ? ", a directory" : "") << '\n';

@@ -28,14 +28,14 @@ int main() {
     const int afterwards = UTF8_stat(path, &status);
     std::printf("status afterwards: %d, errno %d\n", afterwards, errno);
 
-    // Sizes beyond 32 bits, as other interfaces hand them over: two halves.
+    // A size beyond 32 bits, in the two halves that other interfaces use.
     ksl_uint64_c size(0, 1);  // low half first
     char digits[21];
     std::printf("%s bytes\n", (size + 512).to_decimal_r(digits, sizeof digits));
 
-    // Lists of words, read where they stand.
+    // Search a list of words without a copy.
     std::printf("listed: %d\n", ksl_match_token_str("alpha, beta,gamma", "beta", ", "));
 
-    // Another program, and its exit code.
+    // Run another program and get its exit code.
     std::printf("exit code %d\n", ksl_system2("cmd.exe /c exit 7"));
 }
