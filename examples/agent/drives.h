@@ -13,7 +13,7 @@ struct Drive {
     String free;         // "1.5 GB"; "?" when the system cannot tell
 };
 
-// Those whose volume answers, in the system's order.
+// The drives whose volume answers, in the order of the system.
 std::vector<Drive> drives();
 
 #endif

@@ -7,14 +7,14 @@
 
 #include "util/util.h"
 
-// Makes UTF-8 come out as it is: lives in main() while anything is printed.
+// Makes a console show UTF-8. Lives in main() while anything is printed.
 class Output {
   public:
     Output();
     ~Output();
 
   private:
-    unsigned int m_console_page;  // to be put back: the console outlives this program
+    unsigned int m_console_page;  // restored at the end: the console outlives this program
 };
 
 // Prints a line on standard output.
@@ -23,7 +23,7 @@ void print(const String& line);
 // Prints a line on standard error, after what was printed until then. "agent: " goes before it.
 void warn(const String& message);
 
-// `text` as a terminal gets it: control characters as "\x1B", so that no name can command it.
+// `text` as a terminal gets it: control characters as "\x1B", so no name can command it.
 // print() and warn() do this by themselves. Files and pipes get every byte as it is.
 String visible(const String& text);
 
@@ -33,7 +33,7 @@ String size_text(double bytes);
 // Local time of seconds since 1970 UTC, always 19 characters: "2010 03 07 14:05:09".
 String date_text(std::int64_t time);
 
-// A counter on a line of its own that is rewritten some times a second; only on a terminal.
+// A counter on a line of its own, rewritten at most ten times a second. Only on a terminal.
 class Progress {
   public:
     Progress();

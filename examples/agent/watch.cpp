@@ -54,7 +54,7 @@ class Socket {
     SOCKET get() const { return m_socket; }
     int fd() const { return static_cast<int>(m_socket); }  // as Poll takes it
 
-    // False when not all of it went out at once.
+    // False when the system does not take all of it at once.
     bool send_line(const std::string& text) const {
         const std::string line = text + "\n";
         const int size = static_cast<int>(line.size());
