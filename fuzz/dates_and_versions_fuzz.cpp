@@ -2,18 +2,23 @@
 #include <vector>
 
 #include "fuzz/fuzz.h"
-#include "util/internal/decimal.h"
 #include "util/text/text.h"
 
 namespace util_fuzz {
 namespace {
 
+// The first run of digits of each component, modulo 2^32.
 std::vector<int> plain_components(const String& version) {
+    constexpr char digits[] = "0123456789";
     std::vector<int> values;
     for (const String& component : version.split(".", true)) {
-        const std::size_t digit = component.str().find_first_of("0123456789");
-        values.push_back(digit == std::string::npos ? 0
-                                                    : util::parse_int(component.c_str() + digit));
+        const std::string& text = component.str();
+        std::uint32_t value = 0;
+        for (std::size_t i = text.find_first_of(digits);
+             i < text.size() && std::strchr(digits, text[i]) && text[i] != '\0'; ++i) {
+            value = value * 10 + static_cast<std::uint32_t>(text[i] - '0');
+        }
+        values.push_back(static_cast<int>(value));
     }
     return values;
 }

@@ -81,13 +81,23 @@ void check_split(const std::string& bytes, const std::string& separators) {
 }
 
 void check_split_by_tag(const std::string& bytes, const std::string& tag) {
-    std::string joined;
-    const Fields pieces = String(bytes).split_by_tag(tag);
-    for (std::size_t i = 0; i < pieces.size(); ++i) {
-        require(tag.empty() || pieces[i].str().find(tag) == std::string::npos, "no tag in a piece");
-        joined += (i > 0 ? tag : "") + pieces[i].str();
+    Fields expected;
+    std::size_t begin = 0;
+    for (std::size_t end = 0; !tag.empty() && (end = bytes.find(tag, begin)) != std::string::npos;
+         begin = end + tag.size()) {
+        expected.emplace_back(bytes.substr(begin, end - begin));
     }
-    require(joined == bytes || joined + tag == bytes, "pieces and tags are the text");
+    if (begin < bytes.size()) expected.emplace_back(bytes.substr(begin));
+    require(String(bytes).split_by_tag(tag) == expected, "split_by_tag");
+}
+
+// Every field up to its NUL, also empty ones and those with a "$".
+void check_string_array(const Fields& fields) {
+    std::string joined;
+    for (const String& field : fields)
+        joined += (&field == fields.data() ? "" : "$") + up_to_nul(field.str());
+    require(serializeStrArray(fields) == joined, "serializeStrArray");
+    require(deserializeStrArray(joined) == plain_split(joined, "$", true), "deserializeStrArray");
 }
 
 void check_trim(const std::string& bytes, const std::string& set) {
@@ -139,16 +149,10 @@ void text(std::string_view input) {
     require(String(bytes).hash() == plain_hash(bytes), "hash");
     String squeezed(bytes);
     require(squeezed.squeeze_spaces() == plain_squeeze(up_to_nul(bytes)), "squeeze_spaces");
+    require(squeezed == plain_squeeze(up_to_nul(bytes)), "squeeze_spaces in place");
     require(String::format("%s", bytes.c_str()) == bytes.c_str(), "format copies");
 
-    const Fields fields = String(bytes).split("\n", true);
-    Fields expected;
-    for (const String& field : fields) {
-        for (const String& part : plain_split(up_to_nul(field.str()), "$", true)) {
-            expected.push_back(part);
-        }
-    }
-    require(deserializeStrArray(serializeStrArray(fields)) == expected, "string array");
+    check_string_array(plain_split(bytes, "\n", false));
 }
 
 }  // namespace util_fuzz

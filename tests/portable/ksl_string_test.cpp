@@ -52,18 +52,7 @@ TEST(KslStringTest, ReportsNullWithoutAWord) {
         EXPECT_EQ(ksl_char2upper(nullptr, 0), nullptr);
     };
     EXPECT_EQ(printed(calls), "");
-    char text[] = " a b ";
-    EXPECT_EQ(ksl_strcpy_clean(text), 0);
-    EXPECT_STREQ(text, "A B");
     EXPECT_EQ(taken(ksl_strdup("text"), 5), "text\0"s);
-}
-
-TEST(KslCodedCharTest, EncodesTwoBytesBeyondTheLength) {
-    char *coded = nullptr, *decoded = nullptr;
-    ASSERT_EQ(ksl_unicode2CodedChar("\x41\0\x01\0\x02\0", 4, &coded), 0);
-    ASSERT_EQ(ksl_codedChar2Unicode(coded, 4, &decoded), 0);
-    EXPECT_EQ(taken(coded, 9), "\x41\x01\x02\x01\x01\x02\x02\x01\0"s);
-    EXPECT_EQ(taken(decoded, 32), "\x41\0\x01\0\x02\0"s + std::string(26, '\0'));
 }
 
 TEST(KslCodedCharTest, RefusesWithAMessageAndLeavesTheOutputAlone) {
