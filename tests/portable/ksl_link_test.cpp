@@ -68,9 +68,4 @@ TEST(StatusPathTest, NullPointers) {
     }
 }
 
-TEST(LinkTest, LinksAreNotSupported) {
-    EXPECT_EQ(ksl_readlink("C:\\", nullptr, 0), -1);
-    EXPECT_EQ(ksl_read_link_chain("C:\\"), -1);
-}
-
 }  // namespace
