@@ -20,17 +20,14 @@ namespace {
 TEST(ExportsTest, AreThoseOfTheKeptList) {
     std::ifstream file(UTIL_EXPORTS_LIST);
     ASSERT_TRUE(file) << UTIL_EXPORTS_LIST;
-    std::vector<std::string> kept;
+    std::set<std::string> kept, actual;
     for (std::string line; std::getline(file, line);) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
-        kept.push_back(line);
+        kept.insert(line);
     }
-    std::sort(kept.begin(), kept.end());
-
-    std::vector<std::string> actual, added, gone;
     for (const torture::Export& one : torture::exported("util.dll"))
-        actual.push_back(one.name);
-    std::sort(actual.begin(), actual.end());
+        actual.insert(one.name);
+    std::vector<std::string> added, gone;
     std::set_difference(actual.begin(), actual.end(), kept.begin(), kept.end(),
                         std::back_inserter(added));
     std::set_difference(kept.begin(), kept.end(), actual.begin(), actual.end(),

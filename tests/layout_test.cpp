@@ -38,8 +38,7 @@ static_assert(is_record<u_hyper, 8, 4> && offsetof(u_hyper, high) == 0 &&
               offsetof(u_hyper, low) == 4);
 static_assert(is_record<UTIL_TimeOfDay, 8, 4> && offsetof(UTIL_TimeOfDay, seconds) == 0 &&
               offsetof(UTIL_TimeOfDay, microseconds) == 4);
-
-static_assert(is_record<ksl_mount_record, 1056, 1>);
+static_assert(is_record<ksl_mount_record, 1056, 1>);  // ksl_mount.cpp holds the offsets
 
 // Which classes have a table of virtual functions, and so an address in front of their members.
 static_assert(std::has_virtual_destructor_v<extstl::ExtString> &&

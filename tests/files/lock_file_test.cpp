@@ -79,15 +79,6 @@ TEST_F(LockFileTest, FiveAttemptsWithFourPauses) {
     }
 }
 
-TEST_F(LockFileTest, AFailedReleaseStillClosesTheHandle) {
-    const ImportPatch patch("UnlockFileEx", util_test::fails<FALSE>);
-    for (OVERLAPPED* record : {&m_record, static_cast<OVERLAPPED*>(nullptr)}) {
-        ASSERT_TRUE(lock()) << "closing has released it";
-        EXPECT_FALSE(UTIL_UnLockFilePrivate(m_handle, record));
-        EXPECT_EQ(handle_count(), m_handles);
-    }
-}
-
 TEST_F(LockFileTest, TheSecondProcessWaitsForTheFirstToReleaseOrDie) {
     for (const bool dies : {false, true}) {
         Signal release, at_once;
@@ -108,17 +99,6 @@ int number_in(const std::string& path) {
     int number = -1;  // stays when there is none
     XrFile(path.c_str(), "r") >> number;
     return number;
-}
-
-TEST_F(LockFileTest, ProcessesTakeTurns) {
-    const std::string file = m_scratch.file("n", std::string(1, '\0'));
-    const std::string arguments = m_scratch.path() + " " + file + " 100";
-    Signal go;
-    SecondProcess a("count", arguments, go), b("count", arguments, go);
-    ASSERT_TRUE(a.ready.wait() && b.ready.wait());
-    go.set();
-    EXPECT_TRUE(a.wait() == 0 && b.wait() == 0);
-    EXPECT_EQ(number_in(file), 2 * 100 * 2) << "no addition is lost";
 }
 
 TEST_F(LockFileTest, KilledHoldersLeaveTheLockToTheNextAtOnce) {

@@ -21,10 +21,12 @@ namespace {
 class PathLookupTest : public testing::Test {
   protected:
     PathLookupTest() {
-        for (const char* directory : {"a\\deep", "b\\sub", "c", "\xE6\x97\xA5"})
+        for (const char* directory :
+             {"a\\deep", "b\\sub", "c", "\xE6\x97\xA5", "Ag", "\xC4\x80g\\deep"})
             m_tree.directory(directory);
-        for (const char* file : {"a\\xx", "a\\deep\\here", "a\\deep\\o..k", "b\\xx", "b\\sub\\y",
-                                 "c\\xx", "top", "\xE6\x97\xA5\\\xC3\xA4"}) {
+        for (const char* file :
+             {"a\\xx", "a\\deep\\here", "a\\deep\\o..k", "b\\xx", "b\\sub\\y", "c\\xx", "top",
+              "\xE6\x97\xA5\\\xC3\xA4", "Ag\\xx", "\xC4\x80g\\xx"}) {
             m_tree.file(file);
         }
         SetCurrentDirectoryA((m_tree / "a\\deep").c_str());
@@ -91,6 +93,8 @@ TEST_F(PathLookupTest, TheOtherFormsGiveWhatExistsAndLeaveTheListAlone) {
         EXPECT_EQ(absolute_pathname(in_tree(name), list, FileAttr::any), in_tree(result)) << name;
         EXPECT_EQ(list, in_tree("t\\a")) << name;
     }
+    SetCurrentDirectoryW(util_test::to_wide(m_tree / "\xC4\x80g\\deep").c_str());
+    EXPECT_EQ(absolute_pathname("..\\xx", FileAttr::any), m_tree / "\xC4\x80g\\xx") << "not Ag";
     for (const char* name : {"", "x"}) {
         try {
             absolute_pathname(name, FileAttr::any);

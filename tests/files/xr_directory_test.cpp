@@ -266,7 +266,9 @@ TEST_F(XrDirectoryTest, DeletesOnlyEmptyDirectories) {
     m_scratch.directory("top\\t\xC3\xBC\\x");
     EXPECT_EQ(XrDirectory::DeleteDirectory(inner.c_str()), 22) << "not empty";
     EXPECT_EQ(XrDirectory::DeleteDirectory(String(inner + "\\x")), 0);
+    SetFileApisToOEM();
     EXPECT_EQ(XrDirectory::DeleteDirectoryTree(String(inner)), 1) << "the drive's root stays";
+    SetFileApisToANSI();
     EXPECT_FALSE(XrDirectory::IsDirectory(inner));
 }
 

@@ -173,6 +173,11 @@ TEST_F(CifsShareTest, ProvidersOwnErrorIsToldInItsWords) {
         euros;
     EXPECT_EQ(connect({1219, 1208}, {1208}), longest);
     EXPECT_LT(longest.size(), sizeof message);
+
+    const ImportPatch page("GetACP", util_test::fails<932>);
+    provider_text = repeated(128, "\x93\xFA");  // cut inside the last character
+    const std::string words = "(error code = -2147483648). " + repeated(127, "\xE6\x97\xA5");
+    EXPECT_NE(disconnect(1208).find(words), std::string::npos);
 }
 
 wchar_t* WINAPI no_memory(const wchar_t*) {

@@ -111,7 +111,7 @@ TEST_F(HostDiscoveryTest, DomainIsTheConfiguredOneElseTheComputers) {
         {REG_SZ, "", "computer.test", ""},
         {REG_SZ, "unended", "computer.test", "computer.test"},
         {REG_DWORD, "own\0"s, "computer.test", "computer.test"},
-        {REG_SZ, none, "computer.test", "computer.test"},
+        {REG_SZ, none, "\xEF\xBC\xA1.test", "\xEF\xBC\xA1.test"},  // best fit: A
         {REG_SZ, none, "", none},
         {REG_SZ, none, none, none},
     };
@@ -120,7 +120,8 @@ TEST_F(HostDiscoveryTest, DomainIsTheConfiguredOneElseTheComputers) {
         registry.clear();
         if (c.configured != none)
             registry.set(server_key, "ComputerDomainName", c.type, c.configured);
-        if (c.computers != none) registry.set_text(computer_key, "Domain", c.computers);
+        if (c.computers != none)
+            registry.set_wide(computer_key, L"Domain", util_test::to_wide(c.computers) + L'\0');
         const util_test::AccessLimit readers(server_key, KEY_READ);  // who reads needs no more
         EXPECT_EQ(enumerate(scratch.path()), c.asked == none ? -1 : 0) << c.configured;
         EXPECT_EQ(message, c.asked == none ? no_domain : no_hosts(c.asked)) << c.configured;

@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <set>
-
 #include "support/handle_count.h"
 #include "support/import_patch.h"
 #include "support/private_registry.h"
+#include "torture/resources.h"
 #include "util/host/database_info.h"
 #include "util/host/registry_value.h"
 #include "util/host/volume_manager.h"
@@ -70,6 +68,7 @@ TEST_F(RegistryTest, ValueIsATextOfAtMost1024BytesThatEndsInItsNul) {
 TEST_F(RegistryTest, ValueIsFoundByUtf8NamesThatTheAnsiPageHolds) {
     registry.set_text("SOFTWARE\\caf\xE9", "na\xEF\x66", "found");
     registry.set_text("SOFTWARE\\caf\xE9", "", "default");
+    registry.set_wide("SOFTWARE\\caf\xE9", L"wide", L"p\u0105\uFF21\0"s);
     const struct {
         String key, name;
         int result;
@@ -82,6 +81,7 @@ TEST_F(RegistryTest, ValueIsFoundByUtf8NamesThatTheAnsiPageHolds) {
         {"SOFTWARE\\other", "", -1, "before"},
         {"SOFTWARE\\\xE2\x86\x92", "", -1, "before"},
         {"SOFTWARE\\caf\xE9", "", -1, "before"},
+        {"SOFTWARE\\caf\xC3\xA9", "wide", 0, "p\xC4\x85\xEF\xBC\xA1"},  // best fit: paA
     };
     for (const auto& c : cases) {
         String out = "before";
@@ -90,30 +90,19 @@ TEST_F(RegistryTest, ValueIsFoundByUtf8NamesThatTheAnsiPageHolds) {
     }
 }
 
-std::set<void*> blocks;
-
-void* noting_malloc(std::size_t size) {
-    void* const block = std::malloc(size);
-    if (size == 1024) blocks.insert(block);
-    return block;
-}
-void noting_free(void* block) {
-    blocks.erase(block);
-    std::free(block);
-}
-
 TEST_F(RegistryTest, EachValueReadFromAKeyKeepsItsBlock) {
     registry.set_text(key, "Home", "x");
-    const ImportPatch allocate("malloc", noting_malloc);
-    const ImportPatch release("free", noting_free);
-    String out;
-    UTIL_GetRegistryValue("SOFTWARE\\missing", "Home", out);
-    EXPECT_EQ(blocks.size(), 0u);
-    UTIL_GetRegistryValue(key, "Home", out);
-    UTIL_GetRegistryValue(key, "missing", out);
-    EXPECT_EQ(blocks.size(), 2u);
-    for (void* block : blocks)
-        std::free(block);
+    const auto blocks_kept = [](const String& from, const String& name) {
+        String out;
+        const auto heap = reinterpret_cast<HANDLE>(_get_heap_handle());
+        const long before = torture::blocks_of(heap);
+        UTIL_GetRegistryValue(from, name, out);
+        return torture::blocks_of(heap) - before;
+    };
+    blocks_kept(key, "Home");  // the platform keeps some from first use on
+    EXPECT_EQ(blocks_kept("SOFTWARE\\missing", "Home"), 0);
+    EXPECT_EQ(blocks_kept(key, "Home"), 1);
+    EXPECT_EQ(blocks_kept(key, "missing"), 1);
 }
 
 TEST_F(RegistryTest, ReadingNeedsReadAccessOnly) {
@@ -265,6 +254,10 @@ TEST_F(RegistryTest, DatabaseOnTheNetworkNeedsCredentials) {
             << c.user << " " << c.password;
         EXPECT_EQ(password.size(), c.result ? c.password : 0);
     }
+    registry.set_wide(key, L"DatabasePassword", L"p\u0105\0"s);
+    String path, user, password;
+    EXPECT_TRUE(UTIL_getTSSEDBInfoFromRegistry(key, path, user, password));
+    EXPECT_EQ(password, "p\xC4\x85") << "not its best fit in the ANSI page";
 }
 
 TEST_F(RegistryTest, DatabaseKeyIsMadeWhenMissingAndStaysOpenAfterAFailedConversion) {

@@ -15,10 +15,11 @@ namespace {
 TEST(TempDirectoryTest, IsTheSystemsWhenThatIsADirectory) {
     const util_test::ScratchDirectory scratch;
     const EnvironmentChange root(L"SystemRoot", L"D:\\root\\");
+    scratch.directory("A");
     const std::string cases[][2] = {
         {scratch.path(), scratch.path()},
         {scratch.directory("\xC3\xA4"), scratch / "\xC3\xA4"},
-        {scratch.directory("\xE6\x97\xA5"), "D:\\root"},  // not in the ANSI page
+        {scratch.directory("\xEF\xBC\xA1"), "D:\\root"},  // not in the ANSI page; best fit: A
         {scratch / "missing", "D:\\root"},
         {scratch.file("file"), "D:\\root"},
         {scratch / std::string(240, 'x'), "D:\\root"},  // too long for the buffer

@@ -103,14 +103,24 @@ TEST_F(SendMailTest, AListWithoutRecipientsSendsNothing) {
 }
 
 TEST_F(SendMailTest, DirectoriesMayHaveNamesOfTheAnsiPage) {
-    ASSERT_EQ(GetACP(), 1252u) << "the case is written for this page";
-    const util_test::EnvironmentChange change(
-        L"TMP", util_test::to_wide(scratch.directory("t\xC3\xA4")).c_str());
-    scratch.directory("caf\xC3\xA9");
-    registry.set_text(util_test::server_key, "EmailPickupDir", scratch / "caf\xE9");
-    send("a", 0, "");
-    EXPECT_EQ(contents("caf\xC3\xA9"), messages_to({"a"}));
+    ASSERT_EQ(GetACP(), 1252u) << "the cases are written for this page";
+    const auto send_by = [&](const char* temporary, const char* target, const char* code) {
+        SetEnvironmentVariableW(L"TMP", util_test::to_wide(scratch.directory(temporary)).c_str());
+        const std::wstring path = util_test::to_wide(scratch.directory(target));
+        registry.set_wide(util_test::server_key, L"EmailPickupDir", path + L'\0');
+        send("a", *code ? -1 : 0, code);
+    };
+    send_by("t\xC3\xA4", "caf\xC3\xA9", "");
+    SetFileApisToOEM();
+    send_by("t\xC3\xA4", "caf\xC3\xA9", "");
+    SetFileApisToANSI();
+    EXPECT_EQ(contents("caf\xC3\xA9"), messages_to({"a", "a"}));
     EXPECT_EQ(contents("t\xC3\xA4"), Texts());
+    scratch.directory("A");  // the best fit of a fullwidth A, which the page lacks
+    for (const char* temporary : {"temp", "\xEF\xBC\xA1"})
+        send_by(temporary, "\xEF\xBC\xA1",
+                "Win32 API GetTempFileName returned bad name, GetLastError = 267");
+    EXPECT_EQ(contents("A"), Texts());
 }
 
 // --- where the messages go ----------------------------------------------------------------------

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstring>
 #include <string>
 
 #include "support/import_patch.h"
@@ -57,14 +58,27 @@ TEST(StatusPathTest, OneTrailingBackslashGoesAndOnlyOneCallKnowsBareDrives) {
     }
 }
 
-TEST(StatusPathTest, NullPointers) {
-    struct _stat64i32 record;
-    for (auto* call : {ksl_lstat, UTF8_lstat}) {
-        for (const char* path : {static_cast<const char*>(nullptr), "C:\\"}) {
-            errno = 77;
-            EXPECT_EQ(call(path, path ? nullptr : &record), -1);
-            EXPECT_EQ(errno, EINVAL);
+TEST(StatusPathTest, FailureZeroesTheRecord) {
+    const struct _stat64i32 zeroes = {};
+    const std::string long_path(2000, 'd');
+    const struct {
+        const char *path, *refused;  // the call that fails, or null
+        int code;                    // in errno; 0: any
+    } cases[] = {{nullptr, nullptr, EINVAL},
+                 {"C:\\missing", nullptr, ENOENT},
+                 {"C:\\", "MultiByteToWideChar", 0},
+                 {long_path.c_str(), "_ZnayRKSt9nothrow_t", 0}};
+    for (auto* call : {ksl_lstat, ksl_stat, UTF8_lstat, UTF8_stat}) {
+        for (const auto& c : cases) {
+            const ImportPatch patch(c.refused ? c.refused : "gethostname", util_test::fails<0>);
+            struct _stat64i32 record;
+            std::memset(&record, 0xA5, sizeof record);
+            EXPECT_EQ(call(c.path, &record), -1);
+            EXPECT_EQ(std::memcmp(&record, &zeroes, sizeof record), 0) << &c - cases;
+            EXPECT_TRUE(c.code == 0 || errno == c.code) << errno << " in case " << &c - cases;
         }
+        EXPECT_EQ(call("C:\\", nullptr), -1);
+        EXPECT_EQ(errno, EINVAL);
     }
 }
 

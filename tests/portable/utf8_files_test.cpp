@@ -40,7 +40,11 @@ void WINAPI disturbing_free(BSTR text) {
 TEST(Utf8FilesTest, EachCallReportsEachFailureInItsOwnWay) {
     const ScratchDirectory scratch;
     const std::string& full = scratch.path();
-    const std::string file = scratch.file("file"), none = scratch / "none";
+    std::string none = scratch.path();  // so long that its conversion needs memory
+    while (none.size() < 300)
+        none += "\\.";
+    none += "\\none";
+    const std::string file = scratch.file("file");
     struct _stat64i32 record;
     const auto open = [](auto path) { return UTF8_open(path, O_RDONLY, 0); };
     const auto access = [](auto path) { return UTF8_access(path, 0); };
@@ -84,7 +88,7 @@ TEST(Utf8FilesTest, EachCallReportsEachFailureInItsOwnWay) {
         }
     };
     check_all("null", false, true);
-    for (const char* refused : {"MultiByteToWideChar", "calloc"}) {
+    for (const char* refused : {"MultiByteToWideChar", "_ZnayRKSt9nothrow_t"}) {
         ImportPatch patch(refused, util_test::fails<0, 0, ENOMEM>);
         check_all(refused, false);
     }

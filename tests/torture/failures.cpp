@@ -21,8 +21,10 @@ const std::vector<Failure> failures = {
     {"GetFileAttributesA", -1, ERROR_ACCESS_DENIED, 0, instead},
     {"GetFileType", FILE_TYPE_UNKNOWN, ERROR_INVALID_HANDLE, 0, instead},
     {"GetTempFileNameA", 0, ERROR_DIRECTORY, 0, instead},
+    {"GetTempFileNameW", 0, ERROR_DIRECTORY, 0, instead},
     {"GetTempPathA", 0, ERROR_FILENAME_EXCED_RANGE, 0, instead},
     {"GetTempPathA", 300, 0, 0, instead},  // counted, not written
+    {"GetTempPathW", 0, ERROR_FILENAME_EXCED_RANGE, 0, instead},
     {"LockFileEx", 0, ERROR_LOCK_VIOLATION, 0, instead},
     {"RemoveDirectoryA", 0, ERROR_DIR_NOT_EMPTY, 0, instead},
     {"RemoveDirectoryW", 0, ERROR_DIR_NOT_EMPTY, 0, instead},
@@ -75,8 +77,10 @@ const std::vector<Failure> failures = {
     {"FreeLibrary", 0, ERROR_MOD_NOT_FOUND, 0, working},
     {"GetComputerNameExA", 0, ERROR_FILE_NOT_FOUND, 0, instead},
     {"GetComputerNameExA", 0, ERROR_MORE_DATA, 0, instead},
+    {"GetComputerNameExW", 0, ERROR_FILE_NOT_FOUND, 0, instead},
     {"GetCurrentDirectoryA", 0, ERROR_FILENAME_EXCED_RANGE, 0, instead},
     {"GetCurrentDirectoryA", 300, 0, 0, instead},  // counted, not written
+    {"GetCurrentDirectoryW", 0, ERROR_FILENAME_EXCED_RANGE, 0, instead},
     {"GetDriveTypeA", DRIVE_UNKNOWN, 0, 0, instead},
     {"GetEnvironmentVariableA", 5, 0, 0, instead},  // there is one of that name
     {"GetEnvironmentVariableW", 0, ERROR_ENVVAR_NOT_FOUND, 0, instead},
@@ -86,11 +90,13 @@ const std::vector<Failure> failures = {
     {"GetLogicalDriveStringsA", 2000, 0, 0, once},  // counted, not written
     {"GetLogicalDrives", 0, ERROR_ACCESS_DENIED, 0, instead},
     {"GetModuleFileNameA", 0, ERROR_MOD_NOT_FOUND, 0, instead},
+    {"GetModuleFileNameW", 0, ERROR_MOD_NOT_FOUND, 0, instead},
     {"GetModuleHandleA", 0, ERROR_MOD_NOT_FOUND, 0, instead},
     {"GetProcAddress", 0, ERROR_PROC_NOT_FOUND, 0, instead},
     {"GetSystemMetrics", 0, 0, 0, instead},
     {"GetVersionExA", 0, ERROR_INSUFFICIENT_BUFFER, 0, instead},
     {"GetVolumeInformationA", 0, ERROR_NOT_READY, 0, instead},
+    {"GetVolumeInformationW", 0, ERROR_NOT_READY, 0, instead},
     {"LoadLibraryA", 0, ERROR_MOD_NOT_FOUND, 0, instead},
     {"LocalFree", 1, ERROR_INVALID_HANDLE, 0, working},
     {"MultiByteToWideChar", 0, ERROR_NO_UNICODE_TRANSLATION, 0, instead},
@@ -164,8 +170,8 @@ bool cannot_fail(const std::string& name) {
     }
     constexpr const char* groups[] = {
         // answer from what the process has at hand
-        "GetACP GetCurrentProcess GetLastError GetSystemTime IsDBCSLeadByteEx SetLastError "
-        "SetThreadErrorMode Sleep "
+        "AreFileApisANSI GetACP GetOEMCP GetCurrentProcess GetLastError GetSystemTime "
+        "IsDBCSLeadByteEx SetLastError SetThreadErrorMode Sleep "
         "___lc_codepage_func ___mb_cur_max_func __iob_func _errno localeconv strerror "
         "GetModuleHandleW TlsGetValue",
         // look at memory, move it, or give it back

@@ -15,6 +15,7 @@ namespace torture {
 namespace {
 
 const std::string server_key = "SOFTWARE\\Vorn\\Vorn Quillmark Tessaron\\Server";
+const std::string computer_key = "System\\CurrentControlSet\\Services\\Tcpip\\Parameters";
 const std::string web_key = "SOFTWARE\\Microsoft\\InetStp";
 const std::string database_key = "SOFTWARE\\Torture\\Db";
 const std::string volume_key = "SOFTWARE\\VERITAS\\Volume Manager 4.1";
@@ -208,11 +209,11 @@ void system_scenarios(const Add& scenario) {
         run.outcome(!out.empty() && out != "before", out.empty());
         run.always(code == ERROR_FILENAME_EXCED_RANGE, "the last error");
     });
-    // Whether this machine has a domain of its own is not known here.
     for (const bool configured : {true, false}) {
         scenario(configured ? "UTIL_EnumHostsOnANetwork"
                             : "UTIL_EnumHostsOnANetwork, the computer's domain",
                  [configured](Run& run) {
+                     registry().set_text(computer_key, "Domain", "example.test");
                      if (configured)
                          registry().set_text(server_key, "ComputerDomainName", "example.test");
                      const String directory(run.scratch.directory("50%"));

@@ -3,7 +3,7 @@
 #include <cwchar>
 #include <string>
 
-#include "util/files/wide_path.h"
+#include "util/internal/encoding.h"
 #include "util/internal/scoped_handle.h"
 #include "util/internal/windows.h"
 

@@ -6,8 +6,7 @@
 
 #include <string>
 
-#include "util/files/wide_path.h"
-#include "util/internal/ansi_text.h"
+#include "util/internal/encoding.h"
 #include "util/internal/scoped_handle.h"
 
 unsigned long UTIL_makeNewNTDir(const String& path, bool* created) {

@@ -10,24 +10,25 @@
 UTIL_EXTERN_C_BEGIN
 
 #ifdef __cplusplus
-// Creates one directory; its parent must exist. Returns 0 and sets *created to true when it did;
-// 183 when a file or a directory of that name exists; else the platform's code of the failed
-// creation, or 8 when memory runs out. created may be null, and is never set to false.
+// Creates one directory; its parent must exist. Returns 0 and sets `*created` to true when it did.
+// Returns 183 when a file or a directory of that name exists, else the platform's code of the
+// failed creation, or 8 when out of memory. `created` may be null, and is never set to false.
 //
-// A name that anybody has open, or has as current directory, gives 0 without setting *created, not
-// 183; this is meant. It is asked by opening the name without sharing for a moment.
+// By design a name that anybody has open, or has as current directory, gives 0 without setting
+// `*created`, not 183: the function asks by opening the name without sharing for a moment.
 //
-// path is UTF-8. Any thread may call it; nothing is raised.
+// `path` is UTF-8. Any thread may call it; nothing is raised.
 //     bool created = false;
 //     UTIL_makeNewNTDir("C:\\mnt", &created)   // 0 and true, the next time 183
 UTIL_API unsigned long UTIL_makeNewNTDir(const String& path, bool* created);
 #endif
 
-// Creates a directory and all its missing parents: 0, or -1 for every other outcome, also when it
-// exists already; this is meant. The platform wants a full path with backslashes ("C:\a\b"), which
-// it is given in the process's ANSI code page: one that the page cannot hold exactly gives -1.
+// Creates a directory and all its missing parents. Returns 0, or -1 for every other outcome. By
+// design that includes a directory that exists already. The platform wants a full path with
+// backslashes ("C:\a\b"), and is called with the process's ANSI code page: returns -1 for a path
+// that the page cannot hold exactly or in 32,766 bytes.
 //
-// path is UTF-8; null gives -1. Any thread may call it; nothing is raised.
+// `path` is UTF-8; null gives -1. Any thread may call it; nothing is raised.
 //     UTIL_CreateDirectory("C:\\mnt\\a\\b")   // 0, the next time -1
 UTIL_API int UTIL_CreateDirectory(const char* path);
 

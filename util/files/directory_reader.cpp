@@ -4,8 +4,7 @@
 #include <new>
 #include <utility>
 
-#include "util/files/wide_path.h"
-#include "util/portable/utf8.h"
+#include "util/internal/encoding.h"
 
 namespace util {
 
@@ -38,17 +37,7 @@ bool DirectoryReader::next() {
 }
 
 void DirectoryReader::convert_name() {
-    // ASCII, as most names are, needs none, and it is what would cost time in a listing.
-    const wchar_t* unit = m_data.cFileName;
-    char* to = m_name;
-    while (*unit != L'\0' && *unit < 0x80)
-        *to++ = static_cast<char>(*unit++);
-    *to = '\0';
-    if (*unit == L'\0') return;
-
-    String name;
-    if (!UTIL_WideCharToUtf8(m_data.cFileName, &name)) throw std::bad_alloc();
-    std::memcpy(m_name, name.c_str(), name.size() + 1);
+    if (!name_to_utf8(m_data.cFileName, m_name)) throw std::bad_alloc();
 }
 
 std::vector<String> drive_roots() {

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "util/internal/ansi_text.h"
+#include "util/internal/encoding.h"
 #include "util/portable/current_directory.h"
 #include "util/portable/environment.h"
 #include "util/portable/utf8_files.h"
@@ -76,9 +76,11 @@ bool Tools::fileExists(const char* path) {
 String Tools::find_location(const String&, FileAttr) {
     constexpr DWORD room = 260;
     char module[room + 1] = {};  // a name that is cut may come without its NUL
+    wchar_t twin[room + 1] = {};
     GetModuleFileNameA(nullptr, module, room);
+    GetModuleFileNameW(nullptr, twin, room);
     std::string utf8;
-    if (!util::ansi_to_utf8(module, utf8)) return String();
+    if (!util::ansi_to_utf8(module, twin, utf8, util::Page::files)) return String();
     return String(utf8.substr(0, utf8.rfind('\\') + 1));  // npos + 1 is 0
 }
 

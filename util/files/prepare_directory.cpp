@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "util/files/create_directory.h"
-#include "util/files/wide_path.h"
 #include "util/files/xr_directory.h"
+#include "util/internal/encoding.h"
 #include "util/internal/error_text.h"
 #include "util/internal/scoped_handle.h"
 #include "util/internal/windows.h"

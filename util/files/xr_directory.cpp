@@ -10,7 +10,7 @@
 
 #include "util/files/directory_reader.h"
 #include "util/files/entry_status.h"
-#include "util/internal/ansi_text.h"
+#include "util/internal/encoding.h"
 #include "util/internal/print_line.h"
 #include "util/portable/utf8_files.h"
 
@@ -45,7 +45,7 @@ bool append_entries(const String& path, bool include_hidden, Entries& entries) {
 // The ANSI call, for a UTF-8 path. A path that the code page cannot spell names nothing.
 bool remove_directory(const std::string& path) {
     std::string ansi;
-    if (!util::utf8_to_ansi(path.c_str(), ansi)) return false;
+    if (!util::utf8_to_ansi(path.c_str(), ansi, util::Page::files)) return false;
     return RemoveDirectoryA(ansi.c_str()) != 0;
 }
 

@@ -6,10 +6,10 @@
 #include <winnetwk.h>
 
 #include <cstring>
+#include <new>
 #include <string>
 
-#include "util/internal/ansi_text.h"
-#include "util/internal/clear_at_end.h"
+#include "util/internal/encoding.h"
 #include "util/portable/utf8.h"
 #include "util/text/byte_string.h"
 
@@ -34,9 +34,7 @@ String error_text(const char* call, DWORD code) {
                                            provider, sizeof provider);
     if (result != NO_ERROR) return plain_text("WNetGetLastError", result);
     description[sizeof description - 1] = '\0';
-    std::string words;
-    util::ansi_to_utf8(description, words);
-    return plain_text(call, provider_code) + ". " + String(words);
+    return plain_text(call, provider_code) + ". " + String(util::words_to_utf8(description));
 }
 
 // A null text stays a null wide one, which has a meaning of its own to the network calls.
@@ -44,12 +42,11 @@ bool to_wide(const char* text, _bstr_t& wide) {
     return !text || UTIL_Utf8ToWideChar(text, &wide);
 }
 
-// For a password. Neither the temporary text of UTIL_Utf8ToWideChar nor its result is cleared.
-bool to_wide(const char* text, std::wstring& wide) {
-    const int size = MultiByteToWideChar(CP_UTF8, 0, text, -1, nullptr, 0);
-    if (size <= 0) return false;
-    wide.resize(static_cast<std::size_t>(size));
-    return MultiByteToWideChar(CP_UTF8, 0, text, -1, wide.data(), size) > 0;
+// For a password: the temporary text of UTIL_Utf8ToWideChar is not cleared, the buffer is.
+bool to_wide(const char* text, util::WideText& wide) {
+    const util::Conversion result = util::utf8_to_wide(text, wide);
+    if (result == util::Conversion::no_memory) throw std::bad_alloc();
+    return result == util::Conversion::done;
 }
 
 DWORD cancel(const char* share) {
@@ -63,8 +60,7 @@ DWORD connect(const char* share, const char* user, const char* password) {
     if (!share) return ERROR_BAD_NET_NAME;
     _bstr_t wide_share;
     _bstr_t wide_user;
-    std::wstring wide_password;
-    const util::ClearAtEnd clear(wide_password);
+    util::WideText wide_password;
     if (!to_wide(share, wide_share) || !to_wide(user, wide_user) ||
         (password && !to_wide(password, wide_password))) {
         return ERROR_NO_UNICODE_TRANSLATION;

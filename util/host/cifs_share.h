@@ -14,7 +14,8 @@ UTIL_EXTERN_C_BEGIN
 // The text for a failed call is "CALL failed (error code = N)". Code 1208 means an error of the
 // network provider. The text is then "CALL failed (error code = N). DESCRIPTION" with the
 // provider's code and words, or "WNetGetLastError failed (error code = N)" if the platform does not
-// give them. If the call is not made, the text names it with one of these codes: 67 (the share is
+// give them. Bytes of the words that mean nothing in the ANSI code page become replacement
+// characters. If the call is not made, the text names it with one of these codes: 67 (the share is
 // null), 1113 (a text cannot be converted) or 14 (out of memory).
 
 // Connects to the share ("\\server\share") as `user`, without a drive letter and for this session

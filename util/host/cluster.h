@@ -10,10 +10,10 @@
 UTIL_EXTERN_C_BEGIN
 
 #ifdef __cplusplus
-// Whether a service of that name exists on this machine, running or not; the platform takes upper
-// and lower case alike. False, with the platform's last error, when it does not, when the service
-// manager cannot be asked and when memory runs out. The name is UTF-8; one that the ANSI code page
-// cannot hold is no service. Any thread may call both.
+// Returns whether a service of that name exists on this machine, running or not. The platform
+// ignores case. Returns false, with the platform's last error, when it does not exist, when the
+// service manager cannot be asked and when out of memory. The name is UTF-8; one that the ANSI code
+// page cannot hold exactly, or in 32,766 bytes, is no service. Any thread may call both functions.
 //     UTIL_IsClustered("Spooler")   // true where printing is installed
 UTIL_API bool UTIL_IsClustered(const String& name);
 #endif

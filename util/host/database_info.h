@@ -7,23 +7,23 @@
 
 UTIL_EXTERN_C_BEGIN
 
-// Reads "Database Path" of `key` under HKEY_LOCAL_MACHINE into `dbPath` (UTF-8). If that is a
-// network path, also reads "DatabaseUsername" into `user` and "DatabasePassword" into `password`. A
-// network path is "\\HOST\SHARE\..." with neither name empty; the backslash after SHARE is
-// optional. Types are not checked, and a value ends at its first NUL. Stored texts are returned in
-// UTF-8, by way of the ANSI code page: a character that the page lacks becomes its best fit or "?".
-// Stored bytes are returned unchanged.
+// Reads "Database Path" of the key under HKEY_LOCAL_MACHINE into `dbPath` (UTF-8). When that is a
+// network path, reads "DatabaseUsername" and "DatabasePassword" into `user` and `password`, too. A
+// network path is "\\HOST\SHARE\..." with neither name empty; the backslash after SHARE is not
+// needed. Types are not checked. A value ends at its first NUL. Stored texts are returned in UTF-8,
+// also where the platform's ANSI call replaced characters that its code page lacks. Other stored
+// bytes are returned unchanged.
 //
-// Returns true for a path that is no network path; `user` and `password` are then unchanged.
-// Returns true for a network path if both credentials exist and are not empty. Otherwise returns
-// false: the key cannot be opened with full access (which needs administrative rights), a value is
-// missing or too long (the path and the password may take 261 bytes), or out of memory. `dbPath` is
-// set as soon as the path has been read, and emptied if it cannot be converted. `user` and
+// Returns true for a path that is no network path, with `user` and `password` unchanged. Returns
+// true for a network path when both credentials are found and not empty. Otherwise returns false:
+// when the key cannot be opened with full access (which needs administrative rights), when a value
+// is missing or too long (the path and the password may take 261 bytes), or when out of memory. A
+// key that the ANSI code page cannot hold exactly, or in 32,766 bytes, cannot be opened. `dbPath`
+// is set as soon as the path has been read, and emptied when it cannot be converted. `user` and
 // `password` are set together or not at all.
 //
-// By design, creates a missing key. By design, the user name may take no more bytes than the stored
-// path does (in UTF-16, with its NUL). By design, leaves the key open if the path cannot be
-// converted to UTF-8.
+// By design: a missing key is created. The user name may take no more bytes than the stored path
+// does in UTF-16 with its NUL. The key stays open when the path cannot be converted to UTF-8.
 //
 // The library clears its own copies of the password before it frees them, whether the call succeeds
 // or fails. `password` is for the caller to clear, including the text that it held before. Copies

@@ -2,7 +2,6 @@
 
 #include "util/internal/windows.h"
 // after the platform's header
-#include <comutil.h>
 #include <fcntl.h>
 #include <io.h>
 #include <sys/stat.h>
@@ -18,11 +17,10 @@
 #include <vector>
 
 #include "util/host/host_line.h"
-#include "util/internal/ansi_text.h"
 #include "util/internal/ascii.h"
+#include "util/internal/encoding.h"
 #include "util/internal/registry.h"
 #include "util/portable/ksl_string.h"
-#include "util/portable/utf8.h"
 
 namespace {
 
@@ -41,9 +39,8 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 
 // Not UTF8_open: it reports a lack of memory like a missing directory.
 File open_file(const String& path, int flags, const char* mode) {
-    _bstr_t wide;
-    if (!UTIL_Utf8ToWideChar(path, &wide)) throw std::bad_alloc();  // nothing else can fail here
-    const int descriptor = _wopen(wide, flags | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+    const int descriptor = _wopen(util::wide_path(path).c_str(), flags | _O_BINARY | _O_NOINHERIT,
+                                  _S_IREAD | _S_IWRITE);
     if (descriptor < 0) return nullptr;
     File file(_fdopen(descriptor, mode));
     if (!file) _close(descriptor);
@@ -91,7 +88,15 @@ bool has_variable(const std::string& ansi_command) {
     return false;
 }
 
-// Runs the command, in the ANSI code page. Its exit code does not matter; the answer does.
+// Which code page `system` reads a command in depends on the runtime. So the bytes must be the same
+// in both.
+bool to_command(const String& text, std::string& command) {
+    std::string in_file_page;
+    return util::utf8_to_ansi(text, command) &&
+           util::utf8_to_ansi(text, in_file_page, util::Page::files) && command == in_file_page;
+}
+
+// Runs the command. Its exit code does not matter; the answer does.
 void run(const std::string& ansi_command) {
     errno = 0;
     if (std::system(ansi_command.c_str()) == -1 && errno == ENOMEM) throw std::bad_alloc();
@@ -107,7 +112,12 @@ std::string computer_domain(std::vector<char>& buffer, const char*& failure) {
         known = GetComputerNameExA(ComputerNameDnsDomain, buffer.data(), &size);
     }
     std::string domain;
-    if (known) util::ansi_to_utf8(buffer.data(), domain);
+    if (!known) return domain;
+    util::WideText twin;
+    wchar_t* const room = twin.make_room(++size);  // a unit takes a byte at least
+    if (!room) throw std::bad_alloc();
+    GetComputerNameExW(ComputerNameDnsDomain, room, &size);
+    util::ansi_to_utf8(buffer.data(), room, domain);
     return domain;
 }
 
@@ -134,7 +144,7 @@ File ask(const String& query, const String& work_directory) {
     const String output = prefix + "nslookupOutput.txt";
     std::string command;
     if (!can_be_quoted(work_directory.view()) ||
-        !util::utf8_to_ansi("nslookup < \"" + input + "\" > \"" + output + "\"", command) ||
+        !to_command("nslookup < \"" + input + "\" > \"" + output + "\"", command) ||
         has_variable(command) || !write_file(input, query + "exit") || !write_file(output, "")) {
         return nullptr;
     }

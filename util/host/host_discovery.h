@@ -23,7 +23,9 @@ UTIL_EXTERN_C_BEGIN
 //
 // `workDir` is a part of the command, between quotes. Blanks, "&", "^" and the like are safe there.
 // These directories cannot be used; nothing is run for them:
-// - with a character that the process's ANSI code page lacks;
+// - with a character that the process's ANSI code page lacks, or, after SetFileApisToOEM, one with
+//   other bytes in the page of file calls;
+// - longer than 32,766 bytes in that page;
 // - with a quote, a NUL or another control character in the path;
 // - with "%NAME%" in the path if NAME is a variable of the environment or of the command processor
 //   (CD, DATE, ...), which would replace it by its value.
@@ -41,9 +43,8 @@ UTIL_EXTERN_C_BEGIN
 // Security: whoever can write to `workDir` or its parents decides what is written and read. The
 // names of the two files are fixed, and links are followed. The command processor looks for the
 // tool in the current directory first. The domain goes into the input file as it is, so a line
-// break or a
-// ">" in it is a command to the tool; it never becomes a part of the command line. The answer is
-// not verified.
+// break or a ">" in it is a command to the tool. It never becomes a part of the command line. The
+// answer is not verified.
 //
 // Any thread may call it.
 //     std::list<String> hosts;

@@ -6,14 +6,15 @@
 
 UTIL_EXTERN_C_BEGIN
 
-// Writes the file version of the module at the UTF-8 path into out, which must have room for 30
-// bytes, and returns out. When the module is missing or carries no version, out becomes "" and the
-// result is an empty text that the library keeps; null when an argument is null. The file is found
-// through the ANSI code page: a path that the page cannot hold is a missing file.
+// Writes the file version of the module at the UTF-8 path into `out`, which must have room for 30
+// bytes, and returns `out`. When the module is missing or carries no version, sets `out` to "" and
+// returns an empty text that the library keeps. Returns null when an argument is null. The file is
+// found through the ANSI code page: a path that the page cannot hold exactly, or in 32,766 bytes,
+// is a missing file.
 //
-// Meant as it is, since callers compare these texts: the fourth number is the third part of the
-// version times 65536, as a signed number, and the fourth part is nowhere. Each call that finds a
-// version leaves the block that held it allocated; this is meant, too. Any thread may call it.
+// By design, since callers compare these texts: the fourth number is the third part of the version
+// times 65536, as a signed number. The fourth part does not appear. By design, too, each call that
+// finds a version leaves the block that held it allocated. Any thread may call it.
 //     char text[30];
 //     UTIL_GetModuleVersion("C:\\agent\\util.dll", text)   // "1.2.3.196608" for 1.2.3.4
 UTIL_API const char* UTIL_GetModuleVersion(const char* path, char* out);

@@ -3,7 +3,7 @@
 #include <new>
 #include <string>
 
-#include "util/internal/ansi_text.h"
+#include "util/internal/encoding.h"
 #include "util/internal/scoped_handle.h"
 #include "util/internal/windows.h"
 

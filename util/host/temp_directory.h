@@ -7,12 +7,13 @@
 
 UTIL_EXTERN_C_BEGIN
 
-// The platform's directory for temporary files in UTF-8, without its trailing backslash. When the
-// platform names none, or what it names is no directory or has 260 bytes or more with its
-// backslash, the environment variable SystemRoot serves, and "." when that is not set. "" when
-// memory runs out. The platform is asked through the ANSI code page: characters that the page lacks
-// come as its best fit or "?", which mostly names no directory. Any thread may call it, but the
-// environment belongs to the whole process.
+// Returns the platform's directory for temporary files in UTF-8, without its trailing backslash.
+//
+// Returns the environment variable SystemRoot instead when the platform names none, when what it
+// names is no directory, has 260 bytes or more with its backslash, or is a name that the code page
+// of file calls cannot hold exactly: the platform is asked by its ANSI calls. Returns "." when
+// SystemRoot is not set, and "" when out of memory. Any thread may call it, but the environment
+// belongs to the whole process.
 //     UTIL_GetTempDirectory()   // "C:\Temp"
 UTIL_API String UTIL_GetTempDirectory();
 

@@ -1,11 +1,27 @@
 #include "util/internal/registry.h"
 
+#include <new>
 #include <utility>
 
-#include "util/internal/ansi_text.h"
-#include "util/internal/clear_at_end.h"
+#include "util/internal/encoding.h"
 
 namespace util {
+namespace {
+
+// Converts the value's text up to its first NUL. The ANSI call has read it as `size` bytes.
+bool to_utf8(const ScopedKey& key, const char* name, const char* ansi, DWORD size,
+             std::string& out) {
+    WideText wide_name;
+    WideText twin;
+    wchar_t* const room = twin.make_room(size);  // a unit takes a byte at least
+    if (!room || utf8_to_wide(name, wide_name) != Conversion::done) throw std::bad_alloc();
+    DWORD room_size = size * sizeof *room;
+    RegQueryValueExW(key.get(), wide_name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(room),
+                     &room_size);
+    return ansi_to_utf8(ansi, room, out);
+}
+
+}  // namespace
 
 ScopedKey open_machine_key(const char* path, REGSAM access) {
     std::string ansi_path;
@@ -42,7 +58,7 @@ bool read_text(const ScopedKey& key, const char* name, EmptyText empty, char* bu
     if (length > 0 && buffer[length - 1] != '\0') return false;
 
     std::string text;
-    if (length > 0 && !ansi_to_utf8(buffer, text)) return false;
+    if (length > 0 && !to_utf8(key, name, buffer, length, text)) return false;
     if (text.empty() && empty == EmptyText::refused) return false;
     out = std::move(text);
     return true;
@@ -51,18 +67,19 @@ bool read_text(const ScopedKey& key, const char* name, EmptyText empty, char* bu
 LSTATUS read_any_type(const ScopedKey& key, const char* name, DWORD room, std::string& out) {
     std::string ansi_name;
     if (!utf8_to_ansi(name, ansi_name)) return ERROR_FILE_NOT_FOUND;
-    std::string bytes(room, '\0');  // and a NUL behind them, whatever the value ends in
-    const ClearAtEnd clear(bytes);  // a password may be among them
+    NarrowText buffer;  // has a NUL after the bytes, whatever the value ends in
+    char* const bytes = buffer.make_room(room);
+    if (!bytes) throw std::bad_alloc();
     DWORD type = REG_NONE;
     const LSTATUS result = RegQueryValueExA(key.get(), ansi_name.c_str(), nullptr, &type,
-                                            reinterpret_cast<BYTE*>(bytes.data()), &room);
+                                            reinterpret_cast<BYTE*>(bytes), &room);
     if (result != ERROR_SUCCESS) return result;
     const bool is_text = type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
     if (!is_text) {  // bytes that the platform has not recoded either
-        out.assign(bytes, 0, bytes.find('\0'));
+        out = buffer.view();
         return ERROR_SUCCESS;
     }
-    return ansi_to_utf8(bytes.c_str(), out) ? ERROR_SUCCESS : ERROR_NO_UNICODE_TRANSLATION;
+    return to_utf8(key, name, bytes, room, out) ? ERROR_SUCCESS : ERROR_NO_UNICODE_TRANSLATION;
 }
 
 }  // namespace util

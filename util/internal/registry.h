@@ -1,8 +1,9 @@
-// Not installed. Reading single texts of the machine's registry; the rules that all readers share
-// stand here once, and what differs between them is a parameter.
+// Not installed. Reads single texts of the machine's registry. The rules that all readers share are
+// here once; what differs between them is a parameter.
 //
 // Names and texts are UTF-8; the calls are the platform's ANSI ones. A name that the ANSI page
-// cannot hold names nothing. Any thread may call these; they raise std::bad_alloc.
+// cannot hold names nothing. A text is the stored one, also where the ANSI call replaced characters
+// that the page lacks. Any thread may call these functions. They raise std::bad_alloc.
 #ifndef UTIL_INTERNAL_REGISTRY_H
 #define UTIL_INTERNAL_REGISTRY_H
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "util/internal/ansi_text.h"
+#include "util/internal/encoding.h"
 #include "util/internal/scoped_handle.h"
 #include "util/internal/windows.h"
 

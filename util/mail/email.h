@@ -19,6 +19,10 @@
 // The doubled backslashes are by design. A value is set if it is a text (REG_SZ, or REG_EXPAND_SZ,
 // which is not expanded), is not empty, takes at most 260 bytes and ends in a NUL.
 //
+// The pickup directory and the directory for temporary files must have names that the code page of
+// file calls holds exactly: the platform's calls for temporary names are its ANSI ones. A directory
+// with another name counts as missing (267). Nothing is written to one with a similar name.
+//
 // A message has six header lines and the body. Each header line ends in "\r\n":
 //     From: agent@example.test
 //     To: admin@example.test

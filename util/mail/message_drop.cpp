@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "util/internal/ansi_text.h"
+#include "util/internal/encoding.h"
 #include "util/internal/kept_errors.h"
 #include "util/internal/windows.h"
 #include "util/portable/utf8_files.h"
@@ -20,8 +20,8 @@ void remove_file(const std::string& path) noexcept {
         if (UTF8_unlink(path.c_str()) == 0) return;
     } catch (...) {  // no memory, which a mere -1 may mean as well
     }
-    wchar_t wide[MAX_PATH];  // this way needs none
-    if (MultiByteToWideChar(CP_UTF8, 0, path.c_str(), -1, wide, MAX_PATH) > 0) DeleteFileW(wide);
+    WideText wide;  // this way needs none
+    if (utf8_to_wide(path.c_str(), wide) == Conversion::done) DeleteFileW(wide.c_str());
 }
 
 // Files that only keep a name; gone at the end of their scope.
@@ -57,7 +57,8 @@ bool exists(const std::string& path) {
 int rename_file(const std::string& from, const std::string& to) {
     std::string ansi_from;
     std::string ansi_to;
-    if (!utf8_to_ansi(from.c_str(), ansi_from) || !utf8_to_ansi(to.c_str(), ansi_to)) {
+    if (!utf8_to_ansi(from.c_str(), ansi_from, Page::files) ||
+        !utf8_to_ansi(to.c_str(), ansi_to, Page::files)) {
         errno = ENOENT;
         return -1;
     }
@@ -67,19 +68,22 @@ int rename_file(const std::string& from, const std::string& to) {
 }  // namespace
 
 bool temporary_directory(std::string& out) {
-    char path[255];
-    const DWORD length = GetTempPathA(sizeof path, path);
+    constexpr DWORD room = 255;
+    char path[room];
+    wchar_t twin[room] = {};
+    const DWORD length = GetTempPathA(room, path);
     if (length < 1) return false;
+    GetTempPathW(room, twin);
     // A longer path is only counted, not written; like a broken one it names no directory.
     out.clear();
-    if (length < sizeof path) ansi_to_utf8(path, out);
+    if (length < room) ansi_to_utf8(path, twin, out, Page::files);
     return true;
 }
 
 std::string create_temporary_file(const std::string& directory) {
     constexpr std::size_t most_bytes = MAX_PATH - 14;  // leaves room for the name
     std::string ansi_directory;
-    if (!utf8_to_ansi(directory.c_str(), ansi_directory)) {
+    if (!utf8_to_ansi(directory.c_str(), ansi_directory, Page::files)) {
         SetLastError(ERROR_DIRECTORY);
         return {};
     }
@@ -89,10 +93,13 @@ std::string create_temporary_file(const std::string& directory) {
         return {};
     }
     char made[MAX_PATH];
-    if (GetTempFileNameA(ansi_directory.c_str(), "tsr", 0, made) == 0) return {};
+    const UINT number = GetTempFileNameA(ansi_directory.c_str(), "tsr", 0, made);
+    if (number == 0) return {};
     std::string path;
     try {
-        if (ansi_to_utf8(made, path)) return path;
+        wchar_t twin[MAX_PATH] = {};  // with a number the call only forms the name
+        GetTempFileNameW(wide_path(directory.c_str()).c_str(), L"tsr", number, twin);
+        if (ansi_to_utf8(made, twin, path, Page::files)) return path;
     } catch (...) {
         DeleteFileA(made);
         throw;

@@ -6,9 +6,11 @@
 
 namespace util {
 
-// Paths are UTF-8; the calls that the platform offers for temporary names are its ANSI ones. Any
-// thread and any process may call these at the same time, also for the same directories. They raise
-// std::bad_alloc, and the platform's own error for lack of memory from the UTF-8 layer.
+// Paths are UTF-8. The calls that the platform offers for temporary names and for the move are its
+// ANSI ones, so a directory that the page of file calls cannot hold exactly is a missing one: it
+// never becomes another. Any thread and any process may call these at the same time, also for the
+// same directories. They raise std::bad_alloc, and the platform's own error for lack of memory from
+// the UTF-8 layer.
 
 // The directory for temporary files, into out: false, with the last error, when the platform names
 // none. out is "", which names no directory, when the path takes 255 bytes or more.

@@ -4,15 +4,21 @@
 #include <new>
 #include <utility>
 
-#include "util/internal/ansi_text.h"
+#include "util/internal/encoding.h"
 #include "util/internal/windows.h"
 
 namespace {
 
-String from_ansi(const char* text) {
+// The ANSI call has returned `text` of `length` bytes.
+String to_utf8(const char* text, DWORD length) {
+    util::WideText twin;
+    wchar_t* const room = twin.make_room(length);  // a unit takes a byte at least
+    if (!room) return {};
+    GetCurrentDirectoryW(length + 1, room);
     try {
         std::string utf8;
-        return util::ansi_to_utf8(text, utf8) ? String(std::move(utf8)) : String();
+        if (!util::ansi_to_utf8(text, room, utf8, util::Page::files)) return {};
+        return String(std::move(utf8));
     } catch (const std::bad_alloc&) {
         return {};
     }
@@ -23,10 +29,10 @@ String from_ansi(const char* text) {
 String UTIL_CurrentDirectory() {
     char usual_room[260] = {};
     const DWORD needed = GetCurrentDirectoryA(sizeof usual_room, usual_room);
-    if (needed <= sizeof usual_room) return needed > 0 ? from_ansi(usual_room) : String();
+    if (needed <= sizeof usual_room) return needed > 0 ? to_utf8(usual_room, needed) : String();
 
     auto* const room = static_cast<char*>(std::malloc(needed));
     const DWORD length = room ? GetCurrentDirectoryA(needed, room) : 0;
     // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the block stays, as the header says
-    return length > 0 && length < needed ? from_ansi(room) : String();
+    return length > 0 && length < needed ? to_utf8(room, length) : String();
 }

@@ -7,11 +7,15 @@
 
 UTIL_EXTERN_C_BEGIN
 
-// The current directory in UTF-8, without a trailing backslash unless it is a drive's root; "" when
-// the platform cannot tell or memory runs out. Asked through the ANSI code page: characters that
-// the page lacks come back as its best fit or "?", and bytes that mean nothing in it make the text
-// "". May be called from any thread, but the directory belongs to the whole process. A directory of
-// 260 bytes and more leaves the block that held its text allocated, at each call; this is meant.
+// Returns the current directory in UTF-8. It has no trailing backslash, unless it is a drive's
+// root. Returns "" when the platform cannot tell or when out of memory.
+//
+// The library asks the platform by its ANSI call. Where that call replaced characters that its code
+// page lacks, the result is the true name, which the wide call returns. Returns "" for a name that
+// is no Unicode text (an unpaired surrogate).
+//
+// Any thread may call it, but the directory belongs to the whole process. By design, a directory of
+// 260 bytes and more in the code page leaves the block that held its text allocated, at each call.
 //     UTIL_CurrentDirectory()   // "C:\agent"
 UTIL_API String UTIL_CurrentDirectory();
 

@@ -2,7 +2,11 @@
 
 #include <io.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
+
+#include "util/internal/encoding.h"
 
 int ksl_close(int descriptor) {
     return descriptor == 0 ? 0 : _close(descriptor);
@@ -29,5 +33,9 @@ int ksl_flush(...) {
 }
 
 int ksl_putenv(const char* assignment) {
+    if (assignment && !util::fits_ansi_call(std::strlen(assignment))) {
+        errno = EINVAL;
+        return -1;
+    }
     return _putenv(assignment);
 }

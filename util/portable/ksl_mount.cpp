@@ -4,8 +4,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <memory>
 
+#include "util/internal/encoding.h"
 #include "util/internal/kept_errors.h"
 #include "util/internal/windows.h"
 
@@ -78,6 +80,21 @@ class NoInsertDiskBox {
     DWORD m_before = 0;
 };
 
+// Writes the file system's name, which the ANSI call has returned; "" when it does not convert. The
+// root needs no conversion: it is a letter, a colon and a backslash.
+void write_file_system(const char* root, const char* ansi, ksl_mount_record* record) {
+    wchar_t twin[260] = {};
+    util::WideText wide_root;
+    util::NarrowText name;
+    if (util::utf8_to_wide(root, wide_root) == util::Conversion::done) {
+        GetVolumeInformationW(wide_root.c_str(), nullptr, 0, nullptr, nullptr, nullptr, twin,
+                              static_cast<DWORD>(std::size(twin)));
+    }
+    const auto result = util::ansi_to_utf8(ansi, twin, util::Page::files, name);
+    std::snprintf(record->file_system, sizeof record->file_system, "%s",
+                  result == util::Conversion::done ? name.c_str() : "");
+}
+
 // Fills the record for a drive; false, with the record untouched, when its volume does not answer.
 bool describe(const char* root, ksl_mount_record* record) {
     char volume_name[260];
@@ -89,7 +106,7 @@ bool describe(const char* root, ksl_mount_record* record) {
     }
     std::snprintf(record->serial, sizeof record->serial, "%ld", static_cast<long>(serial));
     std::snprintf(record->root, sizeof record->root, "%s", root);
-    std::snprintf(record->file_system, sizeof record->file_system, "%s", file_system);
+    write_file_system(root, file_system, record);
     if (const char* type = type_text(GetDriveTypeA(root))) {
         std::snprintf(record->type, sizeof record->type, "%s", type);
     }

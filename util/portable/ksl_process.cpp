@@ -8,7 +8,7 @@
 #include <new>
 #include <string>
 
-#include "util/internal/ansi_text.h"
+#include "util/internal/encoding.h"
 #include "util/internal/kept_errors.h"
 #include "util/internal/windows.h"
 
@@ -27,11 +27,13 @@ struct Release {
 using CommandLine = std::unique_ptr<char, Release>;
 using Handle = std::unique_ptr<void, Release>;
 
-// A copy in the ANSI code page: the platform may write into the command line it is given.
+// A copy in the page of CreateProcessA, which may write into its command line.
 CommandLine writable_command_line(const char* command) {
     try {
         std::string ansi;
-        if (util::utf8_to_ansi(command, ansi)) return CommandLine(_strdup(ansi.c_str()));
+        if (util::utf8_to_ansi(command, ansi, util::Page::files)) {
+            return CommandLine(_strdup(ansi.c_str()));
+        }
         SetLastError(ERROR_FILE_NOT_FOUND);
     } catch (const std::bad_alloc&) {
         errno = ENOMEM;

@@ -7,11 +7,11 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstring>
 #include <new>
 #include <string>
 #include <string_view>
 
+#include "util/internal/encoding.h"
 #include "util/internal/kept_errors.h"
 #include "util/portable/stat_path.h"
 #include "util/portable/utf8.h"
@@ -54,26 +54,9 @@ void* no_search() {
     return INVALID_HANDLE_VALUE;
 }
 
-bool is_ascii(const wchar_t* text) {
-    while (*text > 0 && *text < 0x80)
-        ++text;
-    return *text == L'\0';
-}
-
-// The found name in UTF-8 into the caller's buffer. ASCII, as most names are, needs no conversion,
-// and it is the conversion that costs time in a listing.
+// The found name in UTF-8 into the caller's buffer, unless the name is not wanted.
 bool copy_name(const WIN32_FIND_DATAW& data, char* name) {
-    if (!name) return true;
-    if (is_ascii(data.cFileName)) {
-        const wchar_t* unit = data.cFileName;
-        while ((*name++ = static_cast<char>(*unit++)) != '\0') {
-        }
-        return true;
-    }
-    String utf8;
-    if (!UTIL_WideCharToUtf8(data.cFileName, &utf8)) return false;
-    std::memcpy(name, utf8.c_str(), utf8.size() + 1);
-    return true;
+    return !name || util::name_to_utf8(data.cFileName, name);
 }
 
 }  // namespace
@@ -114,6 +97,7 @@ int UTF8_rmdir(const char* path) {
 }
 
 int UTF8_lstat(const char* path, struct _stat64i32* record) {
+    if (record) *record = {};
     if (!path || !record) return invalid();
     std::string changed;
     try {
