@@ -51,10 +51,6 @@ void check_copy(const char* text) {
 // The bits of up to a line of the text, for a set of bytes and for two at a distance.
 void check_bits(const std::vector<char>& text, const std::string& set) {
     if (text.empty()) return;
-    const std::size_t size = std::min(text.size(), line_size);
-    require(kernels::Members(set).bits(text.data(), size) ==
-                plain::Members(set).bits(text.data(), size),
-            "Members");
     require(line_bits_of<kernels::Members>(text, set) == line_bits_of<plain::Members>(text, set),
             "Members of each line");
     for (const std::size_t distance : {std::size_t{0}, std::size_t{1}, set.size()}) {

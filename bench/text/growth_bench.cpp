@@ -20,7 +20,8 @@ void growth(const char* name, Make make) {
     run(Operation(std::string("growth: ") + name)
             .library(make(size))
             .library("twice the size", make(2 * size))
-            .library("four times the size", make(4 * size)));
+            .library("four times the size", make(4 * size))
+            .by_minimum());
 }
 
 String repeated(const std::string& piece, std::size_t n) {

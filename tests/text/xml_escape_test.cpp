@@ -13,11 +13,4 @@ TEST(XmlEscapeTest, OneQuoteAloneIsEscapedButCannotBeDecoded) {
     EXPECT_EQ(text, "") << "the first removal has taken it";
 }
 
-TEST(XmlEscapeTest, DecodesALargeTextOfEntitiesInOnePass) {
-    const String original(std::uint64_t{1} << 22, '&');
-    String text(original);
-    text.replaceXML();
-    EXPECT_TRUE(text.placeXML() == original);
-}
-
 }  // namespace

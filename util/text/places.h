@@ -9,7 +9,6 @@
 #include <string_view>
 
 #include "util/internal/kernels/member_bits.h"
-#include "util/internal/kernels/pair_bits.h"
 
 namespace util {
 
@@ -21,20 +20,13 @@ class Places {
     explicit Places(std::size_t text_size) : Places(text_size, unset) {
         std::fill_n(m_bits, m_lines, 0);
     }
-    // The bytes of a set; one that is made for the call.
-    Places(std::string_view text, std::string_view set) : Places(text.size(), unset) {
-        if (text.size() <= line_size && set.size() <= few) {
-            m_bits[0] = 0;
-            for (const char c : set)
-                m_bits[0] |= kernels::BytePair(c, c, 0).bits(text.data(), text.size());
-            m_empty = m_bits[0] == 0;
-        } else {
-            mark(text, kernels::Members(set));
-        }
-    }
-    // The bytes of a set that is kept.
+    // The bytes of a set.
     Places(std::string_view text, const kernels::Members& set) : Places(text.size(), unset) {
-        mark(text, set);
+        std::uint64_t* next = m_bits;
+        set.for_each_line(text, [&](std::uint64_t bits) {
+            m_empty = m_empty && bits == 0;
+            *next++ = bits;
+        });
     }
     Places(const Places&) = delete;
     Places& operator=(const Places&) = delete;
@@ -69,7 +61,6 @@ class Places {
 
   private:
     static constexpr std::size_t near_lines = 64;
-    static constexpr std::size_t few = 4;
 
     enum Unset { unset };  // the bits are to be written
 
@@ -77,14 +68,6 @@ class Places {
         : m_lines((text_size + line_size - 1) / line_size),
           m_far(m_lines > near_lines ? new std::uint64_t[m_lines] : nullptr),
           m_bits(m_far ? m_far.get() : m_near) {}
-
-    void mark(std::string_view text, const kernels::Members& set) {
-        std::uint64_t* next = m_bits;
-        set.for_each_line(text, [&](std::uint64_t bits) {
-            m_empty = m_empty && bits == 0;
-            *next++ = bits;
-        });
-    }
 
     const std::size_t m_lines;
     bool m_empty = true;

@@ -30,7 +30,7 @@ std::vector<String> String::split(const String& separators, bool skipEmpty) cons
     if (empty()) return fields;
 
     // Counting first lets the list be allocated once, at its size.
-    const util::Places marks(view(), separators.view());
+    const util::Places marks(view(), util::kernels::Members(separators.view()));
     const std::size_t filled = count_filled(marks, size());
     // The number of empty fields after the last one filled is then not defined by any text; the
     // count has always wrapped round and exhausted memory. Same error, without the wait.

@@ -12,88 +12,65 @@
 
 namespace {
 
-// A character and the text that it is written as, which fits into a number: its first byte lowest.
-class Entity {
-  public:
-    constexpr Entity(char character, std::string_view text)
-        : m_character(character), m_size(text.size()) {
+// A character and the text that it is written as, as a number: its first byte lowest.
+struct Entity {
+    constexpr Entity(char c, std::string_view text) : character(c), size(text.size()) {
         for (std::size_t i = 0; i < text.size(); ++i) {
-            m_word |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * i);
-            m_mask |= std::uint64_t{0xFF} << (8 * i);
+            word |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * i);
+            mask |= std::uint64_t{0xFF} << (8 * i);
         }
     }
-    constexpr char character() const { return m_character; }
-    constexpr std::size_t size() const { return m_size; }
-    constexpr std::uint64_t word() const { return m_word; }
-    constexpr bool begins(std::uint64_t word) const { return (word & m_mask) == m_word; }
-
-  private:
-    char m_character;
-    std::size_t m_size;
-    std::uint64_t m_word = 0;
-    std::uint64_t m_mask = 0;
+    char character;
+    std::size_t size;
+    std::uint64_t word = 0;
+    std::uint64_t mask = 0;
 };
 
 // The tab's entity is read but never written: escaping tabs would change every fragment.
 constexpr Entity entities[] = {{'&', "&amp;"},  {'<', "&lt;"},    {'>', "&gt;"},
                                {'"', "&quot;"}, {'\'', "&apos;"}, {'\t', "&#x9;"}};
 
-// What each byte is written as: the text of an entity or the byte itself, and in the highest byte
-// how long that is.
-class WrittenBytes {
-  public:
-    constexpr WrittenBytes() {
-        for (std::size_t byte = 0; byte < m_words.size(); ++byte)
-            m_words[byte] = byte | std::uint64_t{1} << size_shift;
-        for (const Entity& entity : entities) {
-            if (entity.character() == '\t') continue;
-            m_words[static_cast<unsigned char>(entity.character())] =
-                entity.word() | std::uint64_t{entity.size()} << size_shift;
-        }
+// What each byte is written as: an entity or the byte itself, and in the highest byte its length.
+constexpr unsigned size_shift = 56;
+constexpr auto written_bytes = [] {
+    std::array<std::uint64_t, 256> words = {};
+    for (std::size_t byte = 0; byte < words.size(); ++byte)
+        words[byte] = byte | std::uint64_t{1} << size_shift;
+    for (const Entity& entity : entities) {
+        if (entity.character != '\t')
+            words[static_cast<unsigned char>(entity.character)] =
+                entity.word | std::uint64_t{entity.size} << size_shift;
     }
-    constexpr std::uint64_t word(char byte) const {
-        return m_words[static_cast<unsigned char>(byte)];
+    return words;
+}();
+
+std::uint64_t written_as(char byte) {
+    return written_bytes[static_cast<unsigned char>(byte)];
+}
+
+// The texts of the entities differ in the lower four bits of a sum over their second and third
+// byte.
+constexpr std::size_t slot(std::uint64_t word) {
+    return (7 * (word >> 8) + (word >> 16)) & 15;
+}
+constexpr auto entity_slots = [] {
+    std::array<std::size_t, 16> slots = {};
+    for (std::size_t i = 0; i < std::size(entities); ++i)
+        slots[slot(entities[i].word)] = i;
+    return slots;
+}();
+
+// The entity that a text with these first bytes begins with, or null.
+constexpr const Entity* entity_of(std::uint64_t word) {
+    const Entity& entity = entities[entity_slots[slot(word)]];
+    return (word & entity.mask) == entity.word ? &entity : nullptr;
+}
+static_assert([] {
+    for (const Entity& entity : entities) {
+        if (entity_of(entity.word) != &entity) return false;
     }
-    static constexpr std::size_t size(std::uint64_t word) { return word >> size_shift; }
-
-  private:
-    static constexpr unsigned size_shift = 56;
-
-    std::array<std::uint64_t, 256> m_words = {};
-};
-
-constexpr WrittenBytes written_bytes;
-
-// The entity that a text begins with, found at once: the texts differ in the lower four bits of a
-// sum over their second and third byte.
-class EntityTable {
-  public:
-    constexpr EntityTable() {
-        for (std::size_t i = 0; i < std::size(entities); ++i)
-            m_by_text[slot(entities[i].word())] = i;
-    }
-    // The entity that a text with these first bytes begins with, or null.
-    constexpr const Entity* of(std::uint64_t word) const {
-        const Entity& entity = entities[m_by_text[slot(word)]];
-        return entity.begins(word) ? &entity : nullptr;
-    }
-    constexpr bool finds_each() const {
-        for (const Entity& entity : entities) {
-            if (of(entity.word()) != &entity) return false;
-        }
-        return true;
-    }
-
-  private:
-    static constexpr std::size_t slot(std::uint64_t word) {
-        return (7 * (word >> 8) + (word >> 16)) & 15;
-    }
-
-    std::size_t m_by_text[16] = {};
-};
-
-constexpr EntityTable entity_table;
-static_assert(entity_table.finds_each());
+    return true;
+}());
 
 bool has_outer_quotes(std::string_view text) {
     return text.size() > 1 && text.front() == '"' && text.back() == '"';
@@ -113,9 +90,9 @@ constexpr std::size_t short_space = 6 * util::line_size + sizeof(std::uint64_t);
 char* put_escaped(std::string_view text, char* to) {
     for (const char c : text) {
         if (c == '\0') break;
-        const std::uint64_t word = written_bytes.word(c);
+        const std::uint64_t word = written_as(c);
         std::memcpy(to, &word, sizeof word);
-        to += WrittenBytes::size(word);
+        to += word >> size_shift;
     }
     return to;
 }
@@ -124,9 +101,9 @@ char* put_decoded(std::string_view text, char* to) {
     for (std::size_t i = 0; i < text.size() && text[i] != '\0'; ++i) {
         *to = text[i];
         if (text[i] == '&') {
-            if (const Entity* const entity = entity_table.of(util::first_word(text.substr(i)))) {
-                *to = entity->character();
-                i += entity->size() - 1;
+            if (const Entity* const entity = entity_of(util::first_word(text.substr(i)))) {
+                *to = entity->character;
+                i += entity->size - 1;
             }
         }
         ++to;
@@ -147,7 +124,7 @@ String changed_short(std::string_view text, char* put_changed(std::string_view t
 
 String String::replaceXML() {
     if (size() <= util::line_size) {
-        String result = changed_short(view(), put_escaped);
+        String result = changed_short(m_text, put_escaped);
         m_text = result.m_text;
         return result;
     }
@@ -161,16 +138,15 @@ String String::replaceXML() {
 
     // Counting first lets the result be allocated once, at its size.
     std::size_t escaped_size = visible_size;
-    places.for_each([&](std::size_t at) {
-        escaped_size += WrittenBytes::size(written_bytes.word(inside[at])) - 1;
-    });
+    places.for_each(
+        [&](std::size_t at) { escaped_size += (written_as(inside[at]) >> size_shift) - 1; });
     util::TextWriter escaped(escaped_size);
     escaped.put("\"", quotes);
     std::size_t begin = 0;
     places.for_each([&](std::size_t at) {
-        const std::uint64_t word = written_bytes.word(inside[at]);
+        const std::uint64_t word = written_as(inside[at]);
         escaped.put(inside.substr(begin), at - begin);
-        escaped.put_word(word, WrittenBytes::size(word));
+        escaped.put_word(word, word >> size_shift);
         begin = at + 1;
     });
     escaped.put(inside.substr(begin));
@@ -187,7 +163,7 @@ String String::placeXML() {
         util::require_position(npos, size());
     }
     if (size() <= util::line_size) {
-        String result = changed_short(view(), put_decoded);
+        String result = changed_short(m_text, put_decoded);
         m_text = result.m_text;
         return result;
     }
@@ -202,11 +178,11 @@ String String::placeXML() {
     decoded.put("\"", quotes);
     std::size_t begin = 0;
     places.for_each([&](std::size_t at) {
-        const Entity* const entity = entity_table.of(util::first_word(inside.substr(at)));
+        const Entity* const entity = entity_of(util::first_word(inside.substr(at)));
         if (!entity) return;
         decoded.put(inside.substr(begin), at - begin);
-        decoded.put(entity->character());
-        begin = at + entity->size();
+        decoded.put(entity->character);
+        begin = at + entity->size;
     });
     decoded.put(inside.substr(begin));
     decoded.put("\"", quotes);
