@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "util/internal/encoding.h"
+#include "util/internal/position_error.h"
 #include "util/portable/current_directory.h"
 #include "util/portable/environment.h"
 #include "util/portable/utf8_files.h"
-#include "util/internal/position_error.h"
 
 namespace {
 
