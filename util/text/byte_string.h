@@ -169,6 +169,7 @@ class UTIL_API String : public extstl::ExtString {
     // INT_MAX bytes or more; the buffer is unchanged then, and the next call works.
     //
     //     String::format("%s-%03d", "disk", 7)   // "disk-007"
+    // Use constant formats: a format from outside can make the call read any memory.
     static String format(const char* fmt, ...) UTIL_PRINTF_FORMAT(1, 2);
 
     // The same for an argument list. The caller calls va_end on `args`.
