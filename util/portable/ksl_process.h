@@ -25,6 +25,7 @@ UTIL_EXTERN_C_BEGIN
 // there is one.
 //
 //     ksl_system("exit 7")   // 7
+// Never put a text from outside into `command`: the interpreter runs what the text asks for.
 UTIL_API int ksl_system(const char* command);
 
 // Runs a program without the interpreter (no redirection, no built-in commands) and waits for it
@@ -51,6 +52,8 @@ UTIL_API int ksl_system2(const char* command);
 // for null arguments.
 //
 //     FILE* stream = ksl_popen("ver", "r");   // fgets reads the version line
+// Never put a text from outside into `command`. The child inherits all inheritable handles, as with
+// ksl_system.
 UTIL_API FILE* ksl_popen(const char* command, const char* mode);
 
 // Closes a stream of ksl_popen and waits for its command. This is the runtime's _pclose(), but
