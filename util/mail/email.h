@@ -49,6 +49,8 @@
 //     notice.updateTo("admin@x.test");
 //     notice.updateTo("night@x.test");   // getTo() is "admin@x.test;night@x.test"
 //     if (notice.send() != 0) log(notice.GetLastErrorMessage());
+//
+// Remove line ends from a sender, a subject or a recipient that comes from outside.
 class UTIL_API email {
   public:
     // All five texts are empty.
