@@ -12,6 +12,7 @@ struct _OVERLAPPED;  // <windows.h>
 // The lock is one byte of the file "lockfile.lck" directly in the directory. The file is created
 // when missing, never deleted, and its content means nothing. The lock excludes other processes and
 // other handles of this one. The platform releases it when its holder ends, however that happens.
+// Whoever may open the file can hold the lock without limit, so use a directory of your own.
 //
 // The caller owns the handle and the platform's OVERLAPPED record; both belong to one lock, and to
 // one thread at a time. Neither function raises anything.
