@@ -12,6 +12,8 @@ UTIL_EXTERN_C_BEGIN
 // either, and is tried also when the directory could not be listed. 0 for a directory that
 // could be listed means that nothing but undeletable files can be left.
 //
+// Empties the target if `path` itself is a link. Follows no link inside the directory.
+//
 // path is UTF-8. Null and empty paths give 0 and touch nothing, as does want of memory. Any thread
 // may call it; nothing is raised.
 //     UTIL_cleanupDir("C:\\mnt\\r1", 1)   // 0, and C:\mnt\r1 is gone if it held files alone
