@@ -20,23 +20,29 @@ inline SOCKET new_socket(int type) {
     return result;
 }
 
-// A socket to poll and the far end of its connection.
+// A socket to poll and the far end of its connection, a stream or datagrams.
 class Connection {
   public:
-    Connection() {
-        const SOCKET listener = new_socket(SOCK_STREAM);
+    explicit Connection(int type = SOCK_STREAM)
+        : m_near(new_socket(type)), m_far(new_socket(type)) {
         sockaddr_in address = {};
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        auto* name = reinterpret_cast<sockaddr*>(&address);
+        auto* const name = reinterpret_cast<sockaddr*>(&address);
         int size = sizeof address;
-        bind(listener, name, size);
-        listen(listener, 1);
-        getsockname(listener, name, &size);
-        m_far = new_socket(SOCK_STREAM);
-        if (connect(m_far, name, size) != 0) throw std::runtime_error("no loopback here");
-        m_near = accept(listener, nullptr, nullptr);
-        closesocket(listener);
+        const BOOL on = TRUE;  // sends each byte at once
+        setsockopt(m_far, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
+        bind(m_near, name, size);
+        listen(m_near, 1);  // fails for datagrams
+        getsockname(m_near, name, &size);
+        bool connected = connect(m_far, name, size) == 0;
+        if (type == SOCK_STREAM) {
+            closesocket(std::exchange(m_near, accept(m_near, nullptr, nullptr)));
+        } else {
+            getsockname(m_far, name, &size);
+            connected = connected && connect(m_near, name, size) == 0;
+        }
+        if (!connected) throw std::runtime_error("no loopback here");
     }
     ~Connection() {
         closesocket(m_near);
@@ -47,16 +53,21 @@ class Connection {
 
     int fd() const { return static_cast<int>(m_near); }
 
+    SOCKET far_end() const { return m_far; }
+    void close_far_end(bool abort) {
+        const linger at_once = {abort, 0};
+        setsockopt(m_far, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&at_once),
+                   sizeof at_once);
+        closesocket(std::exchange(m_far, INVALID_SOCKET));
+    }
+
     void send_byte_only() const { send(m_far, "x", 1, 0); }
 
-    // Both return when the near end can see it.
+    // Returns when the near end can be read.
     void send_byte() const {
         send_byte_only();
-        wait_until_readable();
-    }
-    void hang_up() const {
-        shutdown(m_far, SD_SEND);
-        wait_until_readable();
+        fd_set set = {1, {m_near}};
+        select(0, &set, nullptr, nullptr, nullptr);
     }
 
     // The number of bytes read, 0 at the end, or minus the error's code.
@@ -72,11 +83,6 @@ class Connection {
     }
 
   private:
-    void wait_until_readable() const {
-        fd_set set = {1, {m_near}};
-        select(0, &set, nullptr, nullptr, nullptr);
-    }
-
     SOCKET m_near, m_far;
 };
 

@@ -15,7 +15,7 @@ static_assert(static_cast<DWORD>(Poll::Infinite) == INFINITE);
 
 struct Poll::Slot {
     std::int64_t fd = -1;
-    HANDLE handle = nullptr;  // null: not waited for
+    HANDLE handle = nullptr;  // null if there is nothing to wait for
 
     void close() {
         if (handle) WSACloseEvent(handle);
@@ -29,7 +29,8 @@ constexpr int free_slot = -1;
 constexpr int console = 0;
 constexpr long read_and_close = FD_READ | FD_CLOSE;
 
-// Where fd stands; table_size_ when nowhere. Templates, here and below, as Slot is Poll's own.
+// Returns the slot of `fd`, or table_size_ if there is none. This function and the ones below are
+// templates because Slot is private to Poll.
 template <typename Slot>
 std::size_t find(const Slot& slots, int fd) {
     std::size_t index = 0;
@@ -47,14 +48,14 @@ bool is_open(HANDLE handle) {
     return GetHandleInformation(handle, &flags) != 0;
 }
 
-// Null when there is none to wait for.
+// Returns standard input, or null if it cannot be waited for.
 template <typename Slot>
 HANDLE open_console(const Slot& slots) {
     const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
     SetConsoleMode(input, ENABLE_PROCESSED_INPUT | ENABLE_LINE_INPUT | ENABLE_ECHO_INPUT);
     FlushConsoleInputBuffer(input);
-    // Standard input that was closed leaves its number behind: for nothing at all, or by now for
-    // an event of this table.
+    // After standard input is closed, GetStdHandle still returns its number. By now the number may
+    // be invalid, or it may belong to an event of this table.
     if (!is_open(input)) return nullptr;
     for (std::size_t i = 0; i < Poll::table_size_; ++i) {
         if (slots[i].handle == input) return nullptr;
@@ -68,11 +69,15 @@ HANDLE open_event(int fd) {
     return event;
 }
 
+bool has_bytes(int fd) {
+    u_long count = 0;
+    return ioctlsocket(socket_of(fd), FIONREAD, &count) == 0 && count > 0;
+}
+
 bool is_readable(int fd) {
-    // The cheaper question first: bytes to read answer it. No bytes may still be a closed peer or
-    // an empty datagram, and that only select knows.
-    u_long pending = 0;
-    if (ioctlsocket(socket_of(fd), FIONREAD, &pending) == 0 && pending > 0) return true;
+    // FIONREAD first: it is cheaper, and it never sets the socket's event. A closed peer and an
+    // empty datagram have no bytes. Only select reports them.
+    if (has_bytes(fd)) return true;
     fd_set readable;
     readable.fd_count = 1;
     readable.fd_array[0] = socket_of(fd);
@@ -81,17 +86,27 @@ bool is_readable(int fd) {
            FD_ISSET(socket_of(fd), &readable);
 }
 
-// Whether there was reason for the socket's event to fire, which resets it otherwise.
+// Returns whether the socket is readable. If it is not, resets its event.
 bool confirm(int fd, HANDLE event) {
     if (is_readable(fd)) return true;
+    // On some platforms select sets the event of a socket that is not readable, for example after
+    // a datagram was refused. So select must not be called after the reset: the event would stay
+    // set and run() would never time out.
     ResetEvent(event);
-    // What came in since the question was asked may have been reset as well, and is not announced
-    // twice: the next wait has to see it.
-    if (is_readable(fd)) SetEvent(event);
+    // The reset may have discarded the event of data that arrived after select. It is not reported
+    // twice. A close in this gap goes unnoticed.
+    if (has_bytes(fd)) SetEvent(event);
     return false;
 }
 
-// The arguments of a wait, and the slots they come from.
+// False for a closed handle, and for one that does not grant access to wait.
+bool can_wait(HANDLE handle) {
+    const DWORD result = WaitForSingleObject(handle, 0);
+    if (result == WAIT_OBJECT_0) SetEvent(handle);  // the wait has reset a socket's event
+    return result != WAIT_FAILED;
+}
+
+// The handles to wait for, and the slot of each.
 struct WaitList {
     HANDLE handles[Poll::table_size_];
     std::size_t slots[Poll::table_size_];
@@ -110,18 +125,18 @@ struct WaitList {
         }
     }
 
-    // Leaves out what the program has closed meanwhile: with it every further wait would fail.
-    void drop_closed() {
+    // Removes the handles with which every wait fails, for example one that the program closed.
+    void drop_unusable() {
         const DWORD all = count;
         count = 0;
         for (DWORD i = 0; i < all; ++i) {
-            if (is_open(handles[i])) add(handles[i], slots[i]);
+            if (can_wait(handles[i])) add(handles[i], slots[i]);
         }
     }
 };
 
-// A wait list is one run's own. So each run begins by building one, and when it was started from
-// another run's callback that one builds its list again.
+// Each run() has its own wait list. So it builds the list when it starts. A run() inside a callback
+// clears the changed flag, so the outer run() must build its list again afterwards.
 class FreshLists {
   public:
     explicit FreshLists(bool& changed) : m_changed(changed) { m_changed = true; }
@@ -178,23 +193,27 @@ void Poll::run(int timeout) {
             list.build(m_slots);
             m_changed = false;
         }
-        if (list.count == 0) {  // nothing could ever end a wait
+        if (list.count == 0) {  // nothing could end a wait
             if (timeout != Infinite) Sleep(static_cast<DWORD>(timeout));
             return;
         }
         const DWORD result =
             WaitForMultipleObjects(list.count, list.handles, FALSE, static_cast<DWORD>(timeout));
         if (result == WAIT_TIMEOUT) return;
-        if (result == WAIT_FAILED) list.drop_closed();
+        if (result == WAIT_FAILED) list.drop_unusable();
         if (result >= list.count) continue;
 
         const std::size_t index = list.slots[result];
         const Slot& slot = m_slots[index];
         const int fd = static_cast<int>(slot.fd);
-        if (fd != console && !confirm(fd, slot.handle)) continue;
-        if (m_callbacks[index]) m_callbacks[index]->ready(fd, 0);
-        // Asked again: the callback may have removed the console.
-        if (fd == console && slot.fd == console) FlushConsoleInputBuffer(slot.handle);
+        Callback* const callback = m_callbacks[index];
+        if (fd == console) {
+            if (callback) callback->ready(fd, 0);
+            // The callback may have removed the console.
+            if (slot.fd == console) FlushConsoleInputBuffer(slot.handle);
+        } else if (callback && confirm(fd, slot.handle)) {
+            callback->ready(fd, 0);
+        }
     }
 }
 

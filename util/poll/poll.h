@@ -1,4 +1,4 @@
-// Everything of the poll subsystem: one thread waits for sockets and the console.
+// The poll subsystem: one thread waits for sockets and the console.
 #ifndef UTIL_POLL_POLL_H
 #define UTIL_POLL_POLL_H
 
@@ -6,22 +6,22 @@
 
 #include "util/export.h"
 
-// A table of up to 64 sources and the loop that serves them. A source is a connected socket, given
-// as an int, or 0 for the console's standard input. When a socket can be read or its peer has
-// closed, or when console input is there, its callback runs. With several ready at once the lowest
-// slot is served first, one per wait. A listening socket is not served, and room to write is not
-// announced: only data and closing are waited for.
+// A table of up to 64 sources and the loop that serves them. A source is a connected socket, passed
+// as an int, or 0 for standard input of the console. The loop calls a source's callback when its
+// socket can be read, when the peer has closed, or when there is console input. If several sources
+// are ready, the lowest slot is served first, one per wait. Only data and closing are reported. New
+// connections of a listening socket and room to write are not.
 //
-// Ownership: sockets and callbacks stay the caller's and must outlive their registration. The
-// poller owns one event per socket, and takes over the console: removing 0, registering it again
-// and destroying the poller while it is registered close the process's standard input. Meant as it
-// is.
+// Ownership: Sockets and callbacks belong to the caller and must outlive their registration. The
+// poller owns one event per socket. It also takes over the console: removing 0, registering 0
+// again, and destroying the poller while 0 is registered close the process's standard input. By
+// design.
 //
-// Threads: one object belongs to one thread, which also makes all changes, in practice from
-// callbacks. There is no lock. The caller has started Windows Sockets.
+// Thread safety: One thread runs the poller and makes all changes, usually from callbacks. There is
+// no lock. The caller must have started Windows Sockets.
 //
-// Failure: nothing is reported except where a member says so. Raises std::bad_alloc (construction
-// only).
+// Failure: Nothing is reported, except where a member says so. The constructor raises
+// std::bad_alloc if out of memory.
 //
 //     struct Echo : Poll::Callback {
 //         explicit Echo(Poll& poll) : m_poll(poll) {}
@@ -29,8 +29,8 @@
 //             char buffer[4096];
 //             int count;
 //             while ((count = recv(fd, buffer, sizeof buffer, 0)) > 0) send(fd, buffer, count, 0);
-//             if (count < 0 && WSAGetLastError() == WSAEWOULDBLOCK) return;  // all read
-//             m_poll.remove(fd);                                            // closed by the peer
+//             if (count < 0 && WSAGetLastError() == WSAEWOULDBLOCK) return;  // all data is read
+//             m_poll.remove(fd);                                            // the peer has closed
 //             closesocket(fd);
 //         }
 //         Poll& m_poll;
@@ -41,58 +41,69 @@
 //     poll.run(5000);  // serves until 5 seconds pass without an event
 class UTIL_API Poll {
   public:
-    // The number of slots, the most handles that the platform waits for at once.
+    // The number of slots. It is the maximum number of handles in one wait of the platform.
     static const int table_size_ = 64;
 
     // The timeout that never ends.
     static const int Infinite = -1;
 
-    // What a source is registered with. Nothing but ready() is called, and nothing is deleted.
+    // The interface of a source. Poll calls ready() only, and deletes no callback.
     class Callback {
       public:
         virtual ~Callback() = default;
 
-        // fd is the source; events is always 0. Read everything there is, until the read would
-        // block: what is left behind may or may not cause another call. When the peer has closed,
-        // remove() the source and close the socket: some platforms announce a close again and
-        // again, and run() would then never time out. May register and remove any source, this one
-        // included, and run() again, but must not destroy the poller. An exception leaves run();
-        // the poller stays usable.
+        // Source `fd` is ready. `events` is always 0.
+        //
+        // Read until a read would block, returns 0 or fails. Data that is left unread may not cause
+        // another call. A callback that reads once per call may never learn of the end in two
+        // cases:
+        // - The peer sends data and then resets the connection.
+        // - This end called shutdown(SD_SEND), and the peer answers with data and a close.
+        //
+        // After the end, call remove() and close the socket. Otherwise some platforms report the
+        // end again and again, and run() never times out. The same goes for an empty datagram that
+        // is not read.
+        //
+        // May register and remove any source, this one included, and may call run(). Must not
+        // destroy the poller. An exception leaves run(). The poller stays usable.
         virtual void ready(int fd, int events) = 0;
     };
 
     Poll();
 
-    // Closes the events, and standard input if it is registered; no socket.
+    // Closes the events, and standard input if it is registered. Closes no socket.
     ~Poll();
 
     Poll(const Poll&) = delete;
     Poll& operator=(const Poll&) = delete;
 
-    // Registers a source in the first free slot; one that is registered already keeps its slot and
-    // gets a fresh event and the new callback (null: events are swallowed). Puts a socket into
-    // non-blocking mode. Puts the console into line mode with echo (mode 7) and discards its
-    // pending input. Ends the process with abort() when all slots are taken.
-    // -1 is ignored. A source that cannot be waited for is kept but never served: a socket for
-    // which there was no event, a console whose handle is closed. Standard input that is no console
-    // (a file, a pipe) is always ready, so that run() does not time out.
+    // Registers source `fd` in the first free slot. A source that is already registered keeps its
+    // slot, and gets a new event and the new callback. With a null `callback` its events are
+    // discarded. Puts a socket into non-blocking mode. Puts the console into line mode with echo
+    // (mode 7) and discards its pending input. Ignores -1. Ends the process with abort() if all
+    // slots are taken.
+    //
+    // A source that cannot be waited for is registered but never served. Examples are a socket
+    // whose event could not be created, and standard input that is closed. Standard input that is
+    // not a console (a file or a pipe) is always ready, so run() never times out.
     void append(int fd, Callback* callback);
 
-    // Forgets a source; a socket stays open and non-blocking. For a source that is not registered
-    // prints "Poll::remove (int fd): Not found" and the text of errno, by perror(). -1 is ignored
-    // silently while a slot is free.
+    // Unregisters source `fd`. A socket stays open and non-blocking. If `fd` is not registered,
+    // prints "Poll::remove (int fd): Not found" and the text of errno with perror(). Ignores -1
+    // while a slot is free.
     void remove(int fd);
 
-    // Serves the sources until one wait lasts for timeout milliseconds; with Infinite, as long as
-    // there are sources. When there is nothing (any more) to wait for, sleeps for the timeout and
-    // returns; with Infinite returns at once. A wait that fails is tried again. What the console
-    // callback has not read is discarded. Allocates nothing.
+    // Serves the sources until one wait takes `timeout` milliseconds. With Infinite, serves as long
+    // as there are sources. If there is nothing to wait for, sleeps for `timeout` and returns, or
+    // returns at once with Infinite. Repeats a wait that fails, without the handles that cannot be
+    // waited for. An event without anything to read causes no callback. Discards console input that
+    // the callback did not read. Allocates no memory.
     void run(int timeout);
 
-    // Switch a registered socket between the mode of append() and ordinary blocking calls. While
-    // blocking it stays registered but causes no events, except that one which had fired before is
-    // still served; input that waits when it is switched back causes one. Anything else than a
-    // registered socket is ignored.
+    // SetBlockingMode switches a registered socket to ordinary blocking calls. It stays registered
+    // but causes no events. An event from before the switch is still served. SetNonBlockingMode
+    // switches back to the mode of append(). Input that is waiting then causes an event. Both
+    // ignore anything but a registered socket.
     //     poll.SetBlockingMode(fd);
     //     recv(fd, header, sizeof header, MSG_WAITALL);
     //     poll.SetNonBlockingMode(fd);
@@ -102,8 +113,8 @@ class UTIL_API Poll {
   private:
     struct Slot;
     const std::unique_ptr<Slot[]> m_slots;
-    bool m_changed;  // since a list of handles to wait for was last built
-    const std::unique_ptr<Callback*[]> m_callbacks;  // parallel to the slots
+    bool m_changed;                                  // the slots, since a wait list was built
+    const std::unique_ptr<Callback*[]> m_callbacks;  // parallel to m_slots
 };
 
 #endif
