@@ -20,6 +20,7 @@ Target dates_and_versions;
 Target format;
 Target kernels;
 Target page_ends;
+Target poll;  // on Windows only
 Target text;
 Target token_lists;
 Target uint64_parsing;
@@ -49,6 +50,8 @@ inline void require(bool holds, const char* property) {
 class Parameters {
   public:
     explicit Parameters(std::string_view input) : m_rest(input) {}
+
+    bool empty() const { return m_rest.empty(); }
 
     unsigned char byte() {
         if (m_rest.empty()) return 0;

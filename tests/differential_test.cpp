@@ -16,6 +16,7 @@ struct Family {
     const char* name;
     util_fuzz::Target* target;
     std::string_view alphabet;  // bytes that mean something to this family
+    int rounds = 20000;         // of random inputs
 };
 
 std::ostream& operator<<(std::ostream& out, const Family& family) {
@@ -30,6 +31,9 @@ const Family families[] = {
     {"format", util_fuzz::format, "\1\2\3a%\0\xFF"sv},
     {"kernels", util_fuzz::kernels, "\3aAzZ@[`{\0\x80\xFF"sv},
     {"page_ends", util_fuzz::page_ends, "aAxX<>&;/:. \t\n\x01\x7F\xE9"sv},
+#ifdef _WIN32
+    {"poll", util_fuzz::poll, "aaonzxBN..:_crshuftlRRR!0123401234"sv, 500},
+#endif
     {"text", util_fuzz::text, "ab,; \t\n\x01\x7F$\0\xE9"sv},
     {"token_lists", util_fuzz::token_lists, "aAbB, [\xC3\xE9"sv},
     {"uint64_parsing", util_fuzz::uint64_parsing, "0123456789abcdefABCDEFxXg\0\xFF\x80"sv},
@@ -55,7 +59,7 @@ TEST_P(DifferentialTest, RandomInputs) {
     const unsigned seed = 20240607;
     const std::string_view alphabet = GetParam().alphabet;
     std::mt19937 random(seed);
-    for (int round = 0; round < 20000; ++round) {
+    for (int round = 0; round < GetParam().rounds; ++round) {
         std::string bytes(random() % (round % 10 == 0 ? 600 : 40), '\0');
         for (char& c : bytes) {
             c = random() % 8 == 0 ? static_cast<char>(random())
