@@ -7,7 +7,7 @@
 
 namespace {
 
-// Sends back what arrives, until the peer closes.
+// Sends all data back until the peer closes.
 class Echo : public Poll::Callback {
   public:
     explicit Echo(Poll& poll) : m_poll(poll) {}
@@ -19,7 +19,7 @@ class Echo : public Poll::Callback {
             std::printf("echo: %.*s\n", count, buffer);
             send(fd, buffer, count, 0);
         }
-        if (count < 0 && WSAGetLastError() == WSAEWOULDBLOCK) return;  // everything is read
+        if (count < 0 && WSAGetLastError() == WSAEWOULDBLOCK) return;  // all data is read
         std::printf("closed\n");
         m_poll.remove(fd);
         closesocket(fd);
@@ -29,7 +29,7 @@ class Echo : public Poll::Callback {
     Poll& m_poll;
 };
 
-// Both ends of a connection on this machine; false without one.
+// Connects two sockets on this machine. Returns false on failure.
 bool connect_ends(SOCKET ends[2]) {
     const SOCKET listener = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address = {};
@@ -59,11 +59,11 @@ int main() {
     poll.append(static_cast<int>(ends[1]), &echo);
 
     send(ends[0], "hello", 5, 0);
-    poll.run(200);  // serves, and returns when it was quiet for 200 milliseconds
+    poll.run(200);  // serves until 200 milliseconds pass without an event
     char answer[16];
     std::printf("answer: %.*s\n", recv(ends[0], answer, sizeof answer, 0), answer);
 
     closesocket(ends[0]);
-    poll.run(200);  // the echo takes its socket out; with nothing left this is a sleep
+    poll.run(200);  // the echo removes its socket; with no source left, run() sleeps
     WSACleanup();
 }
