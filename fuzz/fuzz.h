@@ -25,6 +25,7 @@ Target text;
 Target token_lists;
 Target uint64_parsing;
 Target xml_and_tags;
+Target xr_file;  // Windows only
 
 // The input that runs, for the report of a failure; set by callers that make inputs of their own.
 struct RunningInput {

@@ -38,6 +38,9 @@ const Family families[] = {
     {"token_lists", util_fuzz::token_lists, "aAbB, [\xC3\xE9"sv},
     {"uint64_parsing", util_fuzz::uint64_parsing, "0123456789abcdefABCDEFxXg\0\xFF\x80"sv},
     {"xml_and_tags", util_fuzz::xml_and_tags, "&<>\"'\t;=/altgtmpquox#9\0"sv},
+#ifdef _WIN32
+    {"xr_file", util_fuzz::xr_file, "`abcdefghijklmnopqrstuvwxyz{|}~\x7F"sv, 600},
+#endif
 };
 
 class DifferentialTest : public testing::TestWithParam<Family> {};

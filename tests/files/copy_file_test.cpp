@@ -9,9 +9,12 @@
 #include <filesystem>
 #include <functional>
 
+#include "support/built_file.h"
 #include "support/handle_count.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
+#include "util/files/xr_file.h"
+#include "util/portable/ksl_process.h"
 
 using util_test::ImportPatch;
 using util_test::ScratchDirectory;
@@ -115,11 +118,32 @@ TEST_F(CopyFileTest, NoRoomAtTheDestination) {
 
 TEST_F(CopyFileTest, KeepsTheModeForExactlyOne) {
     m_scratch.file(source_name, "x");
-    _wchmod(std::filesystem::u8path(m_source).c_str(), _S_IREAD);
-    for (const int flag : {0, 2, -1, 1}) {
-        EXPECT_EQ(copy(static_cast<char>(flag)), 0);
-        EXPECT_EQ(_access(m_target.c_str(), 2) != 0, flag == 1) << flag;
+    for (const int mode : {_S_IREAD, _S_IREAD | _S_IWRITE}) {
+        _wchmod(std::filesystem::u8path(m_source).c_str(), mode);
+        for (const int flag : {0, 2, -1, 1}) {
+            EXPECT_EQ(copy(static_cast<char>(flag)), 0);
+            EXPECT_EQ(_access(m_target.c_str(), 2) != 0, flag == 1 && mode == _S_IREAD) << flag;
+            _chmod(m_target.c_str(), _S_IREAD | _S_IWRITE);
+        }
     }
+}
+
+TEST_F(CopyFileTest, ChildrenInheritTheDescriptorsOfXrFileAlone) {
+    m_scratch.file(source_name, "x");
+    const std::string command = "\"" + util_test::built_file("child.exe") + "\" open 3";
+    int during_copy = -1;
+    length_of = [&](int descriptor) {
+        during_copy = ksl_system(command.c_str());
+        return _filelengthi64(descriptor);
+    };
+    const ImportPatch patch("_filelengthi64", scripted_length);
+    const int before = ksl_system(command.c_str());
+    EXPECT_EQ(copy(), 0);
+    EXPECT_EQ(during_copy, before);
+    const XrFile file(m_source.c_str(), "r");
+    XrFile assigned;
+    assigned = file;
+    EXPECT_EQ(ksl_system(command.c_str()), before + 2);
 }
 
 }  // namespace

@@ -44,6 +44,7 @@ const std::vector<Failure> failures = {
     {"_read", -1, ERROR_LOCK_VIOLATION, EACCES, instead},
     {"_read", -1, 0, EINTR, instead},
     {"_read", 0, 0, 0, instead},
+    {"_setmode", -1, 0, EINVAL, instead},
     {"_telli64", -1, ERROR_INVALID_HANDLE, EBADF, instead},
     {"_waccess", -1, ERROR_ACCESS_DENIED, EACCES, instead},
     {"_wchdir", -1, ERROR_PATH_NOT_FOUND, ENOENT, instead},

@@ -240,13 +240,13 @@ void file_scenarios(const Add& scenario) {
         run.outcome(closed, !closed);
     });
     scenario("XrFile, copied and assigned", [](Run& run) {
-        XrFile file(run.scratch.file(text.str()).c_str(), "r"), target;
+        XrFile file(run.scratch.file(text.str(), "line\n").c_str(), "r"), target;
         run.call(memory, [&] { target = file; });
         run.outcome(target.isValid() && target.getName() == text.str(),
                     run.raised() || (!target.isValid() && target.Error()));
         run.completes(memory, [&] {
-            XrFile none, shared(none);
-            shared.getName();
+            XrFile copy(file);
+            state(run, copy, copy.Readln(room, sizeof room), false);
         });
         file.Close();
         target.Close();

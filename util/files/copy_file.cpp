@@ -33,7 +33,7 @@ bool copy_bytes(int from, int to, std::int64_t count) {
         const auto read =
             util::transfer([from](char* at, unsigned n) { return ksl_read(from, at, n); },
                            buffer.get(), std::min(count, chunk));
-        if (!read.done) return false;  // also when the source ends too early
+        if (!read.done) return false;  // or the source became shorter
         const auto written =
             util::transfer([to](const char* at, unsigned n) { return ksl_write(to, at, n); },
                            buffer.get(), read.moved);
@@ -46,14 +46,16 @@ bool copy_bytes(int from, int to, std::int64_t count) {
 }  // namespace
 
 int UTIL_copy(const char* source, const char* destination, char keepMode) {
-    constexpr int reading = _O_RDONLY | _O_BINARY;
-    constexpr int overwriting = _O_WRONLY | _O_CREAT | _O_TRUNC | _O_BINARY;
+    // Child processes that other threads start during the copy must not get the descriptors.
+    constexpr int internal = _O_BINARY | _O_NOINHERIT;
+    constexpr int reading = _O_RDONLY | internal;
+    constexpr int overwriting = _O_WRONLY | _O_CREAT | _O_TRUNC | internal;
     try {
         const Descriptor from(util::open_descriptor(source, reading).descriptor);
         const Descriptor to(util::open_descriptor(destination, overwriting).descriptor);
-        struct _stat64i32 status;
+        struct _stat64i32 status;  // its size has 32 bits only
         if (!from || !to || UTF8_stat(source, &status) != 0 ||
-            !copy_bytes(from.get(), to.get(), _filelengthi64(from.get()))) {  // status has 32 bits
+            !copy_bytes(from.get(), to.get(), _filelengthi64(from.get()))) {
             return -1;
         }
         if (keepMode == 1) UTF8_chmod(destination, status.st_mode);

@@ -1,4 +1,4 @@
-// Not installed. Reading byte by byte without a system call per byte.
+// Not installed. Reads byte by byte without a system call per byte.
 #ifndef UTIL_FILES_READ_AHEAD_H
 #define UTIL_FILES_READ_AHEAD_H
 
@@ -11,31 +11,44 @@
 #include <cstring>
 
 #include "util/files/transfer.h"
+#include "util/internal/kept_errors.h"
 #include "util/internal/kernels/find_byte.h"
 #include "util/portable/ksl_descriptor.h"
 
 namespace util {
 
-// The bytes of a descriptor from its position on, for the length of one operation. Where `seekable`
-// allows it, they are read a chunk at a time and what was not taken is given back by seeking when
-// this object goes, so that the position afterwards is exact for everyone who shares the
-// descriptor. Nothing is kept between operations: another handle may have changed the file by then.
+// Reads a descriptor from its position on, during one operation of XrFile. If `seekable`, it reads
+// chunks and seeks back over the bytes that were not taken, so the position afterwards is exact for
+// everyone who shares the descriptor. Else it reads single bytes. No bytes are kept between
+// operations, because another handle may change the file.
 //
-// A chunk may touch bytes beyond those wanted, and fail for it (a lock, say); reading then goes on
-// byte by byte, so that result and code are those of a reader that never looks ahead.
+// Results and codes are those of a reader that reads single bytes. A chunk may fail because of
+// bytes behind those wanted (a locked range, for example). Reading then continues byte by byte,
+// with errno and the last error as they were before the chunk.
+//
+// An operation that succeeds calls seek_back() last: only then is a failed seek reported. The
+// destructor seeks back after an exception or a failure that is recorded already.
 class ReadAhead {
   public:
     ReadAhead(int fd, bool seekable)
         : m_fd(fd), m_seekable(seekable), m_step(seekable ? sizeof m_chunk : 1) {}
-    ~ReadAhead() {
-        // In 64 bits, unlike ksl_lseek: the file may be larger than 2 GB.
-        if (available() > 0) _lseeki64(m_fd, -static_cast<std::int64_t>(available()), SEEK_CUR);
-    }
+    ~ReadAhead() { seek_back(); }
     ReadAhead(const ReadAhead&) = delete;
     ReadAhead& operator=(const ReadAhead&) = delete;
 
-    // Bytes up to and including the next line feed, at most size of them; a size of 0 is no limit.
-    // False when a read fails or the file ends first. No retry rule.
+    // Moves the position to the first byte that was not taken. False with the last error when the
+    // seek fails: the position is then behind the chunk, and the caller must report it.
+    bool seek_back() {
+        if (available() == 0) return true;
+        const auto distance = -static_cast<std::int64_t>(available());
+        m_begin = m_end;
+        // ksl_lseek has 32 bits, and the file may be larger than 2 GB.
+        return _lseeki64(m_fd, distance, SEEK_CUR) >= 0;
+    }
+
+    // Reads up to and including the next line feed, at most `size` bytes; a size of 0 is no limit.
+    // False with the last error when a read fails or the file ends first. An interruption is a
+    // failure here.
     bool line(char* to, std::uint64_t size) {
         if (size == 0) size = ~std::uint64_t{0};
         while (size > 0) {
@@ -53,7 +66,7 @@ class ReadAhead {
         return true;
     }
 
-    // The next byte, by the retry rule of transfer().
+    // Reads the next byte, with the retry rule of transfer().
     Transfer next(char* byte) {
         if (available() == 0) {
             const auto filled = [this](char*, unsigned) { return std::min(fill(m_step), 1); };
@@ -64,14 +77,15 @@ class ReadAhead {
         return {true, 0, 1};
     }
 
-    // The next count bytes when they are in the chunk that was read; else null, and nothing taken.
+    // Takes the next `count` bytes if the chunk contains them; else takes nothing and returns null.
     const char* at_hand(std::uint64_t count) {
         if (available() < count) return nullptr;
         m_begin += static_cast<unsigned>(count);
         return m_chunk + m_begin - count;
     }
 
-    // The next count bytes, by the retry rule of transfer().
+    // Reads the next `count` bytes, with the retry rule of transfer(). After success the chunk is
+    // empty unless it contained all of them.
     Transfer read(char* to, std::uint64_t count) {
         const auto ready = static_cast<unsigned>(std::min<std::uint64_t>(available(), count));
         std::memcpy(to, m_chunk + m_begin, ready);
@@ -79,18 +93,19 @@ class ReadAhead {
         if (ready == count && count > 0) return {true, 0, ready};
         Transfer rest = transfer([this](char* at, unsigned n) { return ksl_read(m_fd, at, n); },
                                  to + ready, count - ready);
-        // Bytes followed by the end of the file are a short read, which is no failure.
+        // Bytes followed by the end of the file are a short read, which succeeds.
         if (rest.at_end && rest.moved == 0 && ready > 0) rest.done = true;
         if (!rest.done && rest.moved == 0) {
-            m_begin -= ready;  // as if the read had failed as a whole
+            m_begin -= ready;  // a single read of all the bytes would have moved none
             return rest;
         }
         rest.moved += ready;
         return rest;
     }
 
-    // How many bytes there are up to the end; all bits set when that cannot be known.
+    // Returns the number of bytes up to the end of the file; all bits set when it is not known.
     std::uint64_t bytes_left() const {
+        const KeptErrors kept;
         const std::int64_t end = m_seekable ? _filelengthi64(m_fd) : -1;
         const std::int64_t position = end < 0 ? -1 : _telli64(m_fd);
         if (position < 0 || position > end) return ~std::uint64_t{0};
@@ -100,17 +115,18 @@ class ReadAhead {
   private:
     unsigned available() const { return m_end - m_begin; }
 
-    // Called with nothing available: what the read returned. Reads a chunk, but never more than is
-    // wanted, so that for a single byte nothing needs to be given back.
+    // Fills the empty chunk and returns the result of the read. It never reads more than `wanted`
+    // bytes, so a single byte needs no seek back.
     int fill(std::uint64_t wanted) {
         const auto size = static_cast<unsigned>(std::min<std::uint64_t>(m_step, wanted));
         const int errno_before = errno;
+        const DWORD last_error_before = GetLastError();
         int count = ksl_read(m_fd, m_chunk, size);
-        // An interruption has nothing to do with the size: it is for the rule of transfer() to
-        // count.
+        // An interruption does not depend on the size; the rule of transfer() counts it.
         if (count < 0 && size > 1 && errno != EINTR) {
             m_step = 1;
             errno = errno_before;
+            SetLastError(last_error_before);
             count = ksl_read(m_fd, m_chunk, 1);
         }
         m_begin = 0;
@@ -120,7 +136,7 @@ class ReadAhead {
 
     const int m_fd;
     const bool m_seekable;
-    unsigned m_step;  // bytes of one read: a chunk, or 1 where only single bytes will do
+    unsigned m_step;  // bytes per read: the chunk's size, or 1
     unsigned m_begin = 0;
     unsigned m_end = 0;
     char m_chunk[128];

@@ -1,4 +1,4 @@
-// Not installed. Moving bytes through a descriptor with the retry rule of XrFile.
+// Not installed. Moves bytes through a descriptor with the retry rule of XrFile.
 #ifndef UTIL_FILES_TRANSFER_H
 #define UTIL_FILES_TRANSFER_H
 
@@ -9,25 +9,34 @@
 
 namespace util {
 
-// What a transfer came to. A short one at the end of the file is done, too.
+// The outcome of a transfer.
 struct Transfer {
-    bool done;
-    int code;             // to be recorded when not done
-    std::uint64_t moved;  // bytes, also when not done
+    bool done;            // every byte was moved, or fewer without an error (end of file)
+    int code;             // the code to record if not done
+    std::uint64_t moved;  // bytes moved, also on failure
     bool at_end = false;  // not done because the last call moved nothing
 };
 
-// Calls move(at, count) until count bytes went or a rule ends it.
+// Calls `move(at, count)` until `count` bytes are moved or a result ends the transfer. The rules
+// for a result apply in this order, so a transfer of 0 bytes always fails:
+//   0                      fails with the last error
+//   all remaining bytes    succeeds
+//   errno 4 (interrupted)  continues behind the bytes moved, at most five times; -1 moved none
+//   any other errno        fails with errno
+//   -1                     fails with the last error
+//   fewer bytes            succeeds
 template <typename Byte, typename Move>
 Transfer transfer(Move move, Byte* at, std::uint64_t count) {
     constexpr int most_continuations = 5;
     std::uint64_t moved = 0;
     for (int continued = 0;; ++continued) {
-        errno = 0;  // a stale value must decide nothing
+        errno = 0;  // a value from an earlier call must not decide
         const int result = move(at + moved, static_cast<unsigned int>(count - moved));
         if (result == 0) return {false, static_cast<int>(GetLastError()), moved, true};
-        if (result > 0) moved += static_cast<unsigned int>(result);
-        if (moved == count) return {true, 0, moved};
+        if (result > 0) {
+            moved += static_cast<unsigned int>(result);
+            if (moved == count) return {true, 0, moved};
+        }
         if (errno == EINTR && continued < most_continuations) continue;
         if (errno != 0) return {false, errno, moved};
         if (result < 0) return {false, static_cast<int>(GetLastError()), moved};

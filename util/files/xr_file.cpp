@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <atomic>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
@@ -17,6 +18,7 @@
 #include "util/files/read_ahead.h"
 #include "util/files/transfer.h"
 #include "util/internal/decimal.h"
+#include "util/internal/kept_errors.h"
 #include "util/internal/kernels/find_byte.h"
 #include "util/portable/ksl_descriptor.h"
 #include "util/portable/utf8_files.h"
@@ -35,7 +37,7 @@ bool has(const char* mode, char letter) {
     return std::strchr(mode, letter) != nullptr;
 }
 
-// The runtime's open flags for a mode that is neither null nor empty; order as documented.
+// Returns the runtime's open flags for a mode that is not null.
 int flags_of(const char* mode) {
     int flags = 0;
     if (has(mode, 'a')) flags |= _O_APPEND | _O_CREAT;
@@ -48,13 +50,46 @@ int flags_of(const char* mode) {
     return flags | (has(mode, 't') ? _O_TEXT : _O_BINARY);
 }
 
-// Only there can bytes be read ahead and given back without anyone noticing.
-bool is_untranslated_disk_file(int fd, int flags) {
-    return (flags & _O_BINARY) &&
-           GetFileType(reinterpret_cast<HANDLE>(_get_osfhandle(fd))) == FILE_TYPE_DISK;
+bool is_disk_file(int fd) {
+    return GetFileType(reinterpret_cast<HANDLE>(_get_osfhandle(fd))) == FILE_TYPE_DISK;
 }
 
-// Decimal digits of value and a zero byte; returns their number with the zero byte.
+// Whether the runtime translates nothing there. It tells a descriptor's mode only by setting
+// another one; the duplicate keeps the descriptor itself as it is.
+bool is_binary(int fd) {
+    const int duplicate = _dup(fd);
+    if (duplicate == -1) return false;
+    const bool result = _setmode(duplicate, _O_BINARY) == _O_BINARY;
+    _close(duplicate);
+    return result;
+}
+
+// The descriptor numbers that two objects have held at once, because one is a copy of the other.
+// Either of them may close the number, and the runtime then gives it to the next file or pipe that
+// anybody opens. What the other object, or any later owner of the number, found out at its open may
+// then be wrong. A number is never unmarked: the other object may also close it while it belongs to
+// a stranger, who will close it once more at any later time.
+constexpr unsigned most_descriptors = 2048;  // the runtime's limit
+std::atomic<bool> held_twice[most_descriptors];
+
+bool was_held_twice(int fd) {
+    const auto number = static_cast<unsigned>(fd);
+    return number >= most_descriptors || held_twice[number].load(std::memory_order_relaxed);
+}
+
+[[gnu::noinline]] bool is_untranslated_disk_file(int fd) {
+    const util::KeptErrors kept;
+    return is_disk_file(fd) && is_binary(fd);
+}
+
+// Whether reading ahead can be undone without anyone noticing: in a disk file without translation.
+// What was true at the open is true now, unless someone else may have closed the number. Asking
+// each time would double the time of reading a line.
+bool may_read_ahead(int fd, bool was_seekable) {
+    return was_seekable && (!was_held_twice(fd) || is_untranslated_disk_file(fd));
+}
+
+// Writes the decimal digits of value and a zero byte; returns how many bytes that is.
 constexpr std::size_t number_size = 16;
 std::uint64_t print(int value, char* text) {
     char* end = std::to_chars(text, text + number_size - 1, value).ptr;
@@ -79,10 +114,23 @@ XrFile::XrFile(const char* name, const char* mode) : XrFile() {
     Open(mode);
 }
 
-XrFile::XrFile(const XrFile& other) = default;
+XrFile::XrFile(const XrFile& other)
+    : m_name(other.m_name),
+      m_fd(other.m_fd),
+      m_error_code(other.m_error_code),
+      m_access_mode(other.m_access_mode),
+      m_error(other.m_error),
+      m_is_open(other.m_is_open),
+      m_binary(other.m_binary),
+      m_seekable(other.m_seekable),
+      m_flags(other.m_flags) {
+    const auto number = static_cast<unsigned>(m_fd);
+    if (number < most_descriptors) held_twice[number].store(true, std::memory_order_relaxed);
+}
 
 XrFile& XrFile::operator=(const XrFile& other) {
     std::string name = other.m_name;
+    const bool seekable = may_read_ahead(other.m_fd, other.m_seekable);
     m_fd = ksl_dup(other.m_fd);
     if (m_fd < 0) {
         fail_and_invalidate(last_error());
@@ -90,7 +138,7 @@ XrFile& XrFile::operator=(const XrFile& other) {
     }
     m_error = other.m_error;
     m_is_open = other.m_is_open;
-    m_seekable = other.m_seekable;
+    m_seekable = seekable;
     m_flags = other.m_flags;
     m_error_code = other.m_error_code;
     m_name.swap(name);
@@ -130,7 +178,7 @@ int XrFile::m_open_file() {
     }
     m_error = false;
     m_is_open = true;
-    m_seekable = is_untranslated_disk_file(m_fd, m_flags);
+    m_seekable = (m_flags & _O_BINARY) && is_disk_file(m_fd);
     return 0;
 }
 
@@ -158,8 +206,8 @@ bool XrFile::fail_and_invalidate(int code) {
     return fail(code);
 }
 
-// What is flattened below is what programs call in a loop. Behind a system call the processor
-// predicts no return rightly, so every frame less between the two is felt.
+// Functions that programs call in a loop are flattened: after a system call the processor predicts
+// no return right, so each frame between the two costs time (see the benchmarks of records).
 [[gnu::flatten]] bool XrFile::Read(char* buf, std::uint64_t count) {
     if (!buf) return fail(own_failure);
     const auto outcome =
@@ -176,8 +224,8 @@ bool XrFile::fail_and_invalidate(int code) {
 
 [[gnu::flatten]] bool XrFile::Readln(char* buf, std::uint64_t size) {
     if (!buf) return fail(own_failure);
-    util::ReadAhead input(m_fd, m_seekable);
-    return input.line(buf, size) || fail(last_error());
+    util::ReadAhead input(m_fd, may_read_ahead(m_fd, m_seekable));
+    return (input.line(buf, size) && input.seek_back()) || fail(last_error());
 }
 
 bool XrFile::Seek(int offset) {
@@ -251,7 +299,7 @@ bool XrFile::write_number(int value) {
     return Write(digits, m_binary ? size : size - 1);
 }
 
-// One transfer for the length record and the text: what reaches the file is the same.
+// Writes the length record and the text in one transfer. The file gets the same bytes.
 bool XrFile::write_text(const char* text, std::uint64_t size) {
     if (!m_binary) return Write(text, size);
     char short_record[256];
@@ -299,7 +347,7 @@ XrFile& XrFile::operator<<(unsigned short value) {
 
 namespace {
 
-// The digits up to a zero byte. A token of any length is read to its end, and costs no memory.
+// Reads digits up to a zero byte. A token of any length is read to its end without memory.
 util::Transfer read_decimal(util::ReadAhead& input, int& value) {
     util::DecimalReader reader;
     for (;;) {
@@ -317,9 +365,13 @@ util::Transfer read_decimal(util::ReadAhead& input, int& value) {
 }  // namespace
 
 bool XrFile::read_number(int& value) {
-    util::ReadAhead input(m_fd, m_seekable);
-    const util::Transfer outcome = read_decimal(input, value);
-    return outcome.done || fail(outcome.code);
+    util::ReadAhead input(m_fd, may_read_ahead(m_fd, m_seekable));
+    int number = 0;
+    const util::Transfer outcome = read_decimal(input, number);
+    if (!outcome.done) return fail(outcome.code);
+    if (!input.seek_back()) return fail(last_error());
+    value = number;
+    return true;
 }
 
 [[gnu::flatten]] XrFile& XrFile::operator>>(int& value) {
@@ -341,10 +393,10 @@ XrFile& XrFile::operator>>(unsigned short& value) {
 
 bool XrFile::read_text(std::string& text) {
     constexpr int text_mode_length = 256;
-    // A damaged file may promise any length; above this, no more is allocated than it can hold.
+    // A damaged file may promise any length. Above this one, at most the bytes left are allocated.
     constexpr int trusted_length = 64 * 1024;
 
-    util::ReadAhead input(m_fd, m_binary && m_seekable);
+    util::ReadAhead input(m_fd, m_binary && may_read_ahead(m_fd, m_seekable));
     int length = text_mode_length;
     if (m_binary) {
         length = 0;
@@ -353,6 +405,7 @@ bool XrFile::read_text(std::string& text) {
     }
     auto room = static_cast<std::uint64_t>(length);
     if (const char* const record = input.at_hand(room)) {
+        if (!input.seek_back()) return fail(last_error());
         text.assign(record, util::kernels::find_byte(record, room, '\0'));
         return true;
     }

@@ -9,27 +9,46 @@
 #include "util/export.h"
 #include "util/text/byte_string.h"
 
-// Names are UTF-8. Every failure is recorded in the object instead of raised: test Error() after a
-// run of operations. The flag is sticky; only a successful open clears it. There is no buffer: when
-// a writing operation returns, the bytes have been handed to the operating system. Each operation
-// therefore costs a system call, many times what a buffered stream takes for a short record.
+// A file with a name (UTF-8) and a descriptor. Operations raise nothing for a failure of the file.
+// They record it in the object: call Error() after a run of operations. The error is sticky; only a
+// successful open clears it. There is no write buffer: when a writing operation returns, the
+// operating system has the bytes. Each operation therefore costs a system call.
 //
-// Two styles of failure are kept apart. Read, Readln, Write, reading a number and Close only set
-// the error. IsEmpty, Eof, Seek, SeekToBegin, a failed open, reading a string's bad length and a
-// failed assignment also clear isValid(). After a failed position or length the descriptor stays
-// with the object: Close() or the destructor gives it back, but Open() on an object that is not
-// valid leaves it behind. This is meant; call Close() first.
+// Failures are recorded in one of two styles:
+// - Read, Readln, Write, number `>>` and Close set the error and leave isValid() unchanged (Close
+//   always clears it).
+// - IsEmpty, Eof, Seek, SeekToBegin, a failed open, a bad length in a text `>>` and a failed
+//   assignment set the error and clear isValid(). The descriptor stays with the object. Close() or
+//   the destructor closes it, but Open() on an object that is not valid leaves it open. By design;
+//   call Close() first.
 //
-// Error codes: of a transfer that moved nothing, and of Readln, Seek and Close, the platform's last
-// error; of any other failed transfer errno; -1 for the object's own failures: a null buffer, an
-// empty name, a bad length record, no memory for a record, a failed seek back in Eof().
+// The recorded code is:
+// - the platform's last error for a transfer that returned 0 (end of the file, a count of 0), and
+//   for Readln, Seek, SeekToBegin, IsEmpty, Eof, Close, assignment and a failed seek back after
+//   reading ahead;
+// - errno for any other failed transfer (9: no open descriptor, or not open for this), or the last
+//   error if errno is 0;
+// - the code that Open() returns for a failed open;
+// - -1 for a null buffer, an empty name, a bad length in a record, no memory for a record, and a
+//   failed seek back in Eof().
 //
-// Positions and sizes are 32 bits: Seek, Tell, Size, IsEmpty and Eof serve files below 2 GB. Larger
-// files can be read and written in sequence. One transfer moves at most 2^31 - 1 bytes.
+// Positions and sizes have 32 bits: Seek, Tell, Size, IsEmpty and Eof are for files below 2 GB.
+// Larger files can be read and written in sequence. One transfer moves at most 2^31 - 1 bytes.
 //
-// Threads: one object, and all objects that share a position because one was assigned or copied
-// from another, belong to one thread at a time. Raises std::bad_alloc when a name or a text cannot
-// be allocated, and what UTF8_open raises when it has no memory.
+// Readln and the `>>` operators read ahead on disk files in binary mode, then seek back, so the
+// position is exact afterwards. If that seek fails, the operation fails: a `>>` target is
+// unchanged, and the position is up to 127 bytes too far. Pipes and files in text mode are read at
+// a system call per byte. Objects whose descriptor number was ever shared by a copy, in this
+// process, ask the platform before each of these operations what the number is now. That takes
+// longer than the operation.
+//
+// Child processes inherit the descriptor if they inherit handles: those of ksl_system, ksl_popen
+// and UTIL_EnumHostsOnANetwork do, those of ksl_system2 do not. By design; call Close() before
+// starting a child that must not read the file.
+//
+// Threads: one object belongs to one thread at a time, and so do all objects that share a position
+// because one was copied or assigned from another. Raises std::bad_alloc if a name or text cannot
+// be allocated, and what UTF8_open raises if it is out of memory.
 //
 //     XrFile file("C:\\agent\\state.rec", "w");
 //     file << 42 << "ab";                 // bytes: '4' '2' 0 '3' 0 'a' 'b' 0
@@ -39,96 +58,101 @@
 //     file >> number >> text;             // 42, "ab"
 class UTIL_API XrFile {
   public:
-    // No name, nothing open, no error, binary mode.
+    // An object without name, descriptor and error, in binary mode.
     XrFile();
 
-    // Opens name at once; ask isValid() or Error() for the outcome. Null is the empty name.
+    // Opens `name` at once. Call isValid() or Error() for the result. A null name is empty.
     XrFile(const char* name, const char* mode);
 
-    // Copies every member: both objects then hold the SAME descriptor number, and both close it.
-    // Assignment duplicates instead. The difference is meant.
+    // Copies every member: both objects then have the SAME descriptor number, and both close it.
+    // After one has closed it, the other one works on whatever file gets the number next. By
+    // design; assignment duplicates the descriptor instead.
     XrFile(const XrFile& other);
 
-    // Takes a duplicate of other's descriptor, with its name, flags, state and error. The target's
-    // former descriptor is not closed, and its text or binary setting stays its own; both are
-    // meant. When the duplicate fails, records the last error and is not valid.
+    // Duplicates the descriptor of `other`; the duplicate shares its position and is inheritable.
+    // Takes the name, flags, state and error of `other`. By design, the target's previous
+    // descriptor stays open, and its text or binary setting does not change. If the duplicate
+    // fails, records the last error and clears isValid().
     XrFile& operator=(const XrFile& other);
 
-    // Closes the descriptor if there is one.
+    // Closes the descriptor, if any.
     virtual ~XrFile();
 
-    // Opens the file, closing a valid one first. Returns 0; the platform's error code when the open
-    // fails (2: no such file), or errno where the platform was not asked; -1 when the name is
-    // empty. When the platform runs out of handles (code 4) the open is tried seven times in all.
+    // Opens the file. Closes the descriptor of a valid object first. Returns 0; -1 if the name is
+    // empty; else the platform's error code (2: no such file), or errno if the platform reported
+    // none. If the platform is out of handles (code 4), it tries up to seven times in all.
     //
-    // mode is searched for letters; order and repetition do not matter:
+    // `mode` is searched for letters. Order and repetition do not matter; other letters do nothing:
     //   r  read only                 w  write, create, truncate       a  write, create, append
     //   +  with any of them: read and write                           t  text mode, else binary
-    // Meant as it is: "rw" is read-only, create and truncate. "" is binary, read-only. Null is read
-    // and write, create, with the runtime's default translation; binary or text records stay as
-    // they were set. A created file may be read and written by its owner.
+    // By design, "rw" is read-only, create and truncate, and "" is binary, read-only. Null is read
+    // and write, create, with the runtime's default translation; the text or binary setting of
+    // records does not change. A created file is readable and writable by its owner.
     int Open(const char* mode);
     int Open(const std::string& name, const char* mode);
 
-    // Closes the descriptor. False, with the error recorded, only when the close itself fails; the
-    // object is closed in every case.
+    // Closes the descriptor, if any. Returns false, with the error recorded, if the close fails.
+    // The object is closed in any case.
     bool Close();
 
-    // Closes and opens again with the same flags: the position returns to the start, and a file
-    // opened with "w" is emptied. This is meant. Returns what the open returns.
+    // Closes and opens again with the same flags. By design, the position returns to the start, and
+    // a file opened with "w" is emptied. Returns what Open() returns.
     int Flush();
 
-    // Moves count bytes. A transfer that is interrupted (errno 4) goes on up to five times. True
-    // when all went, and also when the file ended early: ask Tell() for how far. False at the end
-    // of the file, for a count of 0, a null buffer and every failure. A transfer that succeeds, one
-    // of the operators below included, leaves errno at 0.
+    // Moves `count` bytes. Returns true if all were moved, and also if the file ended early: Tell()
+    // says how far. Returns false at the end of the file, for a count of 0, for a null buffer, and
+    // for every failure. A transfer that is interrupted (errno 4) continues, up to five times.
+    // A successful transfer, also one of an operator below, sets errno to 0.
     bool Read(char* buf, std::uint64_t count);
     bool Write(const char* buf, std::uint64_t count);
 
-    // Reads up to and including the next line feed, at most size bytes. No NUL is written, and a
-    // carriage return stays. False when the file ends first, though the bytes are in buf. A size of
-    // 0 is no limit. The position afterwards is right behind the line.
+    // Reads up to and including the next line feed, at most `size` bytes; a size of 0 is no limit.
+    // Writes no NUL and keeps a carriage return. Returns false if the file ends first, although
+    // the bytes are in `buf`. The position is then right after the bytes read.
     bool Readln(char* buf, std::uint64_t size);
 
-    // Position in bytes from the start. Seek and SeekToBegin return false on failure; Tell returns
-    // -1 and records nothing.
+    // The position in bytes from the start. Seek and SeekToBegin return false on failure. Tell
+    // returns -1 on failure and records nothing.
     bool Seek(int offset);
     bool SeekToBegin();
     long Tell() const;
 
-    // Size in bytes (its low 32 bits) and time of the last change in seconds since 1970 UTC. Both
-    // are 0 without an open file; descriptor 0 counts as none.
+    // The size in bytes (its low 32 bits), and the time of the last change in seconds since 1970
+    // UTC. Both are 0 without an open file. By design, descriptor 0 counts as none. Both record
+    // nothing.
     long Size() const;
     std::int64_t LastModified() const;
 
-    // True when the file has no bytes, and on failure. Leaves the position at the start.
+    // Returns true if the file is empty, and on failure. Moves the position to the start.
     bool IsEmpty();
 
-    // True when the position is at the end, and on failure. Leaves the position where it was.
+    // Returns true if the position is at the end, and on failure. Keeps the position. If it cannot
+    // seek back to it, records -1, clears isValid() and returns false.
     bool Eof();
 
-    // Whether a failure was recorded since the last successful open. The second form also stores
-    // the code last recorded.
+    // Returns whether a failure was recorded since the last successful open. The second form also
+    // stores the code of the last failure.
     bool Error() const;
     bool Error(int& code) const;
 
-    // Whether the file is open: from a successful open to Close() or a failure that clears it.
+    // Returns whether the file is open: from a successful open until Close() or a failure of the
+    // second style.
     bool isValid() const;
 
-    // Whether the file exists. The static form takes the mode of _access: 0 existence, 2 write,
-    // 4 read, 6 both.
+    // Returns whether the file exists. The static form takes the mode of _access: 0 existence,
+    // 2 write, 4 read, 6 both. Both record nothing.
     bool Exists() const;
     static bool Exists(const String& path, int mode);
 
-    // The name after its last slash or backslash: "C:\\dir/sub\\file.txt" gives "file.txt", "dir/"
-    // gives "".
+    // Returns the name after its last slash or backslash: "file.txt" for "C:\\dir/sub\\file.txt",
+    // "" for "dir/".
     std::string getName() const;
 
-    // In binary mode a number is its decimal text and a zero byte; a text is the number length + 1,
-    // then its bytes and a zero byte. In text mode both are the bare characters; an empty text is
-    // then a transfer of nothing, which is recorded as a failure. Null is the empty text. Texts end
-    // at their first NUL, but a std::string is written at its full size. Each operator is one
-    // transfer. A char is written as its number.
+    // Writes a record, in one transfer. In binary mode a number is its decimal digits and a zero
+    // byte. A text is the number length + 1, then its bytes and a zero byte. In text mode both are
+    // the bare characters, so an empty text is a transfer of 0 bytes, which fails. Null is the
+    // empty text. Texts end at their first NUL, but a std::string is written at its full size. A
+    // char is written as its number.
     XrFile& operator<<(int value);
     XrFile& operator<<(long value);
     XrFile& operator<<(unsigned short value);
@@ -136,15 +160,16 @@ class UTIL_API XrFile {
     XrFile& operator<<(const std::string& text);
     XrFile& operator<<(const String& text);
 
-    // A number is read up to a zero byte, in either mode, as atoi reads it; what is no number gives
-    // 0. On failure the target stays as it was.
+    // Reads a number up to a zero byte, in text mode too, and converts it like atoi: 0 for a token
+    // that is no number. On failure the target is unchanged.
     XrFile& operator>>(int& value);
     XrFile& operator>>(long& value);
     XrFile& operator>>(unsigned short& value);
 
-    // A text ends at its first zero byte. In text mode one read of at most 256 bytes is taken. In
-    // binary mode a record cut short gives the bytes that are there; a length that is 0, negative,
-    // no number, or cannot be allocated is failure -1. On failure the target stays as it was.
+    // Reads a text, which ends at its first zero byte. In text mode it is one read of at most 256
+    // bytes. In binary mode a record that is cut short gives the bytes that are there. A length
+    // that is missing, 0, negative, no number, or cannot be allocated is failure -1. On failure the
+    // target is unchanged.
     XrFile& operator>>(std::string& text);
     XrFile& operator>>(String& text);
 
@@ -157,7 +182,7 @@ class UTIL_API XrFile {
     bool read_number(int& value);
     bool read_text(std::string& text);
 
-    // The layout is fixed: programs derive from and embed this class.
+    // The layout is fixed: programs derive from this class and embed it.
     std::string m_name;
     int m_fd;
     int m_error_code;
@@ -165,7 +190,7 @@ class UTIL_API XrFile {
     bool m_error;
     bool m_is_open;
     bool m_binary;
-    bool m_seekable;  // a disk file without translation, where reading ahead can be undone
+    bool m_seekable;  // found at the open: a disk file without translation
     int m_flags;
 };
 
