@@ -6,11 +6,13 @@
 #include <io.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <iterator>
 #include <optional>
 #include <sstream>
+#include <type_traits>
 #include <utility>
 
 #include "fuzz/fuzz.h"
@@ -111,9 +113,9 @@ struct Model : Assigned {
     int reopen() {
         fd = _open(name.c_str(), flags, flags & 0x100 ? 0x180 : 0);
         is_open = fd != -1;
-        error = !is_open;
-        if (error) code = last_error();
-        return error ? code : 0;
+        error = false;
+        if (!is_open) fail(last_error());
+        return is_open ? 0 : code;
     }
     bool Close() {
         const bool closed = fd == -1 || _close(fd) == 0;
@@ -202,7 +204,9 @@ class Side {
         return bytes;
     }
 
-    // Takes a step. Returns what the operation returns and stores.
+    // Takes a step and returns what the operation returns and stores. C constructs, K copies, A
+    // assigns, s seeks, e asks IsEmpty, E asks Eof. I L U T S read a value, i l u t p g write one.
+    // P and O open a pipe and a file in text mode behind the objects' backs, Q closes them.
     std::string perform(char verb, int at, int number) {
         constexpr const char* modes[] = {"r", "r+", "rt", "w", "a+", "w+t", "rw", "t", "", nullptr};
         const char* const mode = modes[number % std::size(modes)];
@@ -276,22 +280,22 @@ void expect_same_state(XrFile& file, const Model& model) {
     require(file.Size() == status.st_size, "Size");
 }
 
-std::string pieces(Parameters& input) {
+std::string initial_bytes(Parameters& input) {
     using namespace std::string_literals;
-    static const std::string all[] = {"42\0"s,
-                                      "-7\0"s,
-                                      "\r\n"s,
-                                      "line\r\n"s,
-                                      "5\0four\0"s,
-                                      "\x1A"s,
-                                      "70000\0cut"s,
-                                      "0\0"s,
-                                      std::string(150, 'z') + "\n",
-                                      "201\0"s + std::string(200, 'y') + '\0',
-                                      "99999999999\0"s};
+    static const std::string pieces[] = {"42\0"s,
+                                         "-7\0"s,
+                                         "\r\n"s,
+                                         "line\r\n"s,
+                                         "5\0four\0"s,
+                                         "\x1A"s,
+                                         "70000\0cut"s,
+                                         "0\0"s,
+                                         std::string(150, 'z') + "\n",
+                                         "201\0"s + std::string(200, 'y') + '\0',
+                                         "99999999999\0"s};
     std::string bytes;
     for (int count = input.byte() % 12; count > 0; --count)
-        bytes += all[input.byte() % std::size(all)];
+        bytes += pieces[input.byte() % std::size(pieces)];
     return bytes;
 }
 
@@ -304,7 +308,7 @@ void xr_file(std::string_view bytes) {
     const util_test::ImportPatch reads("_read", read_bytes), seeks("_lseek", seek),
         seeks_back("_lseeki64", seek_back);
     Parameters input(bytes);
-    const std::string content = pieces(input);
+    const std::string content = initial_bytes(input);
     const int first = _dup(2);
     _close(first);
     refused_seek = 0;

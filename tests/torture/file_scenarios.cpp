@@ -246,6 +246,7 @@ void file_scenarios(const Add& scenario) {
                     run.raised() || (!target.isValid() && target.Error()));
         run.completes(memory, [&] {
             XrFile copy(file);
+            copy.getName();
             state(run, copy, copy.Readln(room, sizeof room), false);
         });
         file.Close();
