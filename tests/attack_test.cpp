@@ -247,10 +247,13 @@ const char* huge_text(const std::string& head) {
     return begin;
 }
 
+int private_reads;
+
 int read_privately(int descriptor, void* buffer, unsigned int size) {
     DWORD flags = HANDLE_FLAG_INHERIT;
     GetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(descriptor)), &flags);
     EXPECT_EQ(flags & HANDLE_FLAG_INHERIT, 0u) << "child processes can read the file";
+    ++private_reads;
     return _read(descriptor, buffer, size);
 }
 
@@ -298,6 +301,7 @@ void add_attacks() {
         const World world;
         const ImportPatch patch("_read", read_privately);
         EXPECT_EQ(UTIL_copy("f", "n", 0), 0);
+        EXPECT_GT(private_reads, 0);
     });
     attack("a link below the directory of UTIL_cleanupDir", [] {
         const World world;
