@@ -79,7 +79,7 @@ class CreationRecord {
     }
 
   private:
-    // Two to three seconds for all records together; a pause may last 16 ms.
+    // About three seconds for all records together; a pause may last 16 ms.
     static constexpr int most_pauses = 200;
     static constexpr DWORD pause_ms = 10;
 

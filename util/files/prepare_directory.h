@@ -43,7 +43,7 @@ UTIL_EXTERN_C_BEGIN
 // Several processes may prepare the same tree at the same time, also with the same tracking file.
 // Each created directory gets one record, from the process that created it. Processes append in
 // turns, and a turn is a lock on one byte far after all records. Any process that may open the file
-// can lock it, so the wait is limited to 2 to 3 seconds in a call, for all records together. Then
+// can lock it, so the wait is limited to about 3 seconds in a call, for all records together. Then
 // records are written without a turn. On Windows they still never mix; where the platform or the
 // server does not append atomically, two records without a turn may overwrite each other.
 //

@@ -56,10 +56,10 @@ class UTIL_API XrDirectory {
     // ADDS the entries found now to those kept, so that each is listed twice. Call destroy() first
     // for a fresh listing.
     //
-    // Mode and size of an entry are those of UTF8_stat for its full path. They are 0 if that fails:
-    // for a file that has just been removed, or for a name on another system's disk that no path
-    // can have (a control character, a quote, one of * : < > ? | and backslash, half a surrogate
-    // pair).
+    // Mode and size of an entry are those of UTF8_stat for its full path, as of the moment when the
+    // search found it. They are 0 if that status fails, for instance for a name on another system's
+    // disk that no path can have (a control character, a quote, one of * : < > ? | and backslash,
+    // half a surrogate pair).
     //
     // If the directory cannot be read, prints "Failed to open directory: ", the path and a line end
     // to standard output, and returns the entries kept so far. A drive's root without any entry

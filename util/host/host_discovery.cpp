@@ -41,9 +41,13 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 File open_file(const String& path, int flags, const char* mode) {
     const int descriptor = _wopen(util::wide_path(path).c_str(), flags | _O_BINARY | _O_NOINHERIT,
                                   _S_IREAD | _S_IWRITE);
+    if (descriptor < 0 && errno == ENOMEM) throw std::bad_alloc();
     if (descriptor < 0) return nullptr;
     File file(_fdopen(descriptor, mode));
-    if (!file) _close(descriptor);
+    if (!file) {
+        _close(descriptor);
+        throw std::bad_alloc();  // nothing else can fail here
+    }
     return file;
 }
 

@@ -29,6 +29,8 @@ UTIL_EXTERN_C_BEGIN
 // - with a quote, a NUL or another control character in the path;
 // - with "%NAME%" in the path if NAME is a variable of the environment or of the command processor
 //   (CD, DATE, ...), which would replace it by its value.
+// Where the registry enables delayed expansion, the command processor replaces "!NAME!" as well. Do
+// not use such a directory there.
 //
 // Returns 0 if hosts were found; `message` is then unchanged. Also returns 0 if none were found,
 // for whatever reason (no tool, no directory, a directory that cannot be used, no answer).

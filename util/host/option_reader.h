@@ -34,6 +34,8 @@ UTIL_EXTERN_C_END
 
 #ifdef __cplusplus
 // The same for an `argument` of type char*. A template, so that a null pointer means the function.
+// Because of it, the address of UTIL_getopt needs the type:
+//     int (*get)(int, const char* const*, const char*, int*, const char**) = &UTIL_getopt;
 template <typename Char, std::enable_if_t<std::is_same_v<Char, char>, int> = 0>
 int UTIL_getopt(int count, const char* const* args, const char* letters, int* index,
                 Char** argument) {

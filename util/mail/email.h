@@ -77,8 +77,7 @@ class UTIL_API email {
     // Appends `text`, up to its first NUL, to a field. Does nothing if the field already contains
     // it anywhere: updateTo("b@x.test") does nothing after updateTo("bob@x.test;eb@x.test"). An
     // empty field becomes `text`. Otherwise a separator comes first: ";" (from, to), a blank
-    // (subject) or
-    // "\r\n" (body).
+    // (subject) or "\r\n" (body).
     void updateFrom(String const& text);
     void updateTo(String const& text);
     void updateSubject(String const& text);
@@ -115,7 +114,7 @@ class UTIL_API email {
     // By design, an empty `to` returns 0 with the text "Invalid To: list specified; To: list= ". By
     // design, the result is the last recipient's; an earlier recipient's failure is forgotten. A
     // message that did not reach the pickup directory stays in the directory for temporary files,
-    // as "tsrN.tmp".
+    // as "tsrN.tmp". So does an empty file of that name when out of memory.
     int send_mail(String const& from, String const& to, String const& subject, String const& body);
 
   private:

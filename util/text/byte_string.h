@@ -84,9 +84,8 @@ class UTIL_API String : public extstl::ExtString {
     // when there are no digits. Beyond 32 bits the value wraps.
     int to_int() const;
 
-    // By design, these compare the FIRST byte only: String("abc") == 'a' is 1. By design, both ==
-    // and
-    // != return 0 for the empty string.
+    // By design, these compare the FIRST byte only: String("abc") == 'a' is 1. By design, both
+    // return 0 for the empty string.
     int operator==(char c) const;
     int operator!=(char c) const;
 
@@ -331,7 +330,7 @@ namespace std {
 
 // Strings as keys of the unordered containers, hashed by the standard library over every stored
 // byte, as comparison sees them. Not String::hash(), for which anybody can choose keys that
-// collide.
+// collide. The standard library's hash has a fixed seed: it stops the cheap attack, not every one.
 template <>
 struct hash<String> {
     size_t operator()(const String& s) const noexcept { return hash<string_view>()(s.view()); }

@@ -54,7 +54,8 @@ void ExtString::lower() {
 
 std::uint64_t ExtString::find(const std::string& what, std::uint64_t pos, int ignore_case) const {
     if (!ignore_case) return util::find_text(m_text, what, pos);
-    if (what.empty()) return pos <= size() ? pos : npos;
+    if (pos > size() || what.size() > size() - pos) return npos;
+    if (what.empty()) return pos;
     ExtString wanted(what);
     wanted.upper();
     std::uint64_t found = npos;

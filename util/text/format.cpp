@@ -52,11 +52,13 @@ class CLocale {
     CLocale(const CLocale&) = delete;
     CLocale& operator=(const CLocale&) = delete;
 
-    // Null when there is no memory for it; the next call tries again.
+    // Leaves errno unchanged. Raises std::bad_alloc; the next call tries again.
     _locale_t get() {
         _locale_t locale = m_locale;
         if (locale) return locale;
+        const util::KeptErrors kept;
         const _locale_t created = _create_locale(LC_ALL, "C");
+        if (!created) throw std::bad_alloc();  // without it the host's locale would decide
         if (m_locale.compare_exchange_strong(locale, created)) return created;
         free(created);  // another thread was first
         return locale;
