@@ -14,6 +14,7 @@
 #include "support/loopback.h"
 #include "support/matches.h"
 #include "support/private_registry.h"
+#include "support/process.h"
 #include "support/scratch_directory.h"
 #include "util/internal/windows.h"
 #include "util/util.h"
@@ -98,24 +99,19 @@ class AgentTest : public testing::Test {
     Result run(const std::string& program, const Words& words, DWORD flags = 0,
                HANDLE terminal = nullptr) {
         const std::string name = std::to_string(++m_runs);
-        std::wstring line = L"\"" + to_wide(program) + L"\"";
+        util_test::Start start = {"\"" + program + "\"", true};
         for (const std::string& word : words)
-            line += L" \"" + to_wide(word) + L"\"";
+            start.command += " \"" + word + "\"";
+        start.flags = flags;
+        start.directory = folder;
         const HANDLE out = open_inherited(work / name + ".out", GENERIC_WRITE, CREATE_ALWAYS);
         const HANDLE err = open_inherited(work / name + ".err", GENERIC_WRITE, CREATE_ALWAYS);
-        STARTUPINFOW start = {};
-        start.cb = sizeof start;
-        start.dwFlags = STARTF_USESTDHANDLES;
-        start.hStdOutput = terminal ? terminal : out;
-        start.hStdError = err;
-        PROCESS_INFORMATION child = {};
-        Result result = {~0ul, "", ""};
-        EXPECT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, flags, nullptr,
-                                   to_wide(folder).c_str(), &start, &child));
-        WaitForSingleObject(child.hProcess, INFINITE);
-        GetExitCodeProcess(child.hProcess, &result.status);
-        for (const HANDLE handle : {child.hThread, child.hProcess, out, err})
-            CloseHandle(handle);
+        start.startup.dwFlags = STARTF_USESTDHANDLES;
+        start.startup.hStdOutput = terminal ? terminal : out;
+        start.startup.hStdError = err;
+        Result result = {util_test::run(start), "", ""};
+        CloseHandle(out);
+        CloseHandle(err);
         result.out = work.read(name + ".out");
         result.err = work.read(name + ".err");
         return result;

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "support/matches.h"
-#include "support/program_output.h"
+#include "support/process.h"
 #include "support/scratch_directory.h"
 #include "util/internal/service.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "support/import_patch.h"
-#include "support/program_output.h"
+#include "support/process.h"
 
 using util_test::ImportPatch;
 

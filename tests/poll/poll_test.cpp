@@ -4,12 +4,12 @@
 
 #include <cerrno>
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "support/import_patch.h"
 #include "support/loopback.h"
+#include "support/process.h"
 
 using util_test::Connection;
 using util_test::ImportPatch;
@@ -225,24 +225,12 @@ TEST(PollTest, SetBlockingMode_RegisteredSocket_ReadsWait) {
 bool in_console_child() {
     constexpr char mark[] = "UTIL_POLL_TEST_HAS_CONSOLE";
     if (GetEnvironmentVariableA(mark, nullptr, 0) != 0) return true;
-    char program[MAX_PATH];
-    GetModuleFileNameA(nullptr, program, sizeof program);
-    std::string command = '"' + std::string(program) +
-                          "\" --gtest_filter=*.Console --gtest_output=xml:poll_console.xml";
-    STARTUPINFOA startup = {};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION child;
+    util_test::Start start = {'"' + util_test::built_file("poll_test.exe") +
+                              "\" --gtest_filter=*.Console --gtest_output=xml:poll_console.xml"};
+    start.flags = CREATE_NO_WINDOW;
     SetEnvironmentVariableA(mark, "1");
-    const BOOL started = CreateProcessA(nullptr, &command[0], nullptr, nullptr, FALSE,
-                                        CREATE_NO_WINDOW, nullptr, nullptr, &startup, &child);
+    const DWORD code = util_test::run(start);
     SetEnvironmentVariableA(mark, nullptr);
-    if (!started) throw std::runtime_error("cannot start a child with a console");
-    DWORD code = 1;
-    if (WaitForSingleObject(child.hProcess, 30000) != WAIT_OBJECT_0)
-        TerminateProcess(child.hProcess, code);
-    GetExitCodeProcess(child.hProcess, &code);
-    CloseHandle(child.hThread);
-    CloseHandle(child.hProcess);
     EXPECT_EQ(code, 0u) << "see the child's report, poll_console.xml";
     return false;
 }

@@ -2,10 +2,9 @@
 #ifndef UTIL_TESTS_SUPPORT_SECOND_PROCESS_H
 #define UTIL_TESTS_SUPPORT_SECOND_PROCESS_H
 
-#include <stdexcept>
 #include <string>
 
-#include "support/built_file.h"
+#include "support/process.h"
 #include "util/internal/scoped_handle.h"
 #include "util/internal/windows.h"
 
@@ -40,28 +39,13 @@ class Signal {
 // lock) and waits for go. Killed with the object if it still runs.
 class SecondProcess {
   public:
-    SecondProcess(const std::string& verb, const std::string& arguments, const Signal& go) {
-        std::string line = built_file("files_child.exe") + " " + verb + " " + ready.name() + " " +
-                           go.name() + " " + arguments;
-        STARTUPINFOA startup = {};
-        startup.cb = sizeof startup;
-        PROCESS_INFORMATION started;
-        if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                            &startup, &started)) {
-            throw std::runtime_error("cannot start " + line);
-        }
-        CloseHandle(started.hThread);
-        m_process.reset(started.hProcess);
-    }
+    SecondProcess(const std::string& verb, const std::string& arguments, const Signal& go)
+        : m_process(started({built_file("files_child.exe") + " " + verb + " " + ready.name() + " " +
+                             go.name() + " " + arguments})) {}
     ~SecondProcess() { kill(); }
 
     // Its exit code, or 259 when it does not end.
-    DWORD wait() {
-        DWORD code = STILL_ACTIVE;
-        WaitForSingleObject(m_process.get(), soon_in_ms);
-        GetExitCodeProcess(m_process.get(), &code);
-        return code;
-    }
+    DWORD wait() { return exit_code(m_process.get(), soon_in_ms); }
     void kill() {
         TerminateProcess(m_process.get(), 99);
         wait();
