@@ -9,6 +9,7 @@
 // is entered with the gate in r11 and everything else as the caller has left it.
 extern "C" void torture_gate();
 asm(R"(
+    .text  # whatever section the compiler is in
     .globl torture_gate
     .seh_proc torture_gate
 torture_gate:
