@@ -1,37 +1,55 @@
+# shellcheck shell=bash disable=SC2154
 # What `./dev demo` shows: the sample agent at work in scratch folders. Sourced by dev, whose names it
-# uses: $root and $build, say, die and windows_path.
+# uses: $root, $build, $wine, say, die and run.
 
-# The sample agent; without Wine's remark on every drive whose device it may not read.
-agent() {
-    { wine "$build/windows/bin/agent.exe" "$@" 2>&1 1>&3 9>&- |
-        sed '/^wine: Read access denied/d' >&2; } 3>&1 &
-    wait $!  # in the background, so that a signal ends the script at once
+# The sample agent, without Wine's remark on every drive whose device it may not read.
+agent() { "$wine" run "$build/windows/bin/agent.exe" "$@" | sed -u '/^wine: Read access denied/d'; }
+path() { "$wine" path "$1"; }
+
+demo() {
+    local folder=$build/demo skip=()
+    [ "$1" != "$root" ] || skip=(--skip build --skip .git)
+    rm -rf "$folder"
+    mkdir -p "$folder"
+    say "agent inventory ${skip[*]:+${skip[*]} }$1"
+    run agent inventory "${skip[@]}" "$(path "$1")" "$(path "$build/inventory.rec")" ||
+        die "the inventory of '$1' is not complete, as said above"
+    demo_compare "$folder/tree" "$folder/old.rec" "$folder/new.rec"
+    say "agent report"
+    run agent report
+    demo_watch "$folder/watch.log"
+    demo_prepare "$folder/mount/replica" "$folder/made.rec"
+    demo_notify "$folder/pickup"
+    cat <<'EOF'
+
+Every step of the demo ended as it should. To try next:
+  ./dev test                                             run every test (some minutes)
+  ./dev wine build/windows/bin/agent.exe help            see what else the agent does
+  ./dev package                                          make the zip that programs are built with
+EOF
 }
 
-# Two inventories of a scratch folder with some changes in between.
+# demo_compare TREE OLD NEW: two inventories of a tree with some changes in between.
 demo_compare() {
-    local tree=$1/tree old=$1/old.rec new=$1/new.rec
-    rm -rf "$1"
-    mkdir -p "$tree"
-    printf 'stays as it is' >"$tree/same.txt"
-    printf 'short' >"$tree/grows.txt"
-    printf 'here today' >"$tree/goes.txt"
-    agent inventory "$(windows_path "$tree")" "$(windows_path "$old")" >/dev/null
-    printf 'no longer short' >"$tree/grows.txt"
-    printf 'new here' >"$tree/größe.txt"
-    rm "$tree/goes.txt"
-    agent inventory "$(windows_path "$tree")" "$(windows_path "$new")" >/dev/null
-    say "agent compare ${old#"$root"/} ${new#"$root"/}"
-    agent compare "$(windows_path "$old")" "$(windows_path "$new")" || [ $? -eq 1 ]
+    mkdir "$1"
+    printf 'stays as it is' >"$1/same.txt"
+    printf 'short' >"$1/grows.txt"
+    printf 'here today' >"$1/goes.txt"
+    run agent inventory "$(path "$1")" "$(path "$2")" >/dev/null
+    printf 'no longer short' >"$1/grows.txt"
+    printf 'new here' >"$1/größe.txt"
+    rm "$1/goes.txt"
+    run agent inventory "$(path "$1")" "$(path "$3")" >/dev/null
+    say "agent compare ${2#"$root/"} ${3#"$root/"}"
+    run agent compare "$(path "$2")" "$(path "$3")" || [ $? -eq 1 ]  # 1: there are differences
 }
 
 # demo_watch LOG: the status server and one client, which stops it in the end.
 demo_watch() {
     say "agent watch 0"
-    : >"$1"
-    agent watch 0 >"$1" &
+    agent watch 0 >"$1" </dev/null 9>&- &
     local server=$! port='' line answer
-    until port=$(sed -n 's/^listening .* port //p' "$1") && [ -n "$port" ]; do
+    until port=$(sed -n 's/^listening .* port //p' "$1" | tr -d '\r') && [ -n "$port" ]; do
         kill -0 "$server" 2>/dev/null || die "the status server did not start"
         sleep 0.1
     done
@@ -47,21 +65,22 @@ demo_watch() {
     tail -n 1 "$1"
 }
 
-# demo_prepare FOLDER: a mount tree that comes and goes.
+# demo_prepare TREE RECORD: a mount tree that comes and goes.
 demo_prepare() {
-    local tree=$1/mount/replica record=$1/made.rec
-    say "agent prepare ${tree#"$root"/} ${record#"$root"/}"
-    agent prepare "$(windows_path "$tree")" "$(windows_path "$record")"
-    say "agent cleanup --dry-run ${record#"$root"/}"
-    agent cleanup --dry-run "$(windows_path "$record")"
-    say "agent cleanup ${record#"$root"/}"
-    agent cleanup "$(windows_path "$record")"
+    say "agent prepare ${1#"$root/"} ${2#"$root/"}"
+    run agent prepare "$(path "$1")" "$(path "$2")"
+    say "agent cleanup --dry-run ${2#"$root/"}"
+    run agent cleanup --dry-run "$(path "$2")"
+    say "agent cleanup ${2#"$root/"}"
+    run agent cleanup "$(path "$2")"
 }
 
-# demo_notify FOLDER: a message for nobody to take, so the answer is that the service is missing.
+# demo_notify FOLDER: a message into a folder that no mail server watches. The agent then ends with 2.
 demo_notify() {
-    mkdir -p "$1"
-    say "agent notify ${1#"$root"/} ..."
-    agent notify "$(windows_path "$1")" agent@example.test admin@example.test 'disk full' \
-        'Volume D: has no room left.' || [ $? -eq 2 ]
+    mkdir "$1"
+    say "agent notify ${1#"$root/"} ..."
+    run agent notify "$(path "$1")" agent@example.test admin@example.test 'disk full' \
+        'Volume D: has no room left.' || [ $? -eq 2 ] || die "the message was not dropped"
+    say "The message is complete and in the folder. send() returned -1 because no mail server runs here"
+    say "that would pick it up."
 }

@@ -1,0 +1,56 @@
+# The package, made and then used as a stranger would. Each test is one call of `check`. The label
+# "thorough" marks what only `./dev package` runs.
+set(package_folder ${PROJECT_BINARY_DIR}/package)
+set(package_check ${CMAKE_CURRENT_LIST_DIR}/check ${package_folder})
+
+# package_test(NAME LABELS CALL...), and the same for a case that runs a program under Wine.
+function(package_test name labels)
+    add_test(NAME package.${name} COMMAND ${package_check} ${ARGN})
+    set_tests_properties(package.${name} PROPERTIES
+        LABELS "package;${labels}" FIXTURES_REQUIRED package TIMEOUT 300)
+endfunction()
+function(package_run_test name)
+    package_test(${name} "" ${ARGN})
+    set_tests_properties(package.${name} PROPERTIES
+        FIXTURES_REQUIRED "package;wine" RESOURCE_LOCK windows)
+endfunction()
+
+add_test(NAME package.make COMMAND ${package_check} makes ${PROJECT_BINARY_DIR})
+set_tests_properties(package.make PROPERTIES LABELS package FIXTURES_SETUP package TIMEOUT 300)
+
+package_test(is-complete "" is_complete)
+package_test(renders-all-pages "" renders_all_pages)
+package_test(links-lead-somewhere "" links_lead_somewhere)
+package_test(names-no-folder-of-its-maker "" names_no_folder_of_its_maker)
+package_test(installs-what-util.h-reaches "" installs_what_util_h_reaches)
+package_test(util.def-lists-exported-names "" exports_the_plain_functions)
+package_test(versions-agree "" versions_agree)
+
+# util.h in every way. Each header on its own in one way; in the others only when all is asked for.
+foreach(compiler clang gcc)
+    foreach(standard c++17 c++20)
+        foreach(before nothing windows.h)
+            set(way ${compiler}.${standard}.after-${before})
+            package_test(util.h.${way} "" compiles util/util.h ${compiler} ${standard} ${before})
+            set(labels thorough)
+            if(way STREQUAL "clang.c++17.after-nothing")
+                set(labels "")
+            endif()
+            package_test(each-header.${way} "${labels}" compiles_each ${compiler} ${standard} ${before})
+        endforeach()
+    endforeach()
+endforeach()
+
+foreach(toolchain mingw-w64 mingw-w64-clang)
+    foreach(find_by cmake pkg-config)
+        package_run_test(consumer.${toolchain}.${find_by} builds ${toolchain} ${find_by})
+    endforeach()
+endforeach()
+package_test(refuses-another-version "" refuses_another_version 99)
+package_test(refuses-the-next-minor-version-before-1.0 "" refuses_another_version 0.99)
+package_test(refuses-another-runtime "" refuses_another_runtime)
+package_run_test(works-in-c.gcc works_in_c gcc)
+package_run_test(works-in-c.clang works_in_c clang)
+package_run_test(links-as-another-compiler links_as_another_compiler)
+package_run_test(runs-the-agent runs_the_agent)
+package_run_test(is-shown-by-debuggers debugs)
