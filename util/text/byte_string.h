@@ -333,6 +333,7 @@ namespace std {
 // collide. The standard library's hash has a fixed seed: it stops the cheap attack, not every one.
 template <>
 struct hash<String> {
+    // Equal strings have equal hashes.
     size_t operator()(const String& s) const noexcept { return hash<string_view>()(s.view()); }
 };
 
