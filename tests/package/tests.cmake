@@ -7,7 +7,7 @@ set(package_check ${CMAKE_CURRENT_LIST_DIR}/check ${package_folder})
 function(package_test name labels)
     add_test(NAME package.${name} COMMAND ${package_check} ${ARGN})
     set_tests_properties(package.${name} PROPERTIES
-        LABELS "package;${labels}" FIXTURES_REQUIRED package TIMEOUT 300)
+        LABELS "package;${labels}" FIXTURES_REQUIRED package TIMEOUT 900)
 endfunction()
 function(package_run_test name)
     package_test(${name} "" ${ARGN})
