@@ -181,8 +181,8 @@ bool cannot_fail(const std::string& name) {
         "strstr "
         "wcscmp wcslen wcsrchr _wcsicmp",
         // locks and events: a failure would be a mistake in using them
-        "AcquireSRWLockExclusive DeleteCriticalSection EnterCriticalSection "
-        "InitializeCriticalSection LeaveCriticalSection ReleaseSRWLockExclusive",
+        ("AcquireSRWLockExclusive DeleteCriticalSection EnterCriticalSection "
+         "InitializeCriticalSection LeaveCriticalSection ReleaseSRWLockExclusive"),
         "SetEvent _lock _unlock",
         // printing: nobody is told when a diagnostic cannot be printed
         "fputc fwrite perror printf vfprintf",
