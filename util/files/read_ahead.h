@@ -32,7 +32,10 @@ class ReadAhead {
   public:
     ReadAhead(int fd, bool seekable)
         : m_fd(fd), m_seekable(seekable), m_step(seekable ? sizeof m_chunk : 1) {}
-    ~ReadAhead() { seek_back(); }
+    ~ReadAhead() {
+        const KeptErrors kept;
+        seek_back();
+    }
     ReadAhead(const ReadAhead&) = delete;
     ReadAhead& operator=(const ReadAhead&) = delete;
 

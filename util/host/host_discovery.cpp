@@ -44,11 +44,11 @@ File open_file(const String& path, int flags, const char* mode) {
     if (descriptor < 0 && errno == ENOMEM) throw std::bad_alloc();
     if (descriptor < 0) return nullptr;
     File file(_fdopen(descriptor, mode));
-    if (!file) {
-        _close(descriptor);
-        throw std::bad_alloc();  // nothing else can fail here
-    }
-    return file;
+    if (file) return file;
+    const bool out_of_memory = errno == ENOMEM;
+    _close(descriptor);
+    if (out_of_memory) throw std::bad_alloc();
+    return nullptr;
 }
 
 bool write_file(const String& path, const String& text) {

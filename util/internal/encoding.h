@@ -50,7 +50,7 @@ class TextBuffer {
 
     // 259 UTF-16 units, their NUL, and one that a conversion may ask for besides. A unit takes
     // three bytes of UTF-8 at most.
-    static constexpr std::size_t usual_size = (sizeof(Unit) == 1 ? 3 : 1) * 261;
+    static constexpr std::size_t usual_size = (sizeof(Unit) == 1 ? 3 : 1) * std::size_t{261};
     Unit m_usual[usual_size + 1] = {};
     std::unique_ptr<Unit[]> m_long;
     Unit* m_text = m_usual;

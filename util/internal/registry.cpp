@@ -13,12 +13,12 @@ bool to_utf8(const ScopedKey& key, const char* name, const char* ansi, DWORD siz
              std::string& out) {
     WideText wide_name;
     WideText twin;
-    wchar_t* const room = twin.make_room(size);  // a unit takes a byte at least
+    wchar_t* const room = twin.make_room(size + 1);  // a unit takes a byte at least
     if (!room || utf8_to_wide(name, wide_name) != Conversion::done) throw std::bad_alloc();
-    DWORD room_size = size * sizeof *room;
-    RegQueryValueExW(key.get(), wide_name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(room),
-                     &room_size);
-    return ansi_to_utf8(ansi, room, out);
+    DWORD room_size = (size + 1) * sizeof *room;  // a stored text may have an odd last byte
+    const LSTATUS result = RegQueryValueExW(key.get(), wide_name.c_str(), nullptr, nullptr,
+                                            reinterpret_cast<BYTE*>(room), &room_size);
+    return ansi_to_utf8(ansi, result == ERROR_SUCCESS ? room : L"", out);
 }
 
 }  // namespace

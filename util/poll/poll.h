@@ -54,11 +54,13 @@ class UTIL_API Poll {
 
         // Source `fd` is ready. `events` is always 0.
         //
-        // Read until a read would block, returns 0 or fails. Data that is left unread may not cause
-        // another call. A callback that reads once per call may never learn of the end in two
-        // cases:
+        // Read until a read would block, returns 0 or fails. Data that is left unread may or may
+        // not cause another call. A callback that reads once per call may never learn of the end in
+        // two cases:
         // - The peer sends data and then resets the connection.
         // - This end called shutdown(SD_SEND), and the peer answers with data and a close.
+        // Any callback may miss an end or an empty datagram that arrives at the very moment in
+        // which an event without data is reset. Close a connection that is idle for too long.
         //
         // After the end, call remove() and close the socket. Otherwise some platforms report the
         // end again and again, and run() never times out. The same goes for an empty datagram that
@@ -84,8 +86,9 @@ class UTIL_API Poll {
     // slots are taken.
     //
     // A source that cannot be waited for is registered but never served. Examples are a socket
-    // whose event could not be created, and standard input that is closed. Standard input that is
-    // not a console (a file or a pipe) is always ready, so run() never times out.
+    // whose event could not be created, and standard input that is closed, as long as its number
+    // is not in use again. Standard input that is not a console (a file or a pipe) is always ready,
+    // so run() never times out.
     void append(int fd, Callback* callback);
 
     // Unregisters source `fd`. A socket stays open and non-blocking. If `fd` is not registered,

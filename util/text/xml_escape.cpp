@@ -34,12 +34,12 @@ constexpr Entity entities[] = {{'&', "&amp;"},  {'<', "&lt;"},    {'>', "&gt;"},
 constexpr unsigned size_shift = 56;
 constexpr auto written_bytes = [] {
     std::array<std::uint64_t, 256> words = {};
-    for (std::size_t byte = 0; byte < words.size(); ++byte)
-        words[byte] = byte | std::uint64_t{1} << size_shift;
+    for (std::size_t i = 0; i != words.size(); ++i)
+        words[i] = (std::uint64_t{1} << size_shift) + i;
     for (const Entity& entity : entities) {
         if (entity.character != '\t')
             words[static_cast<unsigned char>(entity.character)] =
-                entity.word | std::uint64_t{entity.size} << size_shift;
+                (std::uint64_t{entity.size} << size_shift) + entity.word;
     }
     return words;
 }();
