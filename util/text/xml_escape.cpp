@@ -55,7 +55,7 @@ constexpr std::size_t slot(std::uint64_t word) {
 }
 constexpr auto entity_slots = [] {
     std::array<std::size_t, 16> slots = {};
-    for (std::size_t i = 0; i < std::size(entities); ++i)
+    for (std::size_t i = 0; i != std::size(entities); ++i)
         slots[slot(entities[i].word)] = i;
     return slots;
 }();
