@@ -31,7 +31,7 @@ String repeated(const std::string& piece, std::size_t n) {
     return text;
 }
 
-// Matches all of the text but for its last byte, wherever it is compared.
+// At every place of the text, all its bytes match except the last one.
 String nearly(std::size_t n) {
     return String(n / 2, 'a') + 'b';
 }
