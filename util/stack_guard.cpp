@@ -6,7 +6,7 @@
 // takes 4 ms under Wine. Its checked functions (__memcpy_chk and others) are used.
 #include <cstdint>
 
-#include "util/internal/windows.h"
+#include "internal/windows.h"  // found beside it: programs do not see private headers
 // after the platform's header
 #include <ntsecapi.h>
 

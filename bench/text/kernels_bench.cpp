@@ -42,45 +42,45 @@ void kernels_at(std::size_t size) {
     };
     row(
         "find_byte", [=] { return sse2::find_byte(from, size, '!'); },
-        [=] { return plain::find_byte(from, size, '!'); });
+        [=] { return scalar::find_byte(from, size, '!'); });
     row(
         "find_byte_or_nul", [=] { return sse2::find_byte_or_nul(from, '!'); },
-        [=] { return plain::find_byte_or_nul(from, '!'); });
+        [=] { return scalar::find_byte_or_nul(from, '!'); });
     row(
         "copy_text", [=] { return sse2::copy_text(from, to, size + 64); },
-        [=] { return plain::copy_text(from, to, size + 64); });
+        [=] { return scalar::copy_text(from, to, size + 64); });
     row(
         "change_case", [=] { return sse2::change_case(to, size, 'a'), *to; },
-        [=] { return plain::change_case(to, size, 'a'), *to; });
+        [=] { return scalar::change_case(to, size, 'a'), *to; });
     row(
         "equal_folded", [=] { return sse2::equal_folded(from, other, size); },
-        [=] { return plain::equal_folded(from, other, size); });
+        [=] { return scalar::equal_folded(from, other, size); });
     row(
         "encode_run", [=] { return sse2::encode_run(from, size, to); },
-        [=] { return plain::encode_run(from, size, to); });
+        [=] { return scalar::encode_run(from, size, to); });
     row(
         "decode_run", [=] { return sse2::decode_run(from, size, to); },
-        [=] { return plain::decode_run(from, size, to); });
+        [=] { return scalar::decode_run(from, size, to); });
     row(
         "hash_words", [=] { return sse2::hash_words(1, from, size / 4); },
-        [=] { return plain::hash_words(1, from, size / 4); });
+        [=] { return scalar::hash_words(1, from, size / 4); });
     const auto any_bits = [=](const auto& set) {
         std::uint64_t all = 0;
-        set.for_each_line(std::string_view(from, size), [&](std::uint64_t bits) { all |= bits; });
+        set.for_each_chunk(std::string_view(from, size), [&](std::uint64_t bits) { all |= bits; });
         return all;
     };
     row(
         "Members of 5", [=, set = sse2::Members("&<>\"'")] { return any_bits(set); },
-        [=, set = plain::Members("&<>\"'")] { return any_bits(set); });
+        [=, set = scalar::Members("&<>\"'")] { return any_bits(set); });
     const auto pair_bits = [=](const auto& pair) {
         std::uint64_t all = 0;
-        for (std::size_t at = 0; at < size - 4; at += line_size)
-            all |= pair.bits(from + at, std::min(line_size, size - 4 - at));
+        for (std::size_t at = 0; at < size - 4; at += chunk_size)
+            all |= pair.bits(from + at, std::min(chunk_size, size - 4 - at));
         return all;
     };
     row(
         "BytePair", [=] { return pair_bits(sse2::BytePair('s', 'e', 4)); },
-        [=] { return pair_bits(plain::BytePair('s', 'e', 4)); });
+        [=] { return pair_bits(scalar::BytePair('s', 'e', 4)); });
 }
 
 const bench::Section section("5 Kernels", [] {
@@ -90,7 +90,7 @@ const bench::Section section("5 Kernels", [] {
     std::uint64_t number = 0x123456789ABCDEF0;
     compare(
         "hex_digits", 16, [&] { return keep(number), sse2::hex_digits(number, digits), *digits; },
-        [&] { return keep(number), plain::hex_digits(number, digits), *digits; });
+        [&] { return keep(number), scalar::hex_digits(number, digits), *digits; });
 });
 
 }  // namespace

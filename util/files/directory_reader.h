@@ -1,4 +1,4 @@
-// Not installed. The names of one directory, one at a time.
+// The names of one directory, one at a time.
 #ifndef UTIL_FILES_DIRECTORY_READER_H
 #define UTIL_FILES_DIRECTORY_READER_H
 

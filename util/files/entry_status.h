@@ -1,4 +1,4 @@
-// Not installed. Mode and size of what a directory lists.
+// Mode and size of what a directory lists.
 #ifndef UTIL_FILES_ENTRY_STATUS_H
 #define UTIL_FILES_ENTRY_STATUS_H
 

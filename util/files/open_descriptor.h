@@ -1,4 +1,4 @@
-// Not installed. Opens a descriptor with the retry rule of XrFile.
+// Opens a descriptor with the retry rule of XrFile.
 #ifndef UTIL_FILES_OPEN_DESCRIPTOR_H
 #define UTIL_FILES_OPEN_DESCRIPTOR_H
 

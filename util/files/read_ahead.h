@@ -1,4 +1,4 @@
-// Not installed. Reads byte by byte without a system call per byte.
+// Reads byte by byte without a system call per byte.
 #ifndef UTIL_FILES_READ_AHEAD_H
 #define UTIL_FILES_READ_AHEAD_H
 

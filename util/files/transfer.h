@@ -1,4 +1,4 @@
-// Not installed. Moves bytes through a descriptor with the retry rule of XrFile.
+// Moves bytes through a descriptor with the retry rule of XrFile.
 #ifndef UTIL_FILES_TRANSFER_H
 #define UTIL_FILES_TRANSFER_H
 

@@ -1,4 +1,4 @@
-// Not installed. One line of nslookup's answer to "ls -t A DOMAIN".
+// One line of nslookup's answer to "ls -t A DOMAIN".
 #ifndef UTIL_HOST_HOST_LINE_H
 #define UTIL_HOST_HOST_LINE_H
 

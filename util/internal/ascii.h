@@ -1,4 +1,4 @@
-// Not installed. The runtime's character classes and case mapping in the "C" locale, spelled out so
+// The runtime's character classes and case mapping in the "C" locale, spelled out so
 // that no setlocale() of the host program can change an answer. Bytes from 0x80 up are in no class.
 #ifndef UTIL_INTERNAL_ASCII_H
 #define UTIL_INTERNAL_ASCII_H

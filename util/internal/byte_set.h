@@ -1,4 +1,4 @@
-// Not installed. A set of byte values, for scanning text for any of them.
+// A set of byte values, for scanning text for any of them.
 #ifndef UTIL_INTERNAL_BYTE_SET_H
 #define UTIL_INTERNAL_BYTE_SET_H
 

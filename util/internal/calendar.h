@@ -1,4 +1,4 @@
-// Not installed. The runtime's local-time conversions under one spelling. The native build answers
+// The runtime's local-time conversions under one spelling. The native build answers
 // as the Windows runtime does but for the last hours of the year 3000, so that tests hold on both.
 #ifndef UTIL_INTERNAL_CALENDAR_H
 #define UTIL_INTERNAL_CALENDAR_H

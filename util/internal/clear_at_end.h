@@ -1,4 +1,4 @@
-// Not installed. Clears passwords before their memory is given back.
+// Clears passwords before their memory is given back.
 #ifndef UTIL_INTERNAL_CLEAR_AT_END_H
 #define UTIL_INTERNAL_CLEAR_AT_END_H
 

@@ -1,4 +1,4 @@
-// Not installed. Decimal text to number as the runtime's atoi reads it, in the "C" locale whatever
+// Decimal text to number as the runtime's atoi reads it, in the "C" locale whatever
 // the host program has set.
 #ifndef UTIL_INTERNAL_DECIMAL_H
 #define UTIL_INTERNAL_DECIMAL_H

@@ -1,4 +1,4 @@
-// Not installed. The only place where text changes encoding.
+// The only place where text changes encoding.
 //
 // Narrow texts are UTF-8 everywhere in the library. Wide calls of the platform take UTF-16. ANSI
 // calls take and return bytes of a code page, so their texts are converted right at the call.

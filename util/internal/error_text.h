@@ -1,4 +1,4 @@
-// Not installed. The platform's own words for its error codes.
+// The platform's own words for its error codes.
 #ifndef UTIL_INTERNAL_ERROR_TEXT_H
 #define UTIL_INTERNAL_ERROR_TEXT_H
 

@@ -1,4 +1,4 @@
-// Not installed. Work that no caller can notice.
+// Work that no caller can notice.
 #ifndef UTIL_INTERNAL_KEPT_ERRORS_H
 #define UTIL_INTERNAL_KEPT_ERRORS_H
 

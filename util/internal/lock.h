@@ -1,4 +1,4 @@
-// Not installed. A lock for state that the whole process shares.
+// A lock for state that the whole process shares.
 #ifndef UTIL_INTERNAL_LOCK_H
 #define UTIL_INTERNAL_LOCK_H
 

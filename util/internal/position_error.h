@@ -1,4 +1,4 @@
-// Not installed. The one error that text operations raise for a position beyond the end.
+// The one error that text operations raise for a position beyond the end.
 #ifndef UTIL_INTERNAL_POSITION_ERROR_H
 #define UTIL_INTERNAL_POSITION_ERROR_H
 

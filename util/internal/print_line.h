@@ -1,4 +1,4 @@
-// Not installed. Diagnostics on standard output.
+// Diagnostics on standard output.
 #ifndef UTIL_INTERNAL_PRINT_LINE_H
 #define UTIL_INTERNAL_PRINT_LINE_H
 

@@ -1,4 +1,4 @@
-// Not installed. Reads single texts of the machine's registry. The rules that all readers share are
+// Reads single texts of the machine's registry. The rules that all readers share are
 // here once; what differs between them is a parameter.
 //
 // Names and texts are UTF-8; the calls are the platform's ANSI ones. A name that the ANSI page

@@ -1,4 +1,4 @@
-// Not installed. One owner for anything that the platform opens and wants closed.
+// One owner for anything that the platform opens and wants closed.
 #ifndef UTIL_INTERNAL_SCOPED_HANDLE_H
 #define UTIL_INTERNAL_SCOPED_HANDLE_H
 

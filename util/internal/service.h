@@ -1,4 +1,4 @@
-// Not installed. Opens services of the service manager.
+// Opens services of the service manager.
 #ifndef UTIL_INTERNAL_SERVICE_H
 #define UTIL_INTERNAL_SERVICE_H
 

@@ -1,4 +1,4 @@
-// Not installed. The only place that includes the platform's headers, so that their macros are the
+// The only place that includes the platform's headers, so that their macros are the
 // same everywhere: wide and narrow calls are always named with their suffix, min and max stay the
 // standard library's.
 #ifndef UTIL_INTERNAL_WINDOWS_H

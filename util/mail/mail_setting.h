@@ -1,4 +1,4 @@
-// Not installed. What the registry says about the mail service.
+// What the registry says about the mail service.
 #ifndef UTIL_MAIL_MAIL_SETTING_H
 #define UTIL_MAIL_MAIL_SETTING_H
 

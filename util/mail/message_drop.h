@@ -1,4 +1,4 @@
-// Not installed. The files of a message: where it is written, and where it is dropped.
+// The files of a message: where it is written, and where it is dropped.
 #ifndef UTIL_MAIL_MESSAGE_DROP_H
 #define UTIL_MAIL_MESSAGE_DROP_H
 

@@ -1,4 +1,4 @@
-// Not installed. What a message file holds.
+// What a message file holds.
 #ifndef UTIL_MAIL_MESSAGE_TEXT_H
 #define UTIL_MAIL_MESSAGE_TEXT_H
 

@@ -1,4 +1,4 @@
-// Not installed. Where the local mail service looks for messages.
+// Where the local mail service looks for messages.
 #ifndef UTIL_MAIL_PICKUP_DIRECTORY_H
 #define UTIL_MAIL_PICKUP_DIRECTORY_H
 

@@ -1,4 +1,4 @@
-// Not installed. The process's environment in UTF-8.
+// The process's environment in UTF-8.
 #ifndef UTIL_PORTABLE_ENVIRONMENT_H
 #define UTIL_PORTABLE_ENVIRONMENT_H
 

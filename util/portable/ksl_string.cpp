@@ -175,11 +175,11 @@ int ksl_match_token_str(const char* token_str, const char* token, const char* de
     // itself, so comparing never leaves that word, and all words together cost one pass.
     const util::kernels::BytePair ends(token[0], token[length - 1], length - 1);
     const std::size_t places = size - (length - 1);
-    for (std::size_t line = 0; line < places; line += util::line_size) {
-        const std::size_t count = std::min(util::line_size, places - line);
-        std::uint64_t bits = ends.bits(token_str + line, count);
+    for (std::size_t chunk = 0; chunk < places; chunk += util::chunk_size) {
+        const std::size_t count = std::min(util::chunk_size, places - chunk);
+        std::uint64_t bits = ends.bits(token_str + chunk, count);
         for (; bits != 0; bits &= bits - 1) {
-            const char* const at = token_str + line + util::lowest_bit(bits);
+            const char* const at = token_str + chunk + util::lowest_bit(bits);
             const bool stands_alone =
                 (at == token_str || is_separator(at[-1])) && is_separator(at[length]);
             if (stands_alone && std::memcmp(at, token, length) == 0) return 1;

@@ -1,4 +1,4 @@
-// Not installed. What both status calls share.
+// What both status calls share.
 #ifndef UTIL_PORTABLE_STAT_PATH_H
 #define UTIL_PORTABLE_STAT_PATH_H
 

@@ -1,4 +1,4 @@
-// Not installed. Searches a text for a byte, and for another text in linear time.
+// Searches a text for a byte, and for another text in linear time.
 #ifndef UTIL_TEXT_FIND_TEXT_H
 #define UTIL_TEXT_FIND_TEXT_H
 

@@ -1,4 +1,4 @@
-// Not installed. Up to eight bytes of text at once.
+// Up to eight bytes of text at once.
 #ifndef UTIL_TEXT_FIRST_WORD_H
 #define UTIL_TEXT_FIRST_WORD_H
 

@@ -1,4 +1,4 @@
-// Not installed. All places where a text occurs in another, in linear time for any texts.
+// All places where a text occurs in another, in linear time for any texts.
 #ifndef UTIL_TEXT_OCCURRENCES_H
 #define UTIL_TEXT_OCCURRENCES_H
 
@@ -80,11 +80,11 @@ void each_occurrence(std::string_view text, std::string_view what, std::size_t p
     const kernels::BytePair ends(what.front(), what.back(), what.size() - 1);
     const std::size_t places = text.size() - (what.size() - 1);
     std::size_t next = pos;  // where an occurrence may begin
-    for (std::size_t line = pos; line < places; line += line_size) {
-        const std::size_t size = std::min(line_size, places - line);
-        std::uint64_t bits = ends.bits(text.data() + line, size);
+    for (std::size_t chunk = pos; chunk < places; chunk += chunk_size) {
+        const std::size_t size = std::min(chunk_size, places - chunk);
+        std::uint64_t bits = ends.bits(text.data() + chunk, size);
         for (; bits != 0; bits &= bits - 1) {
-            const std::size_t at = line + lowest_bit(bits);
+            const std::size_t at = chunk + lowest_bit(bits);
             if (at < next) continue;
             if (needle.begins(text.substr(at))) {
                 if (!take(at)) return;

@@ -1,4 +1,4 @@
-// Not installed. The printf directives that most formats are made of, without the runtime.
+// The printf directives that most formats are made of, without the runtime.
 #ifndef UTIL_TEXT_PLAIN_FORMAT_H
 #define UTIL_TEXT_PLAIN_FORMAT_H
 

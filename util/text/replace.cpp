@@ -28,8 +28,8 @@ std::string all_replaced_in_long(std::string_view text, std::string_view what,
 
 // A short text is gone through byte by byte, with a result that fits the call's own space.
 std::string all_replaced(std::string_view text, std::string_view what, std::string_view with) {
-    char space[4 * util::line_size];
-    if (text.size() > util::line_size || with.size() > util::line_size)
+    char space[4 * util::chunk_size];
+    if (text.size() > util::chunk_size || with.size() > util::chunk_size)
         return all_replaced_in_long(text, what, with);
     char* end = space;
     for (std::size_t i = 0; i < text.size();) {

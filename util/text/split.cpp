@@ -11,13 +11,13 @@ namespace {
 std::size_t count_filled(const util::Places& separators, std::size_t size) {
     std::size_t filled = 0;
     std::uint64_t after_separator = 1;
-    for (std::size_t i = 0; i < separators.lines(); ++i) {
-        const std::uint64_t bits = separators.line(i);
+    for (std::size_t i = 0; i < separators.chunks(); ++i) {
+        const std::uint64_t bits = separators.chunk(i);
         std::uint64_t starts = ~bits & (bits << 1 | after_separator);
         // NOLINTNEXTLINE: each line has been written
-        after_separator = bits >> (util::line_size - 1);
-        const std::size_t rest = size - i * util::line_size;
-        if (rest < util::line_size) starts &= (std::uint64_t{1} << rest) - 1;
+        after_separator = bits >> (util::chunk_size - 1);
+        const std::size_t rest = size - i * util::chunk_size;
+        if (rest < util::chunk_size) starts &= (std::uint64_t{1} << rest) - 1;
         filled += util::bit_count(starts);
     }
     return filled;

@@ -1,4 +1,4 @@
-// Not installed. Building a text out of many short pieces.
+// Building a text out of many short pieces.
 #ifndef UTIL_TEXT_TEXT_WRITER_H
 #define UTIL_TEXT_TEXT_WRITER_H
 

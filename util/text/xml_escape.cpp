@@ -85,7 +85,7 @@ std::string_view visible_inside(std::string_view text) {
 
 // A text of one line at most is changed byte by byte, into a space of the call's own. Both return
 // the end of what they have written, behind which a word may be written as well.
-constexpr std::size_t short_space = 6 * util::line_size + sizeof(std::uint64_t);
+constexpr std::size_t short_space = 6 * util::chunk_size + sizeof(std::uint64_t);
 
 char* put_escaped(std::string_view text, char* to) {
     for (const char c : text) {
@@ -123,7 +123,7 @@ String changed_short(std::string_view text, char* put_changed(std::string_view t
 }  // namespace
 
 String String::replaceXML() {
-    if (size() <= util::line_size) {
+    if (size() <= util::chunk_size) {
         String result = changed_short(m_text, put_escaped);
         m_text = result.m_text;
         return result;
@@ -162,7 +162,7 @@ String String::placeXML() {
         m_text.clear();
         util::require_position(npos, size());
     }
-    if (size() <= util::line_size) {
+    if (size() <= util::chunk_size) {
         String result = changed_short(m_text, put_decoded);
         m_text = result.m_text;
         return result;

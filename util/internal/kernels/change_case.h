@@ -1,4 +1,4 @@
-// Not installed. Moving ASCII letters to the other case.
+// Moving ASCII letters to the other case.
 #ifndef UTIL_INTERNAL_KERNELS_CHANGE_CASE_H
 #define UTIL_INTERNAL_KERNELS_CHANGE_CASE_H
 
@@ -7,7 +7,7 @@
 #include "util/internal/kernels/kernels.h"
 
 namespace util {
-namespace plain {
+namespace scalar {
 
 // The 26 letters from first ('a' or 'A') on change case, in place; all other bytes stay.
 inline void change_case(char* text, std::size_t size, char first) {
@@ -16,7 +16,7 @@ inline void change_case(char* text, std::size_t size, char first) {
     }
 }
 
-}  // namespace plain
+}  // namespace scalar
 
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
@@ -45,7 +45,7 @@ inline void change_case(char* text, std::size_t size, char first) {
         _mm_storel_epi64(half(text), changed_first);
         _mm_storel_epi64(half(last), changed_last);
     } else {
-        plain::change_case(text, size, first);
+        scalar::change_case(text, size, first);
     }
 }
 

@@ -1,4 +1,4 @@
-// Not installed. The bytes that stand for themselves, or nearly so, in the code of
+// The bytes that stand for themselves, or nearly so, in the code of
 // ksl_unicode2CodedChar: 0 is written 1, and only 1 and 2 take two bytes.
 #ifndef UTIL_INTERNAL_KERNELS_CODED_BYTES_H
 #define UTIL_INTERNAL_KERNELS_CODED_BYTES_H
@@ -6,7 +6,7 @@
 #include "util/internal/kernels/kernels.h"
 
 namespace util {
-namespace plain {
+namespace scalar {
 
 // Encodes up to the first 1 or 2, and decodes up to the first 2 (of text without a 0); both return
 // the number of bytes, which are written to `to`.
@@ -23,7 +23,7 @@ inline std::size_t decode_run(const char* from, std::size_t size, char* to) {
     return i;
 }
 
-}  // namespace plain
+}  // namespace scalar
 
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
@@ -37,7 +37,7 @@ inline std::size_t encode_run(const char* from, std::size_t size, char* to) {
         if (block_bits(_mm_or_si128(one, two)) != 0) break;
         store(to + i, _mm_max_epu8(bytes, all(1)));
     }
-    return i + plain::encode_run(from + i, size - i, to + i);
+    return i + scalar::encode_run(from + i, size - i, to + i);
 }
 
 inline std::size_t decode_run(const char* from, std::size_t size, char* to) {
@@ -47,7 +47,7 @@ inline std::size_t decode_run(const char* from, std::size_t size, char* to) {
         if (block_bits(_mm_cmpeq_epi8(bytes, all(2))) != 0) break;
         store(to + i, _mm_andnot_si128(_mm_cmpeq_epi8(bytes, all(1)), bytes));
     }
-    return i + plain::decode_run(from + i, size - i, to + i);
+    return i + scalar::decode_run(from + i, size - i, to + i);
 }
 
 }  // namespace sse2

@@ -1,4 +1,4 @@
-// Not installed. Comparing texts without regard to the case of ASCII letters.
+// Comparing texts without regard to the case of ASCII letters.
 #ifndef UTIL_INTERNAL_KERNELS_COMPARE_FOLDED_H
 #define UTIL_INTERNAL_KERNELS_COMPARE_FOLDED_H
 
@@ -6,7 +6,7 @@
 #include "util/internal/kernels/kernels.h"
 
 namespace util {
-namespace plain {
+namespace scalar {
 
 // The number of bytes before the first place where a and b differ by more than a letter's case;
 // size when there is none.
@@ -17,7 +17,7 @@ inline std::size_t equal_folded(const char* a, const char* b, std::size_t size) 
     return i;
 }
 
-}  // namespace plain
+}  // namespace scalar
 
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
@@ -45,7 +45,7 @@ inline std::size_t equal_folded(const char* a, const char* b, std::size_t size) 
     for (; i + block_size <= size; i += block_size) {
         if (const unsigned bits = differing(block_at(i))) return i + lowest_bit(bits);
     }
-    return i + plain::equal_folded(a + i, b + i, size - i);
+    return i + scalar::equal_folded(a + i, b + i, size - i);
 }
 
 }  // namespace sse2

@@ -1,4 +1,4 @@
-// Not installed. Finding a byte: the runtime's own search goes byte by byte on Windows.
+// Finding a byte: the runtime's own search goes byte by byte on Windows.
 #ifndef UTIL_INTERNAL_KERNELS_FIND_BYTE_H
 #define UTIL_INTERNAL_KERNELS_FIND_BYTE_H
 
@@ -7,7 +7,7 @@
 #include "util/internal/kernels/kernels.h"
 
 namespace util {
-namespace plain {
+namespace scalar {
 
 // The number of bytes before the first c; size when there is none.
 inline std::size_t find_byte(const char* text, std::size_t size, char c) {
@@ -34,7 +34,7 @@ inline std::size_t copy_text(const char* text, char* to, std::size_t space) {
     return text[i] == '\0' ? i : space + 1;
 }
 
-}  // namespace plain
+}  // namespace scalar
 
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
@@ -43,12 +43,12 @@ namespace sse2 {
 // is left over after whole blocks is covered by the last block of the text: it overlaps bytes that
 // were seen not to be c, which changes nothing.
 inline std::size_t find_byte(const char* text, std::size_t size, char c) {
-    if (size < block_size) return plain::find_byte(text, size, c);
+    if (size < block_size) return scalar::find_byte(text, size, c);
     const Block wanted = all(c);
     std::size_t i = 0;
-    for (; i + line_size <= size; i += line_size) {
+    for (; i + chunk_size <= size; i += chunk_size) {
         const std::uint64_t bits =
-            line_bits(text + i, [&](const char* at) { return _mm_cmpeq_epi8(load(at), wanted); });
+            chunk_bits(text + i, [&](const char* at) { return _mm_cmpeq_epi8(load(at), wanted); });
         if (bits != 0) return i + lowest_bit(bits);
     }
     for (; i + block_size <= size; i += block_size) {
@@ -73,7 +73,7 @@ UTIL_READS_WHOLE_BLOCKS inline Block ending(const char* aligned, Block c) {
     return _mm_or_si128(_mm_cmpeq_epi8(block, c), _mm_cmpeq_epi8(block, _mm_setzero_si128()));
 }
 
-// Blocks at multiples of 16, and lines at multiples of 64, never reach into a page that the text
+// Blocks at multiples of 16, and chunks at multiples of 64, never reach into a page that the text
 // does not, so reading beyond its NUL, or before its start, is harmless; such bytes are shifted
 // out, or lie behind the byte found. Only the sanitizers' notion of bounds has to be told.
 UTIL_READS_WHOLE_BLOCKS inline std::size_t find_byte_or_nul(const char* text, char c) {
@@ -83,12 +83,12 @@ UTIL_READS_WHOLE_BLOCKS inline std::size_t find_byte_or_nul(const char* text, ch
     const unsigned in_first = block_bits(ending(at, wanted)) >> (address % block_size);
     if (in_first != 0) return lowest_bit(in_first);
     at += block_size;
-    for (; reinterpret_cast<std::uintptr_t>(at) % line_size != 0; at += block_size) {
+    for (; reinterpret_cast<std::uintptr_t>(at) % chunk_size != 0; at += block_size) {
         const unsigned bits = block_bits(ending(at, wanted));
         if (bits != 0) return static_cast<std::size_t>(at - text) + lowest_bit(bits);
     }
-    for (;; at += line_size) {
-        const auto bits = line_bits(at, [&](const char* p) { return ending(p, wanted); });
+    for (;; at += chunk_size) {
+        const auto bits = chunk_bits(at, [&](const char* p) { return ending(p, wanted); });
         if (bits != 0) return static_cast<std::size_t>(at - text) + lowest_bit(bits);
     }
 }
@@ -105,20 +105,20 @@ UTIL_READS_WHOLE_BLOCKS inline std::size_t copy_text(const char* text, char* to,
     const Block nuls = _mm_setzero_si128();
     const auto address = reinterpret_cast<std::uintptr_t>(text);
     if (address % page_size > page_size - block_size || space < block_size)
-        return plain::copy_text(text, to, space);
+        return scalar::copy_text(text, to, space);
     const auto nul_bits = [&](std::size_t at) UTIL_READS_WHOLE_BLOCKS {
         const Block block = load_near(text + at);
         store(to + at, block);
         return equal_bits(block, nuls);
     };
     if (const unsigned bits = nul_bits(0)) return lowest_bit(bits);
-    // Then blocks up to a multiple of 64, of which the first may overlap the one before it, lines
+    // Then blocks up to a multiple of 64, of which the first may overlap the one before it, chunks
     // of 64 as far as they hold no NUL, and blocks again.
     std::size_t i = block_size - address % block_size;
-    for (; (address + i) % line_size != 0 && i + block_size <= space; i += block_size) {
+    for (; (address + i) % chunk_size != 0 && i + block_size <= space; i += block_size) {
         if (const unsigned bits = nul_bits(i)) return i + lowest_bit(bits);
     }
-    for (; i + line_size <= space; i += line_size) {
+    for (; i + chunk_size <= space; i += chunk_size) {
         const Block b0 = load_near(text + i);
         const Block b1 = load_near(text + i + block_size);
         const Block b2 = load_near(text + i + 2 * block_size);
@@ -133,7 +133,7 @@ UTIL_READS_WHOLE_BLOCKS inline std::size_t copy_text(const char* text, char* to,
     for (; i + block_size <= space; i += block_size) {
         if (const unsigned bits = nul_bits(i)) return i + lowest_bit(bits);
     }
-    return i + plain::copy_text(text + i, to + i, space - i);
+    return i + scalar::copy_text(text + i, to + i, space - i);
 }
 
 }  // namespace sse2

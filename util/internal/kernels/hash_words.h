@@ -1,4 +1,4 @@
-// Not installed. The hash of String over whole groups of four bytes.
+// The hash of String over whole groups of four bytes.
 #ifndef UTIL_INTERNAL_KERNELS_HASH_WORDS_H
 #define UTIL_INTERNAL_KERNELS_HASH_WORDS_H
 
@@ -10,7 +10,7 @@ constexpr std::uint32_t rotate_left_5(std::uint32_t h) {
     return (h << 5) | (h >> 27);
 }
 
-namespace plain {
+namespace scalar {
 
 // h after "rotate left by 5, then xor" with each of the little-endian words in turn.
 inline std::uint32_t hash_words(std::uint32_t h, const char* bytes, std::size_t words) {
@@ -22,7 +22,7 @@ inline std::uint32_t hash_words(std::uint32_t h, const char* bytes, std::size_t 
     return h;
 }
 
-}  // namespace plain
+}  // namespace scalar
 
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
@@ -37,7 +37,7 @@ inline Block rotate_left_20(Block words) {
 // at a time are rotated by 20 and xored with the next four; the last four take the plain way.
 inline std::uint32_t hash_words(std::uint32_t h, const char* bytes, std::size_t words) {
     constexpr std::size_t run = 32;
-    if (words < run) return plain::hash_words(h, bytes, words);
+    if (words < run) return scalar::hash_words(h, bytes, words);
     Block w0 = load(bytes);
     Block w1 = load(bytes + 16);
     Block w2 = load(bytes + 32);
@@ -61,8 +61,8 @@ inline std::uint32_t hash_words(std::uint32_t h, const char* bytes, std::size_t 
     append(w1), append(w2), append(w3), append(w4), append(w5), append(w6), append(w7);
     char last[block_size];
     store(last, four);
-    h ^= plain::hash_words(0, last, 4);
-    return plain::hash_words(h, bytes, words);
+    h ^= scalar::hash_words(0, last, 4);
+    return scalar::hash_words(h, bytes, words);
 }
 
 }  // namespace sse2

@@ -1,11 +1,11 @@
-// Not installed. A number in hexadecimal digits.
+// A number in hexadecimal digits.
 #ifndef UTIL_INTERNAL_KERNELS_HEX_DIGITS_H
 #define UTIL_INTERNAL_KERNELS_HEX_DIGITS_H
 
 #include "util/internal/kernels/kernels.h"
 
 namespace util {
-namespace plain {
+namespace scalar {
 
 // All 16 digits of v, in lower case.
 inline void hex_digits(std::uint64_t v, char* to) {
@@ -13,7 +13,7 @@ inline void hex_digits(std::uint64_t v, char* to) {
         to[i] = "0123456789abcdef"[v & 0xF];
 }
 
-}  // namespace plain
+}  // namespace scalar
 
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {

@@ -1,30 +1,31 @@
-// Not installed. The few loops over bytes that are worth writing for the processor: which form of
+// The few loops over bytes that are worth writing for the processor: which form of
 // them the library is built with. Each header of this folder holds one kind of loop twice, in
-// plain C++ (namespace plain) and with SSE2 (namespace sse2), which every x86-64 processor has. The
-// two give the same results for all arguments; callers name neither and write kernels::find_byte.
+// plain C++ (namespace scalar) and with SSE2 (namespace sse2), which every x86-64 processor has.
+// The two give the same results for all arguments; callers name neither and write
+// kernels::find_byte.
 #ifndef UTIL_INTERNAL_KERNELS_KERNELS_H
 #define UTIL_INTERNAL_KERNELS_KERNELS_H
 
 #include <cstddef>
 #include <cstdint>
 
-// UTIL_PORTABLE_KERNELS is the one switch: it leaves out the SSE2 kernels. With it, too, the
+// UTIL_SCALAR_KERNELS is the one switch: it leaves out the SSE2 kernels. With it, too, the
 // library needs GCC or Clang, whose built-in functions it calls, and a little-endian processor.
-#if !defined(UTIL_PORTABLE_KERNELS) && defined(__x86_64__)
+#if !defined(UTIL_SCALAR_KERNELS) && defined(__x86_64__)
 #define UTIL_SSE2_KERNELS
 #include <emmintrin.h>
 #endif
 
 namespace util {
 
-constexpr std::size_t line_size = 64;  // as many bytes as a number has bits
+constexpr std::size_t chunk_size = 64;  // as many bytes as a number has bits
 
-namespace plain {}
+namespace scalar {}
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {}
 namespace kernels = sse2;
 #else
-namespace kernels = plain;
+namespace kernels = scalar;
 #endif
 
 #ifdef UTIL_SSE2_KERNELS
@@ -32,7 +33,7 @@ namespace sse2 {
 
 using Block = __m128i;  // 16 bytes
 constexpr std::size_t block_size = sizeof(Block);
-static_assert(line_size == 4 * block_size);
+static_assert(chunk_size == 4 * block_size);
 
 inline Block load(const void* from) {
     return _mm_loadu_si128(static_cast<const Block*>(from));
@@ -52,7 +53,7 @@ inline unsigned equal_bits(Block a, Block b) {
 }
 // As block_bits, for the four blocks that compare makes of as many addresses. Mostly none is set.
 template <typename Compare>
-[[gnu::always_inline]] inline std::uint64_t line_bits(const char* from, Compare compare) {
+[[gnu::always_inline]] inline std::uint64_t chunk_bits(const char* from, Compare compare) {
     const Block b0 = compare(from);
     const Block b1 = compare(from + block_size);
     const Block b2 = compare(from + 2 * block_size);

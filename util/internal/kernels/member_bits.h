@@ -1,4 +1,4 @@
-// Not installed. Finding any byte of a set, as bits.
+// Finding any byte of a set, as bits.
 #ifndef UTIL_INTERNAL_KERNELS_MEMBER_BITS_H
 #define UTIL_INTERNAL_KERNELS_MEMBER_BITS_H
 
@@ -10,19 +10,19 @@
 
 namespace util {
 
-namespace plain {
+namespace scalar {
 
 class Members {
   public:
     explicit Members(std::string_view members) : m_set(members) {}
 
-    // Calls take(bits) for each line of 64 bytes of the text, of which the last may have fewer. Bit
-    // i is set when byte i of the line is a member; the others are not.
+    // Calls take(bits) for each chunk of 64 bytes of the text, of which the last may have fewer.
+    // Bit i is set when byte i of the chunk is a member; the others are not.
     template <typename Take>
-    void for_each_line(std::string_view text, Take take) const {
-        for (std::size_t begin = 0; begin < text.size(); begin += line_size) {
+    void for_each_chunk(std::string_view text, Take take) const {
+        for (std::size_t begin = 0; begin < text.size(); begin += chunk_size) {
             std::uint64_t bits = 0;
-            for (std::size_t i = begin; i < std::min(text.size(), begin + line_size); ++i)
+            for (std::size_t i = begin; i < std::min(text.size(), begin + chunk_size); ++i)
                 bits |= std::uint64_t{m_set.has(text[i])} << (i - begin);
             take(bits);
         }
@@ -32,23 +32,23 @@ class Members {
     ByteSet m_set;
 };
 
-}  // namespace plain
+}  // namespace scalar
 
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
 
-// All bytes are compared with each member. That pays for a few members; the table of the plain form
-// serves for many. Setting a bit of the result twice changes nothing: unused comparisons repeat the
-// first one, and the last block may overlap the one before it.
+// All bytes are compared with each member. That pays for a few members; the table of the scalar
+// form serves for many. Setting a bit of the result twice changes nothing: unused comparisons
+// repeat the first one, and the last block may overlap the one before it.
 class Members {
   public:
-    explicit Members(std::string_view members) : m_members(members), m_plain(members) {}
+    explicit Members(std::string_view members) : m_members(members), m_scalar(members) {}
 
     template <typename Take>
-    void for_each_line(std::string_view text, Take take) const {
-        if (m_members.empty() || m_members.size() > few) return m_plain.for_each_line(text, take);
-        if (m_members.size() == 1) return for_each_line(text, take, Comparison<1>(m_members));
-        for_each_line(text, take, Comparison<few>(m_members));
+    void for_each_chunk(std::string_view text, Take take) const {
+        if (m_members.empty() || m_members.size() > few) return m_scalar.for_each_chunk(text, take);
+        if (m_members.size() == 1) return for_each_chunk(text, take, Comparison<1>(m_members));
+        for_each_chunk(text, take, Comparison<few>(m_members));
     }
 
   private:
@@ -76,10 +76,10 @@ class Members {
     };
 
     template <typename Take, typename Compare>
-    void for_each_line(std::string_view text, Take take, const Compare& compare) const {
-        for (; text.size() >= line_size; text.remove_prefix(line_size))
-            take(line_bits(text.data(), compare));
-        if (text.size() < block_size) return m_plain.for_each_line(text, take);
+    void for_each_chunk(std::string_view text, Take take, const Compare& compare) const {
+        for (; text.size() >= chunk_size; text.remove_prefix(chunk_size))
+            take(chunk_bits(text.data(), compare));
+        if (text.size() < block_size) return m_scalar.for_each_chunk(text, take);
         const std::size_t last = text.size() - block_size;
         std::uint64_t bits = std::uint64_t{block_bits(compare(text.data() + last))} << last;
         for (std::size_t i = 0; i < last; i += block_size)
@@ -88,7 +88,7 @@ class Members {
     }
 
     std::string_view m_members;  // which outlive the object
-    plain::Members m_plain;
+    scalar::Members m_scalar;
 };
 
 }  // namespace sse2

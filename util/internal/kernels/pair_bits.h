@@ -1,11 +1,11 @@
-// Not installed. Finding two bytes that stand at a distance, as bits.
+// Finding two bytes that stand at a distance, as bits.
 #ifndef UTIL_INTERNAL_KERNELS_PAIR_BITS_H
 #define UTIL_INTERNAL_KERNELS_PAIR_BITS_H
 
 #include "util/internal/kernels/kernels.h"
 
 namespace util {
-namespace plain {
+namespace scalar {
 
 // Two bytes, of which the second stands at a distance behind the first.
 class BytePair {
@@ -14,7 +14,7 @@ class BytePair {
         : m_first(first), m_second(second), m_distance(distance) {}
 
     // Bit i is set when the first byte stands at text[i] and the second at its distance from there;
-    // the others are not. At most line_size places are looked at.
+    // the others are not. At most chunk_size places are looked at.
     std::uint64_t bits(const char* text, std::size_t places) const {
         std::uint64_t bits = 0;
         for (std::size_t i = 0; i < places; ++i) {
@@ -29,7 +29,7 @@ class BytePair {
     std::size_t m_distance;
 };
 
-}  // namespace plain
+}  // namespace scalar
 
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
@@ -42,15 +42,15 @@ class BytePair {
         : m_first(all(first)),
           m_second(all(second)),
           m_distance(distance),
-          m_plain(first, second, distance) {}
+          m_scalar(first, second, distance) {}
 
     [[gnu::always_inline]] std::uint64_t bits(const char* text, std::size_t places) const {
-        if (places < block_size) return m_plain.bits(text, places);
+        if (places < block_size) return m_scalar.bits(text, places);
         const auto compare = [this](const char* at) {
             return _mm_and_si128(_mm_cmpeq_epi8(load(at), m_first),
                                  _mm_cmpeq_epi8(load(at + m_distance), m_second));
         };
-        if (places == line_size) return line_bits(text, compare);
+        if (places == chunk_size) return chunk_bits(text, compare);
         const std::size_t end = places - block_size;
         std::uint64_t bits = std::uint64_t{block_bits(compare(text + end))} << end;
         for (std::size_t i = 0; i < end; i += block_size)
@@ -61,7 +61,7 @@ class BytePair {
   private:
     Block m_first, m_second;
     std::size_t m_distance;
-    plain::BytePair m_plain;
+    scalar::BytePair m_scalar;
 };
 
 }  // namespace sse2
