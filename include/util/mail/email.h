@@ -6,11 +6,12 @@
 #include "util/export.h"
 #include "util/text/byte_string.h"
 
-/// A plain-text notice: a sender, a list of recipients separated by `";"`, a subject and a body, all
-/// in UTF-8.
+/// A plain-text notice: a sender, a list of recipients separated by `";"`, a subject and a body,
+/// all in UTF-8.
 ///
 /// Sending uses no mail protocol. It writes one message file per recipient into the directory from
-/// which the mail service (part of the machine's web server, or a local mail server) takes messages.
+/// which the mail service (part of the machine's web server, or a local mail server) takes
+/// messages.
 ///
 ///     email notice("agent@example.test", "", "disk full", "Volume D: has no room left.");
 ///     notice.updateTo("admin@x.test");
@@ -19,21 +20,24 @@
 ///
 /// Remove line ends from a sender, a subject or a recipient that comes from outside.
 ///
-/// The pickup directory is looked up again for each recipient, under `HKEY_LOCAL_MACHINE`. The first
-/// of these values that is set counts. The ones after it are not read:
+/// The pickup directory is looked up again for each recipient, under `HKEY_LOCAL_MACHINE`. The
+/// first of these values that is set counts. The ones after it are not read:
 ///
 /// 1. `"EmailPickupDir"` of `"SOFTWARE\Vorn\Vorn Quillmark Tessaron\Server"`, unchanged
 /// 2. `"ExchangeServerAdmin"` of `"SOFTWARE\Microsoft\Exchange\Setup"`, followed by
 ///    `"\\Mailroot\vsi 1\Pickup"`
-/// 3. `"PathWWWRoot"` of `"SOFTWARE\Microsoft\InetStp"` without every `"\wwwroot"` in it, followed by
-///    `"\\mailroot\Pickup\"`
+/// 3. `"PathWWWRoot"` of `"SOFTWARE\Microsoft\InetStp"` without every `"\wwwroot"` in it, followed
+/// by
+///    `"\\mailroot\Pickup"` and one more backslash
 ///
 /// The doubled backslashes are by design. A value is set if it is a text (`REG_SZ`, or
-/// `REG_EXPAND_SZ`, which is not expanded), is not empty, takes at most 260 bytes and ends in a NUL.
+/// `REG_EXPAND_SZ`, which is not expanded), is not empty, takes at most 260 bytes and ends in a
+/// NUL.
 ///
 /// The pickup directory and the directory for temporary files must have names that the code page of
-/// file calls holds exactly: the platform's calls for temporary names are its ANSI ones. A directory
-/// with another name counts as missing (267). Nothing is written to one with a similar name.
+/// file calls holds exactly: the platform's calls for temporary names are its ANSI ones. A
+/// directory with another name counts as missing (267). Nothing is written to one with a similar
+/// name.
 ///
 /// A message has six header lines and the body. Each header line ends in `"\r\n"`:
 ///
@@ -57,9 +61,9 @@
 /// while it grows. A kill then leaves the copied part there, and the whole message under its
 /// temporary name.
 ///
-/// Threads: One object belongs to one thread at a time. Different objects, and different
-/// processes, may send at the same time. Every member except the getters, isReady() and isNull() may
-/// raise std::bad_alloc, and nothing else.
+/// Threads: one object belongs to one thread at a time. Different objects, and different
+/// processes, may send at the same time. Every member except the getters, isReady() and isNull()
+/// may raise std::bad_alloc, and nothing else.
 class UTIL_API email {
   public:
     /// All five texts are empty.
@@ -83,8 +87,8 @@ class UTIL_API email {
     String const& getBody() const;
     /// @}
 
-    /// Returns the text of the last failure, `""` before any failure. Success does not clear it. Valid
-    /// until the object changes or is destroyed.
+    /// Returns the text of the last failure, `""` before any failure. Success does not clear it.
+    /// Valid until the object changes or is destroyed.
     String const& GetLastErrorMessage() const;
 
     /// @{
@@ -126,14 +130,14 @@ class UTIL_API email {
     /// - no text: this recipient's message could not be moved, or 4096 names in a row were taken in
     ///   the pickup directory. The next recipient is served.
     /// - `"IIS is not installed."`, `"IIS is not running."`: MailInstalled() or MailRunning() is
-    ///   false after the last recipient. The second text replaces the first. By design, the messages
-    ///   are in the pickup directory all the same, and wait for the service.
+    ///   false after the last recipient. The second text replaces the first. By design, the
+    ///   messages are in the pickup directory all the same, and wait for the service.
     ///
     /// By design, an empty `to` returns 0 with the text `"Invalid To: list specified; To: list= "`.
     /// By design, the result is the last recipient's. An earlier recipient's failure is forgotten.
     ///
-    /// A message that did not reach the pickup directory stays in the directory for temporary files,
-    /// as `"tsrN.tmp"`. So does an empty file of that name when out of memory.
+    /// A message that did not reach the pickup directory stays in the directory for temporary
+    /// files, as `"tsrN.tmp"`. So does an empty file of that name when out of memory.
     int send_mail(String const& from, String const& to, String const& subject, String const& body);
 
   private:
