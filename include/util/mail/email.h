@@ -26,9 +26,8 @@
 /// 1. `"EmailPickupDir"` of `"SOFTWARE\Vorn\Vorn Quillmark Tessaron\Server"`, unchanged
 /// 2. `"ExchangeServerAdmin"` of `"SOFTWARE\Microsoft\Exchange\Setup"`, followed by
 ///    `"\\Mailroot\vsi 1\Pickup"`
-/// 3. `"PathWWWRoot"` of `"SOFTWARE\Microsoft\InetStp"` without every `"\wwwroot"` in it, followed
-/// by
-///    `"\\mailroot\Pickup"` and one more backslash
+/// 3. `"PathWWWRoot"` of `"SOFTWARE\Microsoft\InetStp"` without every `"\wwwroot"` in it,
+///    followed by `"\\mailroot\Pickup"` and one more backslash
 ///
 /// The doubled backslashes are by design. A value is set if it is a text (`REG_SZ`, or
 /// `REG_EXPAND_SZ`, which is not expanded), is not empty, takes at most 260 bytes and ends in a
