@@ -8,15 +8,12 @@
 #include <iterator>
 
 #include "util/internal/ascii.h"
+#include "util/internal/path.h"
 #include "util/portable/utf8_files.h"
 
 namespace util {
 
 namespace {
-
-bool is_separator(char c) {
-    return c == '\\' || c == '/';
-}
 
 bool equals_lower(std::string_view text, std::string_view lower) {
     return std::equal(text.begin(), text.end(), lower.begin(), lower.end(),
@@ -117,12 +114,8 @@ EntryStatus EntryStatusReader::status_of(std::string_view name,
     if (described && name.size() < m_name_limit && is_found_by_path(name)) {
         return status_from_search(name, found);
     }
-    const bool separated = m_directory.size() > 1 && m_directory.view().back() == '\\';
     struct _stat64i32 record = {};
-    if (UTF8_stat(m_directory + (separated ? "" : "\\") + String(name.data(), name.size()),
-                  &record) != 0) {
-        return {};
-    }
+    if (UTF8_stat(join_entry(m_directory.view(), name).c_str(), &record) != 0) return {};
     return {record.st_mode, record.st_size};
 }
 
