@@ -10,7 +10,6 @@
 #include <cstring>
 
 #include "util/files/open_descriptor.h"
-#include "util/files/read_ahead.h"
 #include "util/files/seekable.h"
 #include "util/files/transfer.h"
 #include "util/internal/path.h"
@@ -144,28 +143,6 @@ bool XrFile::fail(int code) {
 bool XrFile::fail_and_invalidate(int code) {
     m_is_open = false;
     return fail(code);
-}
-
-// Functions that programs call in a loop are flattened: after a system call the processor predicts
-// no return right, so each frame between the two costs time (see the benchmarks of records).
-[[gnu::flatten]] bool XrFile::Read(char* buf, std::uint64_t count) {
-    if (!buf) return fail(util::own_failure);
-    const auto outcome =
-        util::transfer([this](char* at, unsigned n) { return ksl_read(m_fd, at, n); }, buf, count);
-    return outcome.done || fail(outcome.code);
-}
-
-[[gnu::flatten]] bool XrFile::Write(const char* buf, std::uint64_t count) {
-    if (!buf) return fail(util::own_failure);
-    const auto outcome = util::transfer(
-        [this](const char* at, unsigned n) { return ksl_write(m_fd, at, n); }, buf, count);
-    return outcome.done || fail(outcome.code);
-}
-
-[[gnu::flatten]] bool XrFile::Readln(char* buf, std::uint64_t size) {
-    if (!buf) return fail(util::own_failure);
-    util::ReadAhead input(m_fd, util::may_read_ahead(m_fd, m_seekable));
-    return (input.line(buf, size) && input.seek_back()) || fail(util::last_error());
 }
 
 bool XrFile::Seek(int offset) {
