@@ -26,7 +26,7 @@ bool copy_bytes(int from, int to, std::int64_t count) {
         const auto read =
             util::transfer([from](char* at, unsigned n) { return ksl_read(from, at, n); },
                            buffer.get(), std::min(count, chunk));
-        if (!read.done) return false;  // or the source became shorter
+        if (!read.done) return false;  // the source may have become shorter
         const auto written =
             util::transfer([to](const char* at, unsigned n) { return ksl_write(to, at, n); },
                            buffer.get(), read.moved);
@@ -46,7 +46,7 @@ int UTIL_copy(const char* source, const char* destination, char keepMode) {
     return util::guarded(-1, [&] {
         const util::ScopedDescriptor from(util::open_descriptor(source, reading).descriptor);
         const util::ScopedDescriptor to(util::open_descriptor(destination, overwriting).descriptor);
-        struct _stat64i32 status;  // its size has 32 bits only
+        struct _stat64i32 status;  // its size has only 32 bits
         if (!from || !to || UTF8_stat(source, &status) != 0 ||
             !copy_bytes(from.get(), to.get(), _filelengthi64(from.get()))) {
             return -1;

@@ -10,7 +10,7 @@
 
 namespace {
 
-// The file open and locked, or the invalid handle.
+// Returns the file, open and locked, or the invalid handle.
 util::KernelHandle try_to_lock(const std::wstring& path, OVERLAPPED& record) {
     util::KernelHandle file(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,

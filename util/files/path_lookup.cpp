@@ -21,7 +21,7 @@ String if_exists(const String& path) {
     return Tools::fileExists(path) ? path : String();
 }
 
-// search_list, unless null, is rewritten after a hit.
+// Rewrites `search_list` after a hit, unless it is null.
 String search(const String& name, const std::vector<String>& directories, String* search_list) {
     for (std::size_t i = 0; i < directories.size(); ++i) {
         const String& directory = directories[i];  // never empty: the split drops those
@@ -71,7 +71,7 @@ bool Tools::fileExists(const char* path) {
 
 String Tools::find_location(const String&, FileAttr) {
     constexpr DWORD room = 260;
-    char module[room + 1] = {};  // a name that is cut may come without its NUL
+    char module[room + 1] = {};  // a name that is cut may lack its NUL
     wchar_t twin[room + 1] = {};
     GetModuleFileNameA(nullptr, module, room);
     GetModuleFileNameW(nullptr, twin, room);

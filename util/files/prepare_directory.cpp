@@ -13,7 +13,7 @@ namespace {
 
 enum FailureKind { no_record = 1, file_in_the_way = 2, not_created = 3 };
 
-// What the caller is told besides the result.
+// Reports to the caller what the result does not.
 class Report {
   public:
     Report(String& message, String& failed_path, int* kind)
@@ -46,8 +46,8 @@ class Report {
     int* m_kind;
 };
 
-// Creates what each backslash ends. Returns 0, or the code that stopped it with the last error
-// still as the failing step left it.
+// Creates the directory that each backslash ends. Returns 0, or the code that stopped it. The last
+// error is then that of the failing step.
 unsigned long create_each(const String& whole, util::CreationRecord& record, const Report& report) {
     std::uint64_t end = whole.first('\\', 0);
     if (end == 0) {

@@ -1,5 +1,5 @@
 // The records of XrFile in binary mode. A number is its decimal digits and a zero byte. A text is
-// the number length + 1, then its bytes and a zero byte.
+// its length plus 1 as such a number, then its bytes and a zero byte.
 #ifndef UTIL_FILES_RECORD_H
 #define UTIL_FILES_RECORD_H
 

@@ -29,7 +29,7 @@ struct Transfer {
 // for a result apply in this order, so a transfer of 0 bytes always fails:
 //   0                      fails with the last error
 //   all remaining bytes    succeeds
-//   errno 4 (interrupted)  continues behind the bytes moved, at most five times; -1 moved none
+//   errno 4 (interrupted)  continues after the bytes moved, at most five times; -1 moved none
 //   any other errno        fails with errno
 //   -1                     fails with the last error
 //   fewer bytes            succeeds

@@ -36,7 +36,7 @@ XrDirectory::~XrDirectory() {
 }
 
 void XrDirectory::init(const String& path) {
-    m_list = nullptr;  // dropped, not freed: a caller may hold it
+    m_list = nullptr;  // not freed: a caller may hold it
     m_valid = false;
     m_path = path;
     m_valid = m_path.empty() || IsDirectory(m_path);
@@ -57,7 +57,7 @@ void XrDirectory::destroy() {
 
 XrDirectory::List* XrDirectory::getDirectoryList(bool include_hidden, bool refresh) {
     if (m_list && !refresh) return m_list;
-    // Kept only when complete: a listing that memory cut short must not be returned later as whole.
+    // Kept only if complete: a listing that ran out of memory must not be returned later as whole.
     std::unique_ptr<List> fresh;
     if (!m_list) fresh = std::make_unique<List>();
     List* const list = m_list ? m_list : fresh.get();

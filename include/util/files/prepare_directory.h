@@ -31,9 +31,9 @@ UTIL_EXTERN_C_BEGIN
 ///     kind  failedPath         message
 ///     1     the tracking file  "Failed to open the file ...": a warning, and a later failure
 ///                              replaces it
-///     2     the directory      "Failed to create the directory ... A file with the same name
-///     exists.
-///                              Please remove the file and try again\n"; the result is 183
+///     2     the directory      "Failed to create the directory ... A file with the same
+///                              name exists. Please remove the file and try again\n"; the
+///                              result is 183
 ///     3     the directory      "Failed to create the directory ... Please create required
 ///                              directory(s) manually and try again.\n"; the platform's code
 ///

@@ -43,8 +43,8 @@
 ///   failed seek back in Eof().
 ///
 /// Positions and sizes have 32 bits: Seek(), Tell(), Size(), IsEmpty() and Eof() are for files
-/// below 2 GB. Larger files can be read and written in sequence. One transfer moves at most 2^31 -
-/// 1 bytes.
+/// below 2 GB. Larger files can be read and written in sequence. One transfer moves at most
+/// 2,147,483,647 bytes.
 ///
 /// Readln() and the `>>` operators read ahead on disk files in binary mode, then seek back, so the
 /// position is exact afterwards. If that seek fails, the operation fails: a `>>` target is
@@ -177,10 +177,11 @@ class UTIL_API XrFile {
     /// @{
     /// Writes a record, in one transfer.
     ///
-    /// In binary mode a number is its decimal digits and a zero byte. A text is the number length +
-    /// 1, then its bytes and a zero byte. In text mode both are the bare characters, so an empty
-    /// text is a transfer of 0 bytes, which fails. Null is the empty text. Texts end at their first
-    /// NUL, but a std::string is written at its full size. A `char` is written as its number.
+    /// In binary mode a number is its decimal digits and a zero byte. A text is its length plus 1
+    /// as such a number, then its bytes and a zero byte. In text mode both are the bare characters,
+    /// so an empty text is a transfer of 0 bytes, which fails. Null is the empty text. Texts end at
+    /// their first NUL, but a std::string is written at its full size. A `char` is written as its
+    /// number.
     XrFile& operator<<(int value);
     XrFile& operator<<(long value);
     XrFile& operator<<(unsigned short value);
