@@ -3,6 +3,7 @@
 #include "util/internal/windows.h"
 // after the platform's header
 #include <fcntl.h>
+#include <io.h>
 #include <sys/stat.h>
 
 #include <algorithm>

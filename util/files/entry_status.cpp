@@ -98,8 +98,7 @@ EntryStatus status_from_search(std::string_view name, const WIN32_FIND_DATAW& fo
     } else {
         status.mode |= _S_IFREG;
         if (has_program_extension(name)) status.mode |= execute_all;
-        status.size =
-            static_cast<long>(found.nFileSizeLow);  // the status also has only these 32 bits
+        status.size = static_cast<long>(found.nFileSizeLow);  // 32 bits, as in the status
     }
     return status;
 }
