@@ -10,7 +10,8 @@ bool is_full_directory(std::string_view path) {
     return path.size() >= 3 && path.substr(1, 2) == ":\\" && path.back() == '\\';
 }
 
-// A text record that breaks off is read as far as it goes. Only its length in the file shows that.
+// Returns the size of the record in the file. By design, XrFile reads a text record that is cut
+// short as far as it goes and reports no failure, so only the size shows the cut.
 std::size_t recorded_size(const String& text) {
     const std::size_t size = text.size() + 1;
     return std::to_string(size).size() + 1 + size;

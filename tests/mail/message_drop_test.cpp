@@ -1,5 +1,5 @@
 // How messages get into the pickup directory: whole, and none at another's cost.
-#include "util/mail/message_drop.h"
+#include "util/mail/email.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -21,7 +21,6 @@ const std::vector<Failure> failures = {
     {"GetFileAttributesA", -1, ERROR_ACCESS_DENIED, 0, instead},
     {"GetFileType", FILE_TYPE_UNKNOWN, ERROR_INVALID_HANDLE, 0, instead},
     {"GetTempFileNameA", 0, ERROR_DIRECTORY, 0, instead},
-    {"GetTempFileNameW", 0, ERROR_DIRECTORY, 0, instead},
     {"GetTempPathA", 0, ERROR_FILENAME_EXCED_RANGE, 0, instead},
     {"GetTempPathA", 300, 0, 0, instead},  // counted, not written
     {"GetTempPathW", 0, ERROR_FILENAME_EXCED_RANGE, 0, instead},

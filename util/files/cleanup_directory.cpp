@@ -3,8 +3,10 @@
 #include <cwchar>
 #include <string>
 
+#include "util/files/directory_search.h"
 #include "util/internal/encoding.h"
-#include "util/internal/scoped_handle.h"
+#include "util/internal/guarded.h"
+#include "util/internal/path.h"
 #include "util/internal/windows.h"
 
 namespace {
@@ -13,22 +15,21 @@ bool is_self_or_parent(const wchar_t* name) {
     return std::wcscmp(name, L".") == 0 || std::wcscmp(name, L"..") == 0;
 }
 
-// Deletes the files and counts the subdirectories; path ends in a backslash.
-int delete_files(std::wstring path) {
-    const std::size_t prefix = path.size();
+// Deletes the files and returns the number of subdirectories.
+int delete_files(const std::wstring& directory) {
+    std::wstring path = util::join_always(directory, L"*.*");
+    const std::size_t prefix = directory.size() + 1;
     path.reserve(prefix + MAX_PATH);  // no name is longer: nothing is raised once a file is gone
-    path += L"*.*";
-    WIN32_FIND_DATAW found;
-    const util::ScopedSearch search(FindFirstFileW(path.c_str(), &found));
+    util::DirectorySearch search(path.c_str());
     int subdirectories = 0;
-    for (BOOL more = bool(search); more; more = FindNextFileW(search.get(), &found)) {
-        if (is_self_or_parent(found.cFileName)) continue;
-        if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+    while (const WIN32_FIND_DATAW* const found = search.next()) {
+        if (is_self_or_parent(found->cFileName)) continue;
+        if (found->dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
             ++subdirectories;
             continue;
         }
         path.resize(prefix);
-        path += found.cFileName;
+        path += found->cFileName;
         DeleteFileW(path.c_str());
     }
     return subdirectories;
@@ -37,14 +38,12 @@ int delete_files(std::wstring path) {
 }  // namespace
 
 int UTIL_cleanupDir(const char* path, int removeDir) {
-    // An empty path would mean the root of the current drive, which nobody means.
+    // An empty path would mean the root of the current drive, which nobody wants to empty.
     if (!path || !*path) return 0;
-    try {
+    return util::guarded(0, [&] {
         const std::wstring wide = util::wide_path(path);
-        const int subdirectories = delete_files(wide + L"\\");
+        const int subdirectories = delete_files(wide);
         if (removeDir) RemoveDirectoryW(wide.c_str());
         return subdirectories;
-    } catch (...) {
-        return 0;
-    }
+    });
 }

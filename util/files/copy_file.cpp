@@ -12,18 +12,12 @@
 
 #include "util/files/open_descriptor.h"
 #include "util/files/transfer.h"
+#include "util/internal/guarded.h"
 #include "util/internal/scoped_handle.h"
 #include "util/portable/ksl_descriptor.h"
 #include "util/portable/utf8_files.h"
 
 namespace {
-
-struct DescriptorTraits {
-    using Handle = int;
-    static Handle invalid() { return -1; }
-    static void close(Handle descriptor) { ksl_close(descriptor); }
-};
-using Descriptor = util::ScopedHandle<DescriptorTraits>;
 
 bool copy_bytes(int from, int to, std::int64_t count) {
     constexpr std::int64_t chunk = 262144;
@@ -33,7 +27,7 @@ bool copy_bytes(int from, int to, std::int64_t count) {
         const auto read =
             util::transfer([from](char* at, unsigned n) { return ksl_read(from, at, n); },
                            buffer.get(), std::min(count, chunk));
-        if (!read.done) return false;  // or the source became shorter
+        if (!read.done) return false;  // the source may have become shorter
         const auto written =
             util::transfer([to](const char* at, unsigned n) { return ksl_write(to, at, n); },
                            buffer.get(), read.moved);
@@ -50,17 +44,15 @@ int UTIL_copy(const char* source, const char* destination, char keepMode) {
     constexpr int internal = _O_BINARY | _O_NOINHERIT;
     constexpr int reading = _O_RDONLY | internal;
     constexpr int overwriting = _O_WRONLY | _O_CREAT | _O_TRUNC | internal;
-    try {
-        const Descriptor from(util::open_descriptor(source, reading).descriptor);
-        const Descriptor to(util::open_descriptor(destination, overwriting).descriptor);
-        struct _stat64i32 status;  // its size has 32 bits only
+    return util::guarded(-1, [&] {
+        const util::ScopedDescriptor from(util::open_descriptor(source, reading).descriptor);
+        const util::ScopedDescriptor to(util::open_descriptor(destination, overwriting).descriptor);
+        struct _stat64i32 status;  // its size has only 32 bits
         if (!from || !to || UTF8_stat(source, &status) != 0 ||
             !copy_bytes(from.get(), to.get(), _filelengthi64(from.get()))) {
             return -1;
         }
         if (keepMode == 1) UTF8_chmod(destination, status.st_mode);
         return 0;
-    } catch (...) {
-        return -1;
-    }
+    });
 }

@@ -7,11 +7,16 @@
 #include <string>
 
 #include "util/internal/encoding.h"
+#include "util/internal/guarded.h"
 #include "util/internal/scoped_handle.h"
 
 unsigned long UTIL_makeNewNTDir(const String& path, bool* created) {
     constexpr DWORD no_sharing = 0;
-    try {
+    const auto out_of_memory = [] {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return DWORD{ERROR_NOT_ENOUGH_MEMORY};
+    };
+    return util::guarded(out_of_memory, [&]() -> DWORD {
         const std::wstring wide = util::wide_path(path);
         const util::KernelHandle existing(CreateFileW(wide.c_str(), GENERIC_READ, no_sharing,
                                                       nullptr, OPEN_EXISTING,
@@ -21,18 +26,13 @@ unsigned long UTIL_makeNewNTDir(const String& path, bool* created) {
         if (!CreateDirectoryW(wide.c_str(), nullptr)) return GetLastError();
         if (created) *created = true;
         return 0;
-    } catch (...) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return ERROR_NOT_ENOUGH_MEMORY;
-    }
+    });
 }
 
 int UTIL_CreateDirectory(const char* path) {
-    try {
+    return util::guarded(-1, [&] {
         std::string ansi;
         if (!util::utf8_to_ansi(path, ansi)) return -1;
         return SHCreateDirectoryExA(nullptr, ansi.c_str(), nullptr) == ERROR_SUCCESS ? 0 : -1;
-    } catch (...) {
-        return -1;
-    }
+    });
 }

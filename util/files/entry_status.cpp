@@ -8,15 +8,12 @@
 #include <iterator>
 
 #include "util/internal/ascii.h"
+#include "util/internal/path.h"
 #include "util/portable/utf8_files.h"
 
 namespace util {
 
 namespace {
-
-bool is_separator(char c) {
-    return c == '\\' || c == '/';
-}
 
 bool equals_lower(std::string_view text, std::string_view lower) {
     return std::equal(text.begin(), text.end(), lower.begin(), lower.end(),
@@ -35,19 +32,19 @@ bool has_program_extension(std::string_view name) {
     return name.size() >= length && is_one_of(name.substr(name.size() - length), extensions);
 }
 
-// Whether a path that ends in name may lead to a device, whatever files there are. Some names that
-// are none count, too: they only cost a call.
+// Returns whether a path that ends in `name` may lead to a device, whatever files exist. Returns
+// true for some names that are no devices. They only cost a call.
 bool may_be_device(std::string_view name) {
     constexpr std::string_view devices[] = {"con", "prn", "aux", "nul", "conin$", "conout$"};
     constexpr std::string_view numbered[] = {"com", "lpt"};
     const std::string_view stem = name.substr(0, name.find_first_of(". :"));
-    // The digit may be a superscript one, of two bytes.
+    // The digit may be a superscript, which takes two bytes.
     const bool has_digit = stem.size() == 4 || stem.size() == 5;
     return is_one_of(stem, devices) || (has_digit && is_one_of(stem.substr(0, 3), numbered));
 }
 
-// Whether no file of that name can be opened on Windows. Disks of other systems have such names,
-// and the search lists them.
+// Returns whether Windows opens no file of that name. Disks of other systems have such names, and
+// the search lists them.
 bool has_refused_character(std::string_view name) {
     const auto is_refused = [](char c) {
         switch (c) {
@@ -66,20 +63,21 @@ bool has_refused_character(std::string_view name) {
         }
     };
     if (std::any_of(name.begin(), name.end(), is_refused)) return true;
-    // U+FFFD may stand for half a surrogate pair, which has no UTF-8 and so no path.
+    // U+FFFD may replace half a surrogate pair, which has no UTF-8 and so no path.
     return name.find("\xEF\xBF\xBD") != std::string_view::npos;
 }
 
-// Whether a path that ends in the name leads to the file that the search found. The platform cuts
-// off blanks and dots at the end.
+// Returns whether a path that ends in `name` leads to the file that the search found. The platform
+// removes blanks and dots at the end.
 bool is_found_by_path(std::string_view name) {
     return !name.empty() && name.back() != '.' && name.back() != ' ' && !may_be_device(name) &&
            !has_refused_character(name);
 }
 
-// How long a name may be for the status call on Windows to take its path. None in a directory whose
-// path is not complete, and so longer than it looks, or is in the platform's own syntax
-// ("\\?\C:\"), which the call may not know. Nor in "\": "\\name" names a server.
+// Returns the length below which the status call on Windows takes the path of a name. Returns 0 for
+// a directory whose path is not complete, because it is longer than it looks. Returns 0 for a path
+// in the platform's own syntax ("\\?\C:\"), which the call may not know, and for "\", because
+// "\\name" names a server.
 std::size_t name_limit_in(std::string_view directory) {
     if (directory.size() < 3 || directory.size() + 1 >= MAX_PATH) return 0;
     const bool on_drive = directory[1] == ':' && is_separator(directory[2]);
@@ -100,7 +98,7 @@ EntryStatus status_from_search(std::string_view name, const WIN32_FIND_DATAW& fo
     } else {
         status.mode |= _S_IFREG;
         if (has_program_extension(name)) status.mode |= execute_all;
-        status.size = static_cast<long>(found.nFileSizeLow);  // the status has these 32 bits, too
+        status.size = static_cast<long>(found.nFileSizeLow);  // 32 bits, as in the status
     }
     return status;
 }
@@ -117,12 +115,8 @@ EntryStatus EntryStatusReader::status_of(std::string_view name,
     if (described && name.size() < m_name_limit && is_found_by_path(name)) {
         return status_from_search(name, found);
     }
-    const bool separated = m_directory.size() > 1 && m_directory.view().back() == '\\';
     struct _stat64i32 record = {};
-    if (UTF8_stat(m_directory + (separated ? "" : "\\") + String(name.data(), name.size()),
-                  &record) != 0) {
-        return {};
-    }
+    if (UTF8_stat(join_entry(m_directory.view(), name).c_str(), &record) != 0) return {};
     return {record.st_mode, record.st_size};
 }
 

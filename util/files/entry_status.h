@@ -11,7 +11,7 @@ struct _WIN32_FIND_DATAW;
 
 namespace util {
 
-// What UTF8_stat returns; zeros if it fails.
+// What UTF8_stat returns, or zeros if it fails.
 struct EntryStatus {
     int mode = 0;
     long size = 0;

@@ -3,12 +3,14 @@
 #include <string>
 
 #include "util/internal/encoding.h"
+#include "util/internal/guarded.h"
+#include "util/internal/path.h"
 #include "util/internal/scoped_handle.h"
 #include "util/internal/windows.h"
 
 namespace {
 
-// The file open and locked, or the invalid handle.
+// Returns the file, open and locked, or the invalid handle.
 util::KernelHandle try_to_lock(const std::wstring& path, OVERLAPPED& record) {
     util::KernelHandle file(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
@@ -26,17 +28,16 @@ bool UTIL_LockFilePrivate(String directory, void** handle, struct _OVERLAPPED* r
     if (!handle) return false;
     *handle = INVALID_HANDLE_VALUE;
     if (!record) return false;
-    try {
-        const std::wstring path = util::wide_path(directory += "\\lockfile.lck");
+    return util::guarded(false, [&] {
+        const std::string file = util::join_always(directory.view(), "lockfile.lck");
+        const std::wstring path = util::wide_path(file.c_str());
         for (int attempt = 1;; ++attempt) {
             *handle = try_to_lock(path, *record).release();
             if (*handle != INVALID_HANDLE_VALUE) return true;
             if (attempt == most_attempts) return false;
             Sleep(pause_in_ms);
         }
-    } catch (...) {
-        return false;
-    }
+    });
 }
 
 bool UTIL_UnLockFilePrivate(void* handle, struct _OVERLAPPED* record) {

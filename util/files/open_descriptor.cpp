@@ -19,7 +19,7 @@ OpenResult open_descriptor(const char* name, int flags) {
         const int descriptor = UTF8_open(name, flags, (flags & _O_CREAT) ? owner_access : 0);
         if (descriptor != -1) return {descriptor, 0};
         auto code = static_cast<int>(GetLastError());
-        if (code == 0) code = errno;  // the runtime refused without asking the platform
+        if (code == 0) code = errno;  // the runtime failed without a call of the platform
         if (code != ERROR_TOO_MANY_OPEN_FILES || attempt == most_attempts) return {-1, code};
     }
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "util/internal/encoding.h"
+#include "util/internal/path.h"
 #include "util/internal/position_error.h"
 #include "util/portable/current_directory.h"
 #include "util/portable/environment.h"
@@ -20,17 +21,12 @@ String if_exists(const String& path) {
     return Tools::fileExists(path) ? path : String();
 }
 
-String join(const String& directory, const String& name) {
-    const char end = directory.view().back();
-    return directory + (end == '\\' || end == '/' ? "" : "\\") + name;
-}
-
-// search_list, unless null, is rewritten after a hit.
+// Rewrites `search_list` after a hit, unless it is null.
 String search(const String& name, const std::vector<String>& directories, String* search_list) {
     for (std::size_t i = 0; i < directories.size(); ++i) {
         const String& directory = directories[i];  // never empty: the split drops those
         if (directory.view().front() == '%') continue;
-        String candidate = join(directory, name);
+        String candidate = util::join_unless_separated(directory.view(), name.c_str());
         if (!Tools::fileExists(candidate)) continue;
         if (search_list) {
             String rest;
@@ -49,9 +45,9 @@ String resolve(const String& path) {
     std::string result = UTIL_CurrentDirectory().str();
     for (const String& part : parts) {
         if (part != "..") {
-            result.append("\\").append(part);
-        } else if (const auto cut = result.rfind('\\'); cut != std::string::npos) {
-            result.resize(cut);
+            result = util::join_always(result, part.c_str());
+        } else {
+            result = util::before_last_backslash(result);
         }
     }
     return if_exists(result);
@@ -75,13 +71,13 @@ bool Tools::fileExists(const char* path) {
 
 String Tools::find_location(const String&, FileAttr) {
     constexpr DWORD room = 260;
-    char module[room + 1] = {};  // a name that is cut may come without its NUL
+    char module[room + 1] = {};  // a name that is cut may lack its NUL
     wchar_t twin[room + 1] = {};
     GetModuleFileNameA(nullptr, module, room);
     GetModuleFileNameW(nullptr, twin, room);
     std::string utf8;
     if (!util::ansi_to_utf8(module, twin, utf8, util::Page::files)) return String();
-    return String(utf8.substr(0, utf8.rfind('\\') + 1));  // npos + 1 is 0
+    return std::string(util::up_to_last_backslash(utf8));
 }
 
 String Tools::absolute_pathname(const String& path, FileAttr) {

@@ -23,7 +23,7 @@ namespace util {
 // operations, because another handle may change the file.
 //
 // Results and codes are those of a reader that reads single bytes. A chunk may fail because of
-// bytes behind those wanted (a locked range, for example). Reading then continues byte by byte,
+// bytes after those wanted (a locked range, for example). Reading then continues byte by byte,
 // with errno and the last error as they were before the chunk.
 //
 // An operation that succeeds calls seek_back() last: only then is a failed seek reported. The
@@ -39,8 +39,8 @@ class ReadAhead {
     ReadAhead(const ReadAhead&) = delete;
     ReadAhead& operator=(const ReadAhead&) = delete;
 
-    // Moves the position to the first byte that was not taken. False with the last error when the
-    // seek fails: the position is then behind the chunk, and the caller must report it.
+    // Moves the position to the first byte that was not taken. Returns false, with the last error,
+    // if the seek fails. The position is then after the chunk, and the caller must report it.
     bool seek_back() {
         if (available() == 0) return true;
         const auto distance = -static_cast<std::int64_t>(available());
@@ -49,9 +49,9 @@ class ReadAhead {
         return _lseeki64(m_fd, distance, SEEK_CUR) >= 0;
     }
 
-    // Reads up to and including the next line feed, at most `size` bytes; a size of 0 is no limit.
-    // False with the last error when a read fails or the file ends first. An interruption is a
-    // failure here.
+    // Reads up to and including the next line feed, at most `size` bytes. A size of 0 is no limit.
+    // Returns false, with the last error, if a read fails or the file ends first. An interruption
+    // is a failure here.
     bool line(char* to, std::uint64_t size) {
         if (size == 0) size = ~std::uint64_t{0};
         while (size > 0) {
@@ -80,7 +80,8 @@ class ReadAhead {
         return {true, 0, 1};
     }
 
-    // Takes the next `count` bytes if the chunk contains them; else takes nothing and returns null.
+    // Takes and returns the next `count` bytes if the chunk contains them. Otherwise takes nothing
+    // and returns null.
     const char* at_hand(std::uint64_t count) {
         if (available() < count) return nullptr;
         m_begin += static_cast<unsigned>(count);
@@ -106,7 +107,7 @@ class ReadAhead {
         return rest;
     }
 
-    // Returns the number of bytes up to the end of the file; all bits set when it is not known.
+    // Returns the number of bytes up to the end of the file, or all bits set if it is not known.
     std::uint64_t bytes_left() const {
         const KeptErrors kept;
         const std::int64_t end = m_seekable ? _filelengthi64(m_fd) : -1;

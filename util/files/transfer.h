@@ -9,6 +9,14 @@
 
 namespace util {
 
+// What XrFile records for a failure that the platform did not see.
+constexpr int own_failure = -1;
+
+// GetLastError() in the type of XrFile's codes.
+inline int last_error() {
+    return static_cast<int>(GetLastError());
+}
+
 // The outcome of a transfer.
 struct Transfer {
     bool done;            // every byte was moved, or fewer without an error (end of file)
@@ -21,7 +29,7 @@ struct Transfer {
 // for a result apply in this order, so a transfer of 0 bytes always fails:
 //   0                      fails with the last error
 //   all remaining bytes    succeeds
-//   errno 4 (interrupted)  continues behind the bytes moved, at most five times; -1 moved none
+//   errno 4 (interrupted)  continues after the bytes moved, at most five times; -1 moved none
 //   any other errno        fails with errno
 //   -1                     fails with the last error
 //   fewer bytes            succeeds
@@ -32,14 +40,14 @@ Transfer transfer(Move move, Byte* at, std::uint64_t count) {
     for (int continued = 0;; ++continued) {
         errno = 0;  // a value from an earlier call must not decide
         const int result = move(at + moved, static_cast<unsigned int>(count - moved));
-        if (result == 0) return {false, static_cast<int>(GetLastError()), moved, true};
+        if (result == 0) return {false, last_error(), moved, true};
         if (result > 0) {
             moved += static_cast<unsigned int>(result);
             if (moved == count) return {true, 0, moved};
         }
         if (errno == EINTR && continued < most_continuations) continue;
         if (errno != 0) return {false, errno, moved};
-        if (result < 0) return {false, static_cast<int>(GetLastError()), moved};
+        if (result < 0) return {false, last_error(), moved};
         return {true, 0, moved};
     }
 }

@@ -8,41 +8,14 @@
 #include <memory>
 #include <utility>
 
-#include "util/files/directory_reader.h"
-#include "util/files/entry_status.h"
+#include "util/files/directory_listing.h"
 #include "util/internal/encoding.h"
 #include "util/internal/print_line.h"
 #include "util/portable/utf8_files.h"
 
 namespace {
 
-bool is_wanted(const char* name, bool include_hidden) {
-    if (name[0] != '.') return true;
-    return include_hidden && name[1] != '\0' && !(name[1] == '.' && name[2] == '\0');
-}
-
-using Entries = std::vector<std::unique_ptr<XrDirectoryEntry>>;
-
-void append_drive_roots(Entries& entries) {
-    for (const String& root : util::drive_roots()) {
-        entries.push_back(std::make_unique<XrDirectoryEntry>(root, _S_IFDIR, 0));
-    }
-}
-
-bool append_entries(const String& path, bool include_hidden, Entries& entries) {
-    util::DirectoryReader reader(path);
-    if (!reader.is_open()) return false;
-    const util::EntryStatusReader statuses(path);
-    while (reader.next()) {
-        if (!is_wanted(reader.name(), include_hidden)) continue;
-        const util::EntryStatus status = statuses.status_of(reader.name(), reader.data());
-        entries.push_back(
-            std::make_unique<XrDirectoryEntry>(reader.name(), status.mode, status.size));
-    }
-    return true;
-}
-
-// The ANSI call, for a UTF-8 path. A path that the code page cannot spell names nothing.
+// The ANSI call for a UTF-8 path. A path that the code page cannot hold does not exist.
 bool remove_directory(const std::string& path) {
     std::string ansi;
     if (!util::utf8_to_ansi(path.c_str(), ansi, util::Page::files)) return false;
@@ -63,7 +36,7 @@ XrDirectory::~XrDirectory() {
 }
 
 void XrDirectory::init(const String& path) {
-    m_list = nullptr;  // dropped, not freed: a caller may hold it
+    m_list = nullptr;  // not freed: a caller may hold it
     m_valid = false;
     m_path = path;
     m_valid = m_path.empty() || IsDirectory(m_path);
@@ -84,14 +57,14 @@ void XrDirectory::destroy() {
 
 XrDirectory::List* XrDirectory::getDirectoryList(bool include_hidden, bool refresh) {
     if (m_list && !refresh) return m_list;
-    // Kept only when complete: a listing that memory cut short must not be returned later as whole.
+    // Kept only if complete: a listing that ran out of memory must not be returned later as whole.
     std::unique_ptr<List> fresh;
     if (!m_list) fresh = std::make_unique<List>();
     List* const list = m_list ? m_list : fresh.get();
-    Entries entries;
+    util::Entries entries;
     if (m_path.empty()) {
-        append_drive_roots(entries);
-    } else if (!append_entries(m_path, include_hidden, entries)) {
+        util::append_drive_roots(entries);
+    } else if (!util::append_entries(m_path, include_hidden, entries)) {
         util::print_line("Failed to open directory: ", m_path);
     }
     list->insert(std::move(entries));

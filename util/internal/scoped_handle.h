@@ -2,10 +2,13 @@
 #ifndef UTIL_INTERNAL_SCOPED_HANDLE_H
 #define UTIL_INTERNAL_SCOPED_HANDLE_H
 
+#include "util/internal/windows.h"
+// after the platform's header
+#include <io.h>
+
 #include <utility>
 
 #include "util/internal/kept_errors.h"
-#include "util/internal/windows.h"
 
 namespace util {
 
@@ -54,6 +57,14 @@ struct KernelTraits {
     static void close(Handle handle) { CloseHandle(handle); }
 };
 using KernelHandle = ScopedHandle<KernelTraits>;
+
+// The runtime's descriptor.
+struct DescriptorTraits {
+    using Handle = int;
+    static Handle invalid() { return -1; }
+    static void close(Handle descriptor) { _close(descriptor); }
+};
+using ScopedDescriptor = ScopedHandle<DescriptorTraits>;
 
 }  // namespace util
 

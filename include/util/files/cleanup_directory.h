@@ -1,4 +1,5 @@
-// Emptying a directory of its files.
+/// @file
+/// Deletes the files of a directory.
 #ifndef UTIL_FILES_CLEANUP_DIRECTORY_H
 #define UTIL_FILES_CLEANUP_DIRECTORY_H
 
@@ -6,17 +7,20 @@
 
 UTIL_EXTERN_C_BEGIN
 
-// Deletes the files of a directory and returns the number of its subdirectories, which are neither
-// entered nor removed. Files that cannot be deleted (read-only, in use) stay and are not reported.
-// With removeDir not 0 the directory itself is then removed if it is empty, which is not reported
-// either, and is tried also when the directory could not be listed. 0 for a directory that
-// could be listed means that nothing but undeletable files can be left.
-//
-// Empties the target if `path` itself is a link. Follows no link inside the directory.
-//
-// path is UTF-8. Null and empty paths give 0 and touch nothing, as does want of memory. Any thread
-// may call it; nothing is raised.
-//     UTIL_cleanupDir("C:\\mnt\\r1", 1)   // 0, and C:\mnt\r1 is gone if it held files alone
+/// Deletes the files of a directory and returns the number of its subdirectories. Neither enters
+/// nor removes a subdirectory.
+///
+/// Files that cannot be deleted (read-only, in use) stay and are not reported. If `removeDir` is
+/// not 0, then removes the directory itself if it is empty. A failure of this is not reported
+/// either, and it is tried also if the directory could not be listed. If the directory could be
+/// listed, a result of 0 means that only files that cannot be deleted are left.
+///
+/// If `path` itself is a link, its target is emptied. Links inside the directory are not followed.
+///
+/// `path` is UTF-8. Returns 0 and does nothing for a null or empty path, or when out of memory. Any
+/// thread may call it. Raises nothing.
+///
+///     UTIL_cleanupDir("C:\\mnt\\r1", 1)   // 0, and C:\mnt\r1 is gone if it held only files
 UTIL_API int UTIL_cleanupDir(const char* path, int removeDir);
 
 UTIL_EXTERN_C_END

@@ -1,4 +1,5 @@
-// Tools::FileAttr: what a caller of the path lookup expects a name to be.
+/// @file
+/// `Tools::FileAttr`: what a caller of the path lookup expects a name to be.
 #ifndef UTIL_FILES_FILE_ATTR_H
 #define UTIL_FILES_FILE_ATTR_H
 
@@ -6,33 +7,38 @@
 
 namespace Tools {
 
-// A mask of 32 bits, built from the constants with |. A value; nothing here fails, and any thread
-// may use the constants.
-//
-// Meant as they are: == asks whether two masks overlap, not whether they are the same, so nothing
-// is == any, not even any itself; and read covers the bits of file, directory, exec and no_exec.
-//     FileAttr::file == FileAttr::read                        // true
-//     (FileAttr::file | FileAttr::write) == FileAttr::write   // true
-//     FileAttr::any != FileAttr::any                          // true
+/// A mask of 32 bits, built from the constants with `|`.
+///
+/// A value. Nothing here fails. Any thread may use the constants.
+///
+/// By design, `==` returns whether two masks overlap, not whether they are the same. So nothing is
+/// equal to `any`, not even `any` itself. By design, `read` covers the bits of `file`, `directory`,
+/// `exec` and `no_exec`.
+///
+///     FileAttr::file == FileAttr::read                        // true
+///     (FileAttr::file | FileAttr::write) == FileAttr::write   // true
+///     FileAttr::any != FileAttr::any                          // true
 class UTIL_API FileAttr {
   public:
-    static const FileAttr file;       // 0x01
-    static const FileAttr directory;  // 0x02
-    static const FileAttr exec;       // 0x04
-    static const FileAttr no_exec;    // 0x08
-    static const FileAttr read;       // 0x0F
-    static const FileAttr no_read;    // 0x10
-    static const FileAttr write;      // 0x20
-    static const FileAttr no_write;   // 0x40
-    static const FileAttr any;        // 0x00
+    static const FileAttr file;       ///< 0x01
+    static const FileAttr directory;  ///< 0x02
+    static const FileAttr exec;       ///< 0x04
+    static const FileAttr no_exec;    ///< 0x08
+    static const FileAttr read;       ///< 0x0F
+    static const FileAttr no_read;    ///< 0x10
+    static const FileAttr write;      ///< 0x20
+    static const FileAttr no_write;   ///< 0x40
+    static const FileAttr any;        ///< 0x00
 
-    // Copy the mask.
+    /// @{
+    /// Copies the mask.
     FileAttr(const FileAttr&) = default;
     FileAttr& operator=(const FileAttr& other);
+    /// @}
 
-    bool operator==(const FileAttr& other) const;     // share at least one bit
-    bool operator!=(const FileAttr& other) const;     // share none
-    FileAttr operator|(const FileAttr& other) const;  // the bits of both
+    bool operator==(const FileAttr& other) const;     ///< Returns whether both share a bit.
+    bool operator!=(const FileAttr& other) const;     ///< Returns whether both share no bit.
+    FileAttr operator|(const FileAttr& other) const;  ///< Returns the bits of both.
 
   private:
     constexpr explicit FileAttr(int mask) : m_mask(mask) {}

@@ -1,4 +1,5 @@
-// Everything of the files subsystem.
+/// @file
+/// Everything of the files subsystem.
 #ifndef UTIL_FILES_FILES_H
 #define UTIL_FILES_FILES_H
 

@@ -1,4 +1,5 @@
-// Everything of the mail subsystem.
+/// @file
+/// Everything of the mail subsystem.
 #ifndef UTIL_MAIL_MAIL_H
 #define UTIL_MAIL_MAIL_H
 
