@@ -25,23 +25,21 @@ bool to_utf8(const ScopedKey& key, const char* name, const char* ansi, DWORD siz
 
 ScopedKey open_machine_key(const char* path, REGSAM access) {
     std::string ansi_path;
-    HKEY key = nullptr;
-    if (!utf8_to_ansi(path, ansi_path) ||
-        RegOpenKeyExA(HKEY_LOCAL_MACHINE, ansi_path.c_str(), 0, access, &key) != ERROR_SUCCESS) {
-        return ScopedKey();
+    ScopedKey key;
+    if (utf8_to_ansi(path, ansi_path)) {
+        RegOpenKeyExA(HKEY_LOCAL_MACHINE, ansi_path.c_str(), 0, access, key.receive());
     }
-    return ScopedKey(key);
+    return key;
 }
 
 ScopedKey create_machine_key(const char* path, REGSAM access) {
     std::string ansi_path;
-    HKEY key = nullptr;
-    if (!utf8_to_ansi(path, ansi_path) ||
+    ScopedKey key;
+    if (utf8_to_ansi(path, ansi_path)) {
         RegCreateKeyExA(HKEY_LOCAL_MACHINE, ansi_path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                        access, nullptr, &key, nullptr) != ERROR_SUCCESS) {
-        return ScopedKey();
+                        access, nullptr, key.receive(), nullptr);
     }
-    return ScopedKey(key);
+    return key;
 }
 
 bool read_text(const ScopedKey& key, const char* name, EmptyText empty, char* buffer, DWORD size,

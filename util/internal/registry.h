@@ -14,13 +14,6 @@
 
 namespace util {
 
-struct KeyTraits {
-    using Handle = HKEY;
-    static Handle invalid() { return nullptr; }
-    static void close(Handle key) { RegCloseKey(key); }
-};
-using ScopedKey = ScopedHandle<KeyTraits>;
-
 // The key under HKEY_LOCAL_MACHINE, opened with the access (KEY_READ, GENERIC_READ, ...); none when
 // the platform refuses.
 ScopedKey open_machine_key(const char* path, REGSAM access);
