@@ -14,7 +14,7 @@
 #include <new>
 #include <string>
 #include <string_view>
-#include <utility>
+#include <vector>
 
 #include "util/host/host_line.h"
 #include "util/internal/ascii.h"
@@ -112,15 +112,15 @@ std::string computer_domain(const char*& failure) {
         failure = long_domain_failure;
         return size + 1;
     };
-    const std::string ansi = util::fetch_text<char>(usual_room, ask);
-    std::string domain;
-    if (ansi.empty()) return domain;
-    auto size = static_cast<DWORD>(ansi.size() + 1);
+    const std::vector<char> ansi = util::fetch_text<char>(usual_room, ask);
+    if (ansi.front() == '\0') return {};
+    auto size = static_cast<DWORD>(ansi.size());
     util::WideText twin;
     wchar_t* const room = twin.make_room(size);  // a unit takes a byte at least
     if (!room) throw std::bad_alloc();
     GetComputerNameExW(ComputerNameDnsDomain, room, &size);
-    util::ansi_to_utf8(ansi.c_str(), room, domain);
+    std::string domain;
+    util::ansi_to_utf8(ansi.data(), room, domain);
     return domain;
 }
 
