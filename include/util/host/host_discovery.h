@@ -30,8 +30,8 @@ UTIL_EXTERN_C_BEGIN
 ///   other bytes in the page of file calls;
 /// - longer than 32,766 bytes in that page;
 /// - with a quote, a NUL or another control character in the path;
-/// - with `%NAME%` in the path if NAME is a variable of the environment or of the command processor
-///   (CD, DATE, ...), which would replace it by its value.
+/// - with a name between percent signs in the path, if the environment or the command processor has
+///   a variable of that name (CD, DATE, ...): its value would replace the name.
 ///
 /// Where the registry enables delayed expansion, the command processor replaces `!NAME!` as well.
 /// Do not use such a directory there.

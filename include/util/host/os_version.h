@@ -14,7 +14,8 @@
 
 UTIL_EXTERN_C_BEGIN
 
-// --- version and edition ---
+/// @name Version and edition
+/// @{
 
 /// Stores the version, the service pack, the product type and the R2 flag.
 ///
@@ -30,7 +31,7 @@ UTIL_API int UTIL_GetOsVersion(unsigned long* major, unsigned long* minor, unsig
                                unsigned short* spMinor, unsigned short* productType,
                                unsigned short* r2);
 
-/// Returns 1 if the version is `major`.`minor` or later, and 0 if it is not. Returns -1 if the
+/// Returns 1 if the version is `major.minor` or later, and 0 if it is not. Returns -1 if the
 /// system does not answer. Example:
 ///
 ///     UTIL_IsOSVersionAtLeast(5, 2)   // 1 on 6.1
@@ -78,7 +79,9 @@ UTIL_API int UTIL_getFeatureSet(void);
 UTIL_API int UTIL_getPlatform(String& out);
 #endif
 
-// --- 32-bit emulation on 64-bit Windows ---
+/// @}
+/// @name 32-bit emulation on 64-bit Windows
+/// @{
 
 /// Sets `*flag` to 1 if this process runs under 32-bit emulation, and otherwise to 0.
 ///
@@ -110,7 +113,9 @@ UTIL_API int UTIL_VornWow64DisableWow64FsRedirection(void** oldValue);
 /// stored. The result and the reference to kernel32.dll are as there.
 UTIL_API int UTIL_VornWow64RevertWow64FsRedirection(void* oldValue);
 
-// --- the version of a module ---
+/// @}
+/// @name Version of a module
+/// @{
 
 /// Writes the file version of the module at the UTF-8 `path` into `out` and returns `out`, which
 /// must have room for 30 bytes.
@@ -127,6 +132,8 @@ UTIL_API int UTIL_VornWow64RevertWow64FsRedirection(void* oldValue);
 ///     char text[30];
 ///     UTIL_GetModuleVersion("C:\\agent\\util.dll", text)   // "1.2.3.196608" for 1.2.3.4
 UTIL_API const char* UTIL_GetModuleVersion(const char* path, char* out);
+
+/// @}
 
 UTIL_EXTERN_C_END
 
