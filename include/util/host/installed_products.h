@@ -54,9 +54,8 @@ UTIL_API bool UTIL_GetVeritasVersion(char* out);
 /// - if there is no version key: `message` is unchanged;
 /// - if the key cannot be opened: `message` is "SS: Could not Veritas Key, please ensure that
 ///   Volume Manager 3.0 is installed in the registry", by design without "find";
-/// - if the value cannot be read: `message` is `"SS: Could not find path to Veritas directory in
-/// the
-///   registry, error num = %lu"` with the system's code (2 for a missing value, 234 for a long
+/// - if the value cannot be read: `message` is "SS: Could not find path to Veritas directory in
+///   the registry, error num = N" with the system's code N (2 for a missing value, 234 for a long
 ///   one);
 /// - when out of memory: `message` is unchanged or one of the above.
 UTIL_API bool UTIL_GetVeritasPath(String& path, String& message);
