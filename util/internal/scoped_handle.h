@@ -2,6 +2,7 @@
 #ifndef UTIL_INTERNAL_SCOPED_HANDLE_H
 #define UTIL_INTERNAL_SCOPED_HANDLE_H
 
+#include <cstdlib>
 #include <utility>
 
 #include "util/internal/kept_errors.h"
@@ -54,6 +55,38 @@ struct KernelTraits {
     static void close(Handle handle) { CloseHandle(handle); }
 };
 using KernelHandle = ScopedHandle<KernelTraits>;
+
+// CreateProcess's handle of a process or a thread.
+struct ProcessTraits {
+    using Handle = HANDLE;
+    static Handle invalid() { return nullptr; }
+    static void close(Handle handle) { CloseHandle(handle); }
+};
+using ScopedProcess = ScopedHandle<ProcessTraits>;
+
+// A text that malloc has allocated.
+struct BlockTraits {
+    using Handle = char*;
+    static Handle invalid() { return nullptr; }
+    static void close(Handle block) { std::free(block); }
+};
+using ScopedBlock = ScopedHandle<BlockTraits>;
+
+// Whether WSAStartup started the socket library.
+struct SocketLibraryTraits {
+    using Handle = bool;
+    static Handle invalid() { return false; }
+    static void close(Handle) { WSACleanup(); }
+};
+using ScopedSocketLibrary = ScopedHandle<SocketLibraryTraits>;
+
+// WSACreateEvent's handle.
+struct EventTraits {
+    using Handle = HANDLE;
+    static Handle invalid() { return nullptr; }
+    static void close(Handle handle) { WSACloseEvent(handle); }
+};
+using ScopedEvent = ScopedHandle<EventTraits>;
 
 }  // namespace util
 
