@@ -24,7 +24,7 @@ bool start_socket_library() {
     return library.release();  // by design, the library stays started
 }
 
-// Returns null for a host whose addresses do not fit a record, which are those of another kind.
+// Looks up a host. Returns null if its addresses are not IPv4 addresses.
 const hostent* look_up_ipv4(const char* name) {
     const hostent* host = gethostbyname(name);
     const bool usable = host && host->h_length == sizeof AddressRecord::address;

@@ -1,7 +1,6 @@
 // The texts of ksl_uint64_c. The digits are converted by hand: std::to_chars takes 1.6 times as
-// long for decimal and 3 times as long for hexadecimal texts, std::from_chars 2 times as long
-// (util_bench
-// --section "64-bit").
+// long for decimal and 3 times as long for hexadecimal texts, std::from_chars 2 times as long.
+// Measured by util_bench --section "64-bit".
 #include <algorithm>
 #include <array>
 #include <cstdint>
