@@ -10,8 +10,8 @@
 /// A table of up to 64 sources, and the loop that serves them. A source is a connected socket,
 /// passed as an int, or 0 for standard input of the console. The loop calls the callback of a
 /// source when its socket can be read, when the peer has closed, or when there is console input. If
-/// several sources are ready, the lowest slot is served first, one per wait. The loop does not
-/// report new connections of a listening socket, nor room to write.
+/// several sources are ready, the lowest slot is served first, one per wait. Only data and
+/// closing are reported. New connections of a listening socket and room to write are not.
 ///
 /// Ownership: Sockets and callbacks belong to the caller and must outlive their registration. The
 /// poller owns one event per socket. By design, it also takes over the console: it closes standard
