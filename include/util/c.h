@@ -1,9 +1,11 @@
-// The functions of util.dll that a C program can call: those without a class in their declaration.
-// C11 or later. A C++ program includes util/util.h.
-//
-// Two things that C cannot see in a declaration. The caller frees the buffers that a function
-// returns, with free() of msvcrt, the C runtime of util.dll. And the UTF8_ functions raise a C++
-// exception when memory for a path runs out, which ends a C program.
+/// @file
+/// Includes the functions of util.dll that a C program can call: those without a class in their
+/// declaration. Needs C11 or later. A C++ program includes util/util.h.
+///
+/// Two rules that C cannot see in a declaration:
+/// - The caller frees the buffers that a function returns with `free` of msvcrt, the C runtime of
+///   util.dll.
+/// - The UTF8_ functions raise a C++ exception if out of memory for a path. It ends a C program.
 #ifndef UTIL_C_H
 #define UTIL_C_H
 

@@ -1,7 +1,10 @@
-// How names leave util.dll. Every public declaration carries UTIL_API. Every function whose
-// exported name is unmangled is declared between UTIL_EXTERN_C_BEGIN and UTIL_EXTERN_C_END. Such a
-// function is for C as well, unless `#ifdef __cplusplus` surrounds it: that is for the ones with a
-// class in their declaration. util/c.h includes all headers with functions for C.
+/// @file
+/// Macros for the declarations of util.dll.
+///
+/// Every public declaration has UTIL_API. Every function with an unmangled name is declared between
+/// UTIL_EXTERN_C_BEGIN and UTIL_EXTERN_C_END. C can call such a function, unless `#ifdef
+/// __cplusplus` surrounds it because its declaration contains a class. util/c.h includes all
+/// headers with functions for C.
 #ifndef UTIL_EXPORT_H
 #define UTIL_EXPORT_H
 
@@ -9,7 +12,7 @@
 #include <stdbool.h>
 #endif
 
-// Marks what util.dll exports.
+/// Exports a declaration from util.dll, or imports it.
 #if !defined(_WIN32)
 #define UTIL_API
 #elif defined(UTIL_BUILDING)  // set by the build of util.dll alone
@@ -18,7 +21,8 @@
 #define UTIL_API __declspec(dllimport)
 #endif
 
-// Lets compilers that can do so check printf-style arguments; counted from 1, without "this".
+/// Makes compilers that can do so check printf-style arguments. Both numbers count from 1, without
+/// `this`.
 #if defined(__GNUC__)
 #define UTIL_PRINTF_FORMAT(format_index, first_argument) \
     __attribute__((format(printf, format_index, first_argument)))
@@ -26,7 +30,7 @@
 #define UTIL_PRINTF_FORMAT(format_index, first_argument)
 #endif
 
-// Some of these functions return a String. Clang would warn that C has no such type.
+// Clang warns about a function that returns a String, because C has no such type.
 #if !defined(__cplusplus)
 #define UTIL_EXTERN_C_BEGIN
 #define UTIL_EXTERN_C_END
@@ -38,12 +42,14 @@
     }                     \
     _Pragma("clang diagnostic pop")
 #else
+/// Begins the declarations of functions with unmangled names.
 #define UTIL_EXTERN_C_BEGIN extern "C" {
+/// Ends the declarations of functions with unmangled names.
 #define UTIL_EXTERN_C_END }
 #endif
 
-// The parameters of a function that ignores them. Before C23, C allows any only without a
-// prototype.
+/// The parameters of a function that ignores them. Before C23, C allows any parameters only without
+/// a prototype.
 #if defined(__cplusplus) || __STDC_VERSION__ >= 202311L
 #define UTIL_ANY_ARGUMENTS ...
 #else

@@ -1,4 +1,5 @@
-// Everything that util.dll exports. A program needs no other header.
+/// @file
+/// Includes everything that util.dll exports. A program needs no other header.
 #ifndef UTIL_UTIL_H
 #define UTIL_UTIL_H
 

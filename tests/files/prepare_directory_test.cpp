@@ -131,7 +131,7 @@ struct Write {
     DWORD moved, code;
 };
 std::vector<Write> writes;
-util::KernelHandle rival;
+util::FileHandle rival;
 BOOL WINAPI write_as_told(HANDLE file, const void* data, DWORD size, DWORD* moved, OVERLAPPED* at) {
     if (writes.empty()) {
         WriteFile(rival.get(), "!", 1, moved, nullptr);
@@ -149,7 +149,7 @@ HANDLE open_shared(const std::string& path, DWORD access) {
 }
 
 // Locks the whole tracking file, as anyone may who can read it, until that many pauses were made.
-util::KernelHandle reader;
+util::FileHandle reader;
 int pauses, pauses_to_release;
 void WINAPI release_later(DWORD milliseconds) {
     EXPECT_EQ(milliseconds, 10u);

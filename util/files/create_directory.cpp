@@ -18,9 +18,9 @@ unsigned long UTIL_makeNewNTDir(const String& path, bool* created) {
     };
     return util::guarded(out_of_memory, [&]() -> DWORD {
         const std::wstring wide = util::wide_path(path);
-        const util::KernelHandle existing(CreateFileW(wide.c_str(), GENERIC_READ, no_sharing,
-                                                      nullptr, OPEN_EXISTING,
-                                                      FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+        const util::FileHandle existing(CreateFileW(wide.c_str(), GENERIC_READ, no_sharing, nullptr,
+                                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS,
+                                                    nullptr));
         if (existing) return ERROR_ALREADY_EXISTS;
         if (GetLastError() == ERROR_SHARING_VIOLATION) return 0;
         if (!CreateDirectoryW(wide.c_str(), nullptr)) return GetLastError();

@@ -29,7 +29,7 @@ class CreationRecord {
     // About three seconds for all records together, because a pause may last 16 ms.
     static constexpr int most_pauses = 200;
 
-    KernelHandle m_file;
+    FileHandle m_file;
     int m_pauses_left = most_pauses;
     bool m_torn = false;
 };

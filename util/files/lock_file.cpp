@@ -11,10 +11,10 @@
 namespace {
 
 // Returns the file, open and locked, or the invalid handle.
-util::KernelHandle try_to_lock(const std::wstring& path, OVERLAPPED& record) {
-    util::KernelHandle file(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE,
-                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+util::FileHandle try_to_lock(const std::wstring& path, OVERLAPPED& record) {
+    util::FileHandle file(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
     record = {};
     if (file && !LockFileEx(file.get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &record)) file.reset();
     return file;

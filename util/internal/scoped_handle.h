@@ -71,7 +71,6 @@ struct FileHandleTraits {
     static void close(Handle handle) { CloseHandle(handle); }
 };
 using FileHandle = ScopedHandle<FileHandleTraits>;
-using KernelHandle = FileHandle;  // the former name
 
 // The result of FindFirstFile. INVALID_HANDLE_VALUE when there is none.
 struct SearchTraits {
@@ -128,6 +127,20 @@ struct LocalTraits : NullWhenInvalid<Type*> {
 };
 template <typename Type>
 using ScopedLocal = ScopedHandle<LocalTraits<Type>>;
+
+// A start of the socket library by WSAStartup. False when it was not started.
+struct SocketLibraryTraits {
+    using Handle = bool;
+    static Handle invalid() { return false; }
+    static void close(Handle) { WSACleanup(); }
+};
+using ScopedSocketLibrary = ScopedHandle<SocketLibraryTraits>;
+
+// The result of WSACreateEvent.
+struct SocketEventTraits : NullWhenInvalid<HANDLE> {
+    static void close(Handle handle) { WSACloseEvent(handle); }
+};
+using ScopedSocketEvent = ScopedHandle<SocketEventTraits>;
 
 }  // namespace util
 

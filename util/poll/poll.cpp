@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "util/internal/scoped_handle.h"
 #include "util/internal/windows.h"
 
 const int Poll::table_size_;
@@ -15,12 +16,7 @@ static_assert(static_cast<DWORD>(Poll::Infinite) == INFINITE);
 
 struct Poll::Slot {
     std::int64_t fd = -1;
-    HANDLE handle = nullptr;  // null if there is nothing to wait for
-
-    void close() {
-        if (handle) WSACloseEvent(handle);
-        *this = Slot();
-    }
+    util::ScopedSocketEvent handle;  // invalid if there is nothing to wait for
 };
 
 namespace {
@@ -58,7 +54,7 @@ HANDLE open_console(const Slot& slots) {
     // be invalid, or it may belong to an event of this table.
     if (!is_open(input)) return nullptr;
     for (std::size_t i = 0; i < Poll::table_size_; ++i) {
-        if (slots[i].handle == input) return nullptr;
+        if (slots[i].handle.get() == input) return nullptr;
     }
     return input;
 }
@@ -121,7 +117,7 @@ struct WaitList {
     void build(const Slot& table) {
         count = 0;
         for (std::size_t i = 0; i < Poll::table_size_; ++i) {
-            if (table[i].handle) add(table[i].handle, i);
+            if (table[i].handle) add(table[i].handle.get(), i);
         }
     }
 
@@ -155,10 +151,7 @@ Poll::Poll()
       m_changed(false),
       m_callbacks(std::make_unique<Callback*[]>(table_size_)) {}
 
-Poll::~Poll() {
-    for (std::size_t i = 0; i < table_size_; ++i)
-        m_slots[i].close();
-}
+Poll::~Poll() = default;
 
 void Poll::append(int fd, Callback* callback) {
     if (fd == free_slot) return;
@@ -166,8 +159,8 @@ void Poll::append(int fd, Callback* callback) {
     if (index == table_size_) index = find(m_slots, free_slot);
     if (index == table_size_) std::abort();
     Slot& slot = m_slots[index];
-    slot.close();
-    slot.handle = fd == console ? open_console(m_slots) : open_event(fd);
+    slot = Slot();  // closes the old event before the new one is created
+    slot.handle.reset(fd == console ? open_console(m_slots) : open_event(fd));
     slot.fd = fd;
     m_callbacks[index] = callback;
     m_changed = true;
@@ -180,7 +173,7 @@ void Poll::remove(int fd) {
         return;
     }
     if (fd == free_slot) return;
-    m_slots[index].close();
+    m_slots[index] = Slot();
     m_callbacks[index] = nullptr;
     m_changed = true;
 }
@@ -210,8 +203,8 @@ void Poll::run(int timeout) {
         if (fd == console) {
             if (callback) callback->ready(fd, 0);
             // The callback may have removed the console.
-            if (slot.fd == console) FlushConsoleInputBuffer(slot.handle);
-        } else if (callback && confirm(fd, slot.handle)) {
+            if (slot.fd == console) FlushConsoleInputBuffer(slot.handle.get());
+        } else if (callback && confirm(fd, slot.handle.get())) {
             callback->ready(fd, 0);
         }
     }
@@ -221,14 +214,14 @@ void Poll::SetNonBlockingMode(int fd) {
     if (fd < 1) return;
     const std::size_t index = find(m_slots, fd);
     if (index == table_size_) return;
-    WSAEventSelect(socket_of(fd), m_slots[index].handle, read_and_close);
+    WSAEventSelect(socket_of(fd), m_slots[index].handle.get(), read_and_close);
 }
 
 void Poll::SetBlockingMode(int fd) {
     if (fd < 1) return;
     const std::size_t index = find(m_slots, fd);
     if (index == table_size_) return;
-    WSAEventSelect(socket_of(fd), m_slots[index].handle, 0);
+    WSAEventSelect(socket_of(fd), m_slots[index].handle.get(), 0);
     u_long non_blocking = 0;
     ioctlsocket(socket_of(fd), static_cast<long>(FIONBIO), &non_blocking);
 }

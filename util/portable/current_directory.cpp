@@ -1,27 +1,26 @@
 #include "util/portable/current_directory.h"
 
 #include <cstdlib>
-#include <new>
 #include <utility>
 
 #include "util/internal/encoding.h"
+#include "util/internal/guarded.h"
 #include "util/internal/windows.h"
 
 namespace {
 
-// The ANSI call has returned `text` of `length` bytes.
+// Converts `text`, the `length` bytes that the ANSI call returned.
 String to_utf8(const char* text, DWORD length) {
     util::WideText twin;
-    wchar_t* const room = twin.make_room(length);  // a unit takes a byte at least
+    wchar_t* const room = twin.make_room(length);  // a unit is at least one byte
     if (!room) return {};
     GetCurrentDirectoryW(length + 1, room);
-    try {
-        std::string utf8;
-        if (!util::ansi_to_utf8(text, room, utf8, util::Page::files)) return {};
-        return String(std::move(utf8));
-    } catch (const std::bad_alloc&) {
-        return {};
-    }
+    return util::guarded([] { return String(); },
+                         [&] {
+                             std::string utf8;  // stays empty if the conversion fails
+                             util::ansi_to_utf8(text, room, utf8, util::Page::files);
+                             return String(std::move(utf8));
+                         });
 }
 
 }  // namespace
@@ -33,6 +32,6 @@ String UTIL_CurrentDirectory() {
 
     auto* const room = static_cast<char*>(std::malloc(needed));
     const DWORD length = room ? GetCurrentDirectoryA(needed, room) : 0;
-    // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the block stays, as the header says
+    // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the block stays by design, see the header
     return length > 0 && length < needed ? to_utf8(room, length) : String();
 }

@@ -15,7 +15,7 @@ String environment_value(const wchar_t* name) {
     for (;;) {
         const auto room = static_cast<DWORD>(value.size());
         const DWORD length = GetEnvironmentVariableW(name, value.data(), room);
-        value.resize(length);  // to what it holds, or to what it needs
+        value.resize(length);  // the length of the value, or the size that it needs
         if (length < room) break;
     }
     String utf8;

@@ -1,4 +1,4 @@
-// The process's environment in UTF-8.
+// Reads the process's environment as UTF-8.
 #ifndef UTIL_PORTABLE_ENVIRONMENT_H
 #define UTIL_PORTABLE_ENVIRONMENT_H
 
@@ -6,9 +6,9 @@
 
 namespace util {
 
-// The variable's value; "" when it is unset. Read from the system's own block, which sees the
-// changes of every runtime in the process and holds characters that the ANSI code page lacks.
-// Any thread may call it. Leaves the last error alone; raises std::bad_alloc.
+// Returns the value of a variable, or "" if it is not set. Reads the system's own block. It
+// contains the changes of every runtime in the process, and characters that the ANSI code page
+// lacks. Any thread may call this function. The last error is unchanged. Raises std::bad_alloc.
 String environment_value(const wchar_t* name);
 
 }  // namespace util

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "util/internal/kept_errors.h"
+#include "util/internal/scoped_handle.h"
 #include "util/internal/windows.h"
 
 namespace {
@@ -14,19 +14,17 @@ struct AddressRecord {
     char label[17];
     char address[4];
 };
-static_assert(sizeof(AddressRecord) == 21, "records stand back to back in the caller's array");
+static_assert(sizeof(AddressRecord) == 21, "the caller's array has no padding between records");
 
 bool start_socket_library() {
     const WORD version = MAKEWORD(2, 0);
     WSADATA granted;
-    if (WSAStartup(version, &granted) != 0) return false;
-    if (granted.wVersion == version) return true;
-    const util::KeptErrors kept;
-    WSACleanup();
-    return false;
+    util::ScopedSocketLibrary library(WSAStartup(version, &granted) == 0);
+    if (!library || granted.wVersion != version) return false;
+    return library.release();  // by design, the library stays started
 }
 
-// A host with addresses of another kind has none that fits a record.
+// Looks up a host. Returns null if its addresses are not IPv4 addresses.
 const hostent* look_up_ipv4(const char* name) {
     const hostent* host = gethostbyname(name);
     const bool usable = host && host->h_length == sizeof AddressRecord::address;
@@ -59,7 +57,7 @@ int KslIpAddrList(int max, int* count, char* records) {
     *count = 0;
     std::memset(records, 0, static_cast<std::size_t>(max) * sizeof(AddressRecord));
 
-    char name[256] = "";  // zeroed: a name cut at its dot comes without a NUL
+    char name[256] = "";  // zeroed: a name that is cut at its dot has no NUL
     if (ksl_gethostname(name, sizeof name) != 0) return -1;
     const hostent* host = look_up_ipv4(name);
     if (!host) return -1;

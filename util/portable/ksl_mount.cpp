@@ -2,16 +2,16 @@
 
 #include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <memory>
+#include <new>
 
 #include "util/internal/encoding.h"
 #include "util/internal/kept_errors.h"
 #include "util/internal/windows.h"
 
-// Programs hold arrays of these; the layout never changes.
+// Programs hold arrays of these records, so the layout never changes.
 static_assert(sizeof(ksl_mount_record) == 1056);
 static_assert(offsetof(ksl_mount_record, root) == 260);
 static_assert(offsetof(ksl_mount_record, file_system) == 520);
@@ -20,23 +20,20 @@ static_assert(offsetof(ksl_mount_record, type) == 1040);
 
 namespace {
 
-struct Free {
-    void operator()(char* block) const { std::free(block); }
-};
-using RootList = std::unique_ptr<char[], Free>;
+using RootList = std::unique_ptr<char[]>;
 
-// The drives' root paths, each ended by a NUL, the last followed by another; null on failure. The
-// list may grow between asking for its size and fetching it.
+// Returns the root paths of the drives, each with its NUL, and another NUL after the last. Returns
+// null on failure. The list may grow between the call for its size and the call that fetches it.
 RootList root_list() {
     DWORD room = GetLogicalDriveStringsA(0, nullptr);
     if (room == 0) return nullptr;
     for (;;) {
-        RootList list(static_cast<char*>(std::malloc(std::size_t{room} + 2)));
+        RootList list(new (std::nothrow) char[std::size_t{room} + 2]);
         if (!list) return nullptr;
         const DWORD length = GetLogicalDriveStringsA(room, list.get());
         if (length == 0 && room > 1) return nullptr;  // 1 is the size of an empty list
         if (length <= room) {
-            list[length] = list[length + 1] = '\0';  // whatever the platform left out
+            list[length] = list[length + 1] = '\0';  // also when the platform wrote none
             return list;
         }
         room = length + 1;
@@ -64,8 +61,8 @@ const char* type_text(UINT type) {
     }
 }
 
-// While it lives, a drive without a medium fails on this thread at once. Else the platform may ask
-// the user to insert one and wait for the answer, and nobody is there to give it.
+// Suppresses the insert-disk dialog on this thread: a call for an empty drive fails at once. The
+// dialog would wait for a user, and an agent has none.
 class NoInsertDiskBox {
   public:
     NoInsertDiskBox() { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &m_before); }
@@ -80,8 +77,8 @@ class NoInsertDiskBox {
     DWORD m_before = 0;
 };
 
-// Writes the file system's name, which the ANSI call has returned; "" when it does not convert. The
-// root needs no conversion: it is a letter, a colon and a backslash.
+// Writes the name of the file system, which the ANSI call returned as `ansi`, or "" if it does not
+// convert. `root` is a letter, a colon and a backslash, so it is UTF-8 as it is.
 void write_file_system(const char* root, const char* ansi, ksl_mount_record* record) {
     wchar_t twin[260] = {};
     util::WideText wide_root;
@@ -95,7 +92,8 @@ void write_file_system(const char* root, const char* ansi, ksl_mount_record* rec
                   result == util::Conversion::done ? name.c_str() : "");
 }
 
-// Fills the record for a drive; false, with the record untouched, when its volume does not answer.
+// Fills the record of a drive. Returns false, with `record` unchanged, if its volume does not
+// answer.
 bool describe(const char* root, ksl_mount_record* record) {
     char volume_name[260];
     char file_system[260];

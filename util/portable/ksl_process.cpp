@@ -4,56 +4,43 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <new>
 #include <string>
 
 #include "util/internal/encoding.h"
-#include "util/internal/kept_errors.h"
+#include "util/internal/guarded.h"
+#include "util/internal/scoped_handle.h"
 #include "util/internal/windows.h"
 
 namespace {
 
-struct Release {
-    void operator()(char* block) const {
-        const util::KeptErrors kept;
-        std::free(block);
-    }
-    void operator()(HANDLE handle) const {
-        const util::KeptErrors kept;
-        CloseHandle(handle);
-    }
-};
-using CommandLine = std::unique_ptr<char, Release>;
-using Handle = std::unique_ptr<void, Release>;
-
-// A copy in the page of CreateProcessA, which may write into its command line.
-CommandLine writable_command_line(const char* command) {
-    try {
-        std::string ansi;
-        if (util::utf8_to_ansi(command, ansi, util::Page::files)) {
-            return CommandLine(_strdup(ansi.c_str()));
-        }
-        SetLastError(ERROR_FILE_NOT_FOUND);
-    } catch (const std::bad_alloc&) {
+// Returns a copy in the page of CreateProcessA, which may write into its command line.
+util::ScopedMalloc<char> writable_command_line(const char* command) {
+    const auto out_of_memory = [] {
         errno = ENOMEM;
-    }
-    return nullptr;
+        return util::ScopedMalloc<char>();
+    };
+    return util::guarded(out_of_memory, [&] {
+        std::string ansi;
+        if (util::utf8_to_ansi(command, ansi, util::Page::files))
+            return util::ScopedMalloc<char>(_strdup(ansi.c_str()));
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        return util::ScopedMalloc<char>();
+    });
 }
 
-// Null when the program cannot be started.
-Handle start(const char* command) {
-    const CommandLine line = writable_command_line(command);
-    if (!line) return nullptr;
+// Returns the handle of the started program, invalid when it cannot be started.
+util::WinHandle start(const char* command) {
+    const util::ScopedMalloc<char> line = writable_command_line(command);
+    if (!line) return util::WinHandle();
     STARTUPINFOA startup = {};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION child = {};
     if (!CreateProcessA(nullptr, line.get(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                         &child)) {
-        return nullptr;
+        return util::WinHandle();
     }
-    Release()(child.hThread);
-    return Handle(child.hProcess);
+    const util::WinHandle thread(child.hThread);
+    return util::WinHandle(child.hProcess);
 }
 
 }  // namespace
@@ -67,7 +54,7 @@ int ksl_system2(const char* command) {
         errno = EINVAL;
         return -1;
     }
-    const Handle child = start(command);
+    const util::WinHandle child = start(command);
     DWORD code;
     if (!child || WaitForSingleObject(child.get(), INFINITE) != WAIT_OBJECT_0 ||
         !GetExitCodeProcess(child.get(), &code)) {

@@ -39,7 +39,8 @@ int folded_difference(int c1, int c2) {
     return c1 - c2;
 }
 
-// Zeroed; null when memory runs out or the size described to callers exceeds an int.
+// Returns a zeroed buffer. Returns null if out of memory, or if the size that the header states
+// exceeds an int.
 char* allocate(std::int64_t described_size, std::size_t needed = 0) {
     if (described_size > INT_MAX) return nullptr;
     const std::size_t size = std::max(static_cast<std::size_t>(described_size), needed);
@@ -80,7 +81,7 @@ char* ksl_strdup(const char* s) {
 }
 
 int ksl_strcasecmp(const char* s1, const char* s2) {
-    // Warnings only, on purpose: see the header.
+    // By design, these are only warnings: see the header.
     if (!s1) report("NULL s1 passed to ksl_strcasecmp");
     if (!s2) report("NULL s2 passed to ksl_strcasecmp");
     const auto length1 = static_cast<std::uint32_t>(util::text_length(s1));
@@ -133,7 +134,7 @@ int ksl_codedChar2Unicode(const void* coded, int len, char** out) {
     if (!coded) return fail("NULL pwch passed to ksl_codedChar2Unicode");
     if (len <= 0) return fail("Invalid length for ksl_codedChar2Unicode");
     if (!out) return -1;
-    // Decoding never makes text longer; a wide NUL behind it fits as well.
+    // Decoded text is never longer than coded text. A wide NUL after it fits too.
     const auto* from = static_cast<const char*>(coded);
     const char* const end = from + util::text_length(from);
     char* const buffer = allocate(std::int64_t{len} * 8, static_cast<std::size_t>(end - from) + 2);
@@ -143,7 +144,7 @@ int ksl_codedChar2Unicode(const void* coded, int len, char** out) {
         const auto left = static_cast<std::size_t>(end - from);
         const std::size_t run = util::kernels::decode_run(from, left, to);
         if (run == left) break;
-        const char c = from[run + 1];  // what the 2 stands before
+        const char c = from[run + 1];  // the byte after the 2
         if (c != 1 && c != 2) {
             std::free(buffer);
             return fail("Invalid format for ksl_codedChar2Unicode");
@@ -157,8 +158,8 @@ int ksl_codedChar2Unicode(const void* coded, int len, char** out) {
 }
 
 int ksl_match_token_str(const char* token_str, const char* token, const char* delimits) {
-    // Warnings only, on purpose: see the header. The list is measured, and a null one faults,
-    // before the others are looked at.
+    // By design, these are only warnings: see the header. A null list is dereferenced before the
+    // other two are checked.
     if (!token_str) report("NULL token_str passed to ksl_match_token_str");
     const std::size_t size = util::text_length(token_str);
     if (!token) report("NULL token passed to ksl_match_token_str_aux");
@@ -171,8 +172,9 @@ int ksl_match_token_str(const char* token_str, const char* token, const char* de
     const std::size_t length = util::text_length(token);
     if (length == 0 || length > size || std::any_of(token, token + length, is_separator)) return 0;
 
-    // The token is looked for where its first and last byte stand between separators. It has none
-    // itself, so comparing never leaves that word, and all words together cost one pass.
+    // Searches for the first and last byte of the token, then checks that separators surround them.
+    // The token contains no separator, so a comparison never leaves the word. All words together
+    // cost one pass.
     const util::kernels::BytePair ends(token[0], token[length - 1], length - 1);
     const std::size_t places = size - (length - 1);
     for (std::size_t chunk = 0; chunk < places; chunk += util::chunk_size) {

@@ -12,7 +12,8 @@ namespace {
 
 constexpr int invalid_argument = 22;  // EINVAL
 
-// Stores which of the names, each of three characters, stands at the column; else leaves index.
+// Stores in `index` which of the names, of three characters each, begins at `column`. Leaves
+// `index` unchanged if none does.
 void read_name(std::string_view text, std::size_t column, std::string_view names, int& index) {
     if (text.size() < column + 3) return;
     for (std::size_t i = 0; i < names.size(); i += 3) {
@@ -20,8 +21,8 @@ void read_name(std::string_view text, std::size_t column, std::string_view names
     }
 }
 
-// scanf's "%d": leading white space, an optional sign, digits. Moves text behind them and stores
-// the number; false, with out left as it is, when there are no digits.
+// Reads a number as scanf's "%d" does: leading white space, an optional sign, digits. Stores it in
+// `out` and moves `text` after it. Returns false, with `out` unchanged, if there are no digits.
 bool scan_int(const char*& text, int& out) {
     const char* digits = text;
     while (util::is_space(*digits))
@@ -34,24 +35,24 @@ bool scan_int(const char*& text, int& out) {
     return true;
 }
 
-// The rest of the text from the column, "" beyond its end.
+// Returns the text from `column`, or "" if the text is shorter.
 const char* from_column(std::string_view text, std::size_t column) {
     return text.data() + std::min(column, text.size());
 }
 
-// "%d:%d:%d": what comes before the first mismatch is kept.
+// Reads "%d:%d:%d". Stores the numbers before the first mismatch.
 void read_time_of_day(const char* p, std::tm& out) {
     if (!scan_int(p, out.tm_hour) || *p++ != ':') return;
     if (!scan_int(p, out.tm_min) || *p++ != ':') return;
     scan_int(p, out.tm_sec);
 }
 
-// Numbers read from text may be any int; sums of them wrap.
+// Wraps, because a number that is read from a text may be any int.
 int wrapping_sum(int a, int b) {
     return static_cast<int>(static_cast<unsigned>(a) + static_cast<unsigned>(b));
 }
 
-// By the years since 1900, on purpose: see the header.
+// By design, this uses the years since 1900: see the header.
 int leap_correction(const std::tm& date) {
     if (date.tm_year % 400 == 0) return 1;
     return date.tm_year % 4 == 0 && date.tm_year % 100 != 0 && date.tm_mon >= 2 ? 1 : 0;

@@ -14,8 +14,8 @@ bool is_separator(wchar_t c) {
     return c == L'\\' || c == L'/';
 }
 
-// The length of path without one separator at its end, which the runtime's call would not find;
-// that of a root ("C:\", "\") or of a path that begins with a server stays.
+// Returns the length of `path` without one separator at its end, with which the runtime's call
+// fails. The separator of a root ("C:\", "\") and of a path that begins with a server counts.
 std::size_t length_to_examine(std::wstring_view path) {
     const bool is_root = path.size() <= 1 || (path.size() <= 3 && path[1] == L':');
     if (is_root || !is_separator(path.back())) return path.size();

@@ -1,4 +1,4 @@
-// What both status calls share.
+// The parts that ksl_lstat and UTF8_lstat share.
 #ifndef UTIL_PORTABLE_STAT_PATH_H
 #define UTIL_PORTABLE_STAT_PATH_H
 
@@ -8,14 +8,14 @@ struct _stat64i32;  // <sys/stat.h>
 
 namespace util {
 
-// Whether path ends in a backslash that the runtime's status call would stumble over: any but that
-// of a drive's root ("C:\") or of the current drive ("\").
+// Returns whether `path` ends in a backslash with which the runtime's status call fails. The roots
+// "C:\" and "\" need theirs.
 inline bool has_surplus_backslash(std::string_view path) {
     return path.size() >= 2 && path.back() == '\\' && path[path.size() - 2] != ':';
 }
 
-// _wstat64i32, which takes one separator more from the end. The compiler's own function of that
-// name is not called: it makes a copy for that and does not check whether it was allocated.
+// Does what _wstat64i32 does, which ignores one separator at the end. The compiler's own function
+// of that name is not called: it copies the path and does not check whether the copy was allocated.
 int stat_wide(const wchar_t* path, struct _stat64i32* record);
 
 }  // namespace util

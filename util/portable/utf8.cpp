@@ -4,19 +4,16 @@
 // after the platform's header
 #include <comdef.h>
 
-#include <new>
-
 #include "util/internal/encoding.h"
+#include "util/internal/guarded.h"
 
 namespace {
 
 bool assign(String* out, const util::NarrowText& text) {
-    try {
+    return util::guarded(false, [&] {
         *out = text.c_str();
         return true;
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
+    });
 }
 
 }  // namespace
@@ -42,13 +39,12 @@ bool UTIL_Utf8ToWideChar(const char* utf8, _bstr_t* out) {
         *out = _bstr_t();
         return false;
     }
-    try {
+    const bool assigned = util::guarded(false, [&] {
         *out = _bstr_t(text.c_str());
         return true;
-    } catch (const std::bad_alloc&) {
-        _com_issue_error(E_OUTOFMEMORY);
-    }
-    return false;
+    });
+    if (!assigned) _com_issue_error(E_OUTOFMEMORY);  // the exception that the header promises
+    return assigned;
 }
 
 bool UTIL_Utf8ToMultiByte(const char* utf8, String* out) {

@@ -7,12 +7,13 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <new>
 #include <string>
 #include <string_view>
 
 #include "util/internal/encoding.h"
+#include "util/internal/guarded.h"
 #include "util/internal/kept_errors.h"
+#include "util/internal/scoped_handle.h"
 #include "util/portable/stat_path.h"
 #include "util/portable/utf8.h"
 
@@ -20,8 +21,8 @@ static_assert(sizeof(std::uint64_t) == sizeof(ULARGE_INTEGER));
 
 namespace {
 
-// A path for the platform's wide calls. Neither a failed conversion nor giving the text back is
-// part of any report: the first leaves errno, the second errno and the last error as they were.
+// A path for the platform's wide calls. A failed conversion leaves errno unchanged. Freeing the
+// text leaves errno and the last error unchanged.
 class WidePath {
   public:
     explicit WidePath(const char* utf8) {
@@ -54,7 +55,7 @@ void* no_search() {
     return INVALID_HANDLE_VALUE;
 }
 
-// The found name in UTF-8 into the caller's buffer, unless the name is not wanted.
+// Copies the found name in UTF-8 to `name`, unless that is null.
 bool copy_name(const WIN32_FIND_DATAW& data, char* name) {
     return !name || util::name_to_utf8(data.cFileName, name);
 }
@@ -100,17 +101,20 @@ int UTF8_lstat(const char* path, struct _stat64i32* record) {
     if (record) *record = {};
     if (!path || !record) return invalid();
     std::string changed;
-    try {
+    const auto out_of_memory = [] {
+        errno = ENOMEM;
+        return false;
+    };
+    const auto change = [&] {
         const std::string_view given(path);
         if (!given.empty() && given.back() == ':') {
             changed.append(given).append("\\");
         } else if (util::has_surplus_backslash(given)) {
             changed.append(given.substr(0, given.size() - 1));
         }
-    } catch (const std::bad_alloc&) {
-        errno = ENOMEM;
-        return -1;
-    }
+        return true;
+    };
+    if (!util::guarded(out_of_memory, change)) return -1;
     const WidePath wide(changed.empty() ? path : changed.c_str());
     return wide ? util::stat_wide(wide, record) : -1;
 }
@@ -122,12 +126,9 @@ int UTF8_stat(const char* path, struct _stat64i32* record) {
 void* UTF8_FindFirstFile(const char* path, struct _WIN32_FIND_DATAW* data, char* name) {
     const WidePath wide(path);
     if (!wide || !data) return no_search();
-    const HANDLE search = FindFirstFileW(wide, data);
-    if (search != INVALID_HANDLE_VALUE && !copy_name(*data, name)) {
-        FindClose(search);
-        return no_search();
-    }
-    return search;
+    util::ScopedSearch search(FindFirstFileW(wide, data));
+    if (search && !copy_name(*data, name)) return no_search();
+    return search.release();
 }
 
 int UTF8_FindNextFile(void* handle, struct _WIN32_FIND_DATAW* data, char* name) {

@@ -1,4 +1,5 @@
 #include "util/internal/ascii.h"
+#include "util/internal/guarded.h"
 #include "util/text/byte_string.h"
 #include "util/text/date.h"
 
@@ -22,9 +23,5 @@ extstl::ExtTime read_time(const String& text) {
 }  // namespace
 
 extstl::ExtTime String::toDate() const {
-    try {
-        return read_time(*this);
-    } catch (...) {
-        return extstl::ExtTime();
-    }
+    return util::guarded([] { return extstl::ExtTime(); }, [&] { return read_time(*this); });
 }

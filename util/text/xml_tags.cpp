@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "util/internal/ascii.h"
+#include "util/internal/guarded.h"
 #include "util/text/find_text.h"
 
 namespace {
@@ -62,16 +63,6 @@ int extract_content(const String& document, const String& tag, String& content,
     return done;
 }
 
-// Whatever is raised inside, memory exhaustion included, is one more failure to the caller.
-template <typename Extract>
-int guarded(Extract extract) noexcept {
-    try {
-        return extract();
-    } catch (...) {
-        return failed;
-    }
-}
-
 }  // namespace
 
 int UTIL_addTag(String& document, const String& tag, const String& value) {
@@ -87,17 +78,19 @@ int UTIL_addTag(String& document, const String& tag, const String& value) {
 }
 
 int UTIL_extractTag(const String& document, const String& tag, String& value) {
-    return guarded([&] { return extract_tag(document, tag, value); });
+    return util::guarded(failed, [&] { return extract_tag(document, tag, value); });
 }
 
 int UTIL_XMLParserExtractTagValue(const String* document, const String* tag,
                                   const String* attribute, String* value) {
     if (!document || !tag || !attribute || !value) return failed;
-    return guarded([&] { return extract_attribute(*document, *tag, *attribute, *value); });
+    return util::guarded(failed,
+                         [&] { return extract_attribute(*document, *tag, *attribute, *value); });
 }
 
 int UTIL_XMLParserExtractTagXml(const String* document, const String* tag, String* content,
                                 bool trimTrailing) {
     if (!document || !tag || !content) return failed;
-    return guarded([&] { return extract_content(*document, *tag, *content, trimTrailing); });
+    return util::guarded(failed,
+                         [&] { return extract_content(*document, *tag, *content, trimTrailing); });
 }

@@ -1,73 +1,107 @@
-// Plain functions over NUL-ended byte strings, with the same answers on every platform.
+/// @file
+/// Functions for NUL-terminated byte strings, with the same results on every platform.
+///
+/// Letters and white space are those of ASCII, whatever the locale: bytes from 0x80 up are neither.
+/// A status is 0, or -1 for failure. A text that a function returns or stores comes from `malloc`.
+/// The caller frees it with `free`. Any thread may call these functions.
+///
+/// Diagnostics go to standard output. Each is one line: the message, a colon, a blank and the
+/// number 3, for example "NULL s1 passed to ksl_strcasecmp: 3".
 #ifndef UTIL_PORTABLE_KSL_STRING_H
 #define UTIL_PORTABLE_KSL_STRING_H
 
 #include "util/export.h"
 
-// Letters and white space are those of ASCII: bytes from 0x80 up are neither, whatever the locale.
-// A status is 0, or -1 for failure. Buffers handed out come from malloc and belong to the caller,
-// who frees them with free. All may be called from any thread.
-//
-// Diagnostics go to standard output, each as one line of the message, a colon and the number 3:
-// "NULL s1 passed to ksl_strcasecmp: 3".
 UTIL_EXTERN_C_BEGIN
 
-// In place, to upper case. -1 only when s is null.
+/// Changes `s` to upper case in place. Returns 0, or -1 if `s` is null.
 UTIL_API int ksl_strupper(char* s);
 
-// In place, without leading and trailing white space: "  a b  " becomes "a b". -1 only when s is
-// null.
+/// Removes leading and trailing white space in place: `"  a b  "` becomes `"a b"`. Returns 0, or -1
+/// if `s` is null.
 UTIL_API int ksl_strcpy_trim(char* s);
 
-// In place, trimmed and then in upper case. -1 only when s is null.
+/// Removes leading and trailing white space in place, then changes `s` to upper case. Returns 0, or
+/// -1 if `s` is null.
 UTIL_API int ksl_strcpy_clean(char* s);
 
-// A copy on the heap; null when s is null or memory runs out.
+/// Returns a copy on the heap, or null if `s` is null or when out of memory.
 UTIL_API char* ksl_strdup(const char* s);
 
-// Negative, 0 or positive, with ASCII letters of either case taken as equal. The number is the
-// difference of the first bytes that differ, both as signed char, after folding; or of the lengths.
-// A letter is folded only against a letter of the other case. "ab" against "abc" is -1, "b"
-// against "A" is 1, "[" against "a" is -6.
-// A null argument prints "NULL s1 passed to ksl_strcasecmp" (or s2) and then ends in a fault; this
-// is meant.
+/// Compares two texts. ASCII letters are equal in either case. Returns a negative number, 0 or a
+/// positive number.
+///
+/// The number is the difference of the first bytes that differ, both as signed char, after folding.
+/// Without such bytes it is the difference of the lengths. A letter is folded only against a letter
+/// of the other case.
+///
+///     ksl_strcasecmp("ab", "abc")   // -1
+///     ksl_strcasecmp("b", "A")      // 1
+///     ksl_strcasecmp("[", "a")      // -6
+///
+/// A null argument prints "NULL s1 passed to ksl_strcasecmp" (or s2), then is dereferenced (access
+/// violation). By design.
 UTIL_API int ksl_strcasecmp(const char* s1, const char* s2);
 
-// In place, to upper or lower case; returns s, null for null.
+/// Changes `s` to upper or lower case in place. Returns `s`, which may be null.
+/// @{
 UTIL_API char* ksl_str2upper(char* s);
 UTIL_API char* ksl_str2lower(char* s);
+/// @}
 
-// In place, the one byte at pos to upper case; returns s. Null when s is null or pos is not below
-// the length. A negative pos is not refused, and this is meant: it reaches bytes before s.
-// ("abc", 1) gives "aBc".
+/// Changes the one byte at `pos` to upper case in place. Returns `s`, or null if `s` is null or
+/// `pos` is not below the length. By design, a negative `pos` is not refused: it changes a byte
+/// before `s`.
+/// `"abc"` with `pos` 1 becomes `"aBc"`.
 UTIL_API char* ksl_char2upper(char* s, int pos);
 
-// Bytes that may hold NUL as a text without one, on the heap: 0x00 becomes 01, 0x01 becomes 02 01,
-// 0x02 becomes 02 02, any other byte itself. pwch is typically wide text and len its size in bytes
-// without its NUL; exactly len + 2 bytes are read, so that a wide NUL is taken in. With len 4,
-// 41 00 01 00 02 00 becomes 41 01 02 01 01 02 02 01.
-// -1 and *out left as it is, with a message: "NULL pwch passed to ksl_unicode2CodedChar"; "Invalid
-// length for ksl_unicode2CodedChar" for a len below 1; "Error allocating memory for
-// ksl_unicode2CodedChar", also when 16 * len + 24 exceeds an int. A null out is -1 without one.
+/// Encodes bytes that may contain NUL as a text without NUL. Stores the text, on the heap, in
+/// `*out` and returns 0.
+///
+/// 0x00 becomes 01, 0x01 becomes 02 01, and 0x02 becomes 02 02. Any other byte is unchanged. `pwch`
+/// is typically a wide text, and `len` is its size in bytes without its NUL. The function reads
+/// exactly `len` + 2 bytes, so the wide NUL is encoded too. With `len` 4, the bytes 41 00 01 00 02
+/// 00 become 41 01 02 01 01 02 02 01.
+///
+/// Returns -1, with `*out` unchanged, after printing one of these messages:
+/// - "NULL pwch passed to ksl_unicode2CodedChar"
+/// - "Invalid length for ksl_unicode2CodedChar": `len` is below 1.
+/// - "Error allocating memory for ksl_unicode2CodedChar": out of memory, or 16 * `len` + 24 exceeds
+/// an
+///   int.
+///
+/// A null `out` gives -1 without a message.
 UTIL_API int ksl_unicode2CodedChar(const void* pwch, int len, char** out);
 
-// The way back: coded is read up to its NUL, and the bytes are stored in a zeroed heap buffer of
-// 8 * len bytes, or more when they need more. "" gives just the zeroed buffer. The number of
-// decoded bytes is not reported; wide text ends at its own NUL.
-// -1 and *out left as it is, with a message: "NULL pwch passed to ksl_codedChar2Unicode"; "Invalid
-// length for ksl_codedChar2Unicode" for a len below 1; "Error allocating memory for
-// ksl_codedChar2Unicode", also when 8 * len exceeds an int; "Invalid format for
-// ksl_codedChar2Unicode" for a 02 that neither 01 nor 02 follows. A null out is -1 without one.
+/// Decodes the text of ksl_unicode2CodedChar. Stores the bytes, on the heap, in `*out` and returns
+/// 0.
+///
+/// Reads `coded` up to its NUL. The buffer is zeroed and has 8 * `len` bytes, or more if the
+/// decoded bytes need more. `""` gives only the zeroed buffer. The number of decoded bytes is not
+/// reported. A wide text ends at its own NUL.
+///
+/// Returns -1, with `*out` unchanged, after printing one of these messages:
+/// - "NULL pwch passed to ksl_codedChar2Unicode"
+/// - "Invalid length for ksl_codedChar2Unicode": `len` is below 1.
+/// - "Error allocating memory for ksl_codedChar2Unicode": out of memory, or 8 * `len` exceeds an
+/// int.
+/// - "Invalid format for ksl_codedChar2Unicode": neither 01 nor 02 follows a 02.
+///
+/// A null `out` gives -1 without a message.
 UTIL_API int ksl_codedChar2Unicode(const void* coded, int len, char** out);
 
-// 1 when token is one of the words of token_str, else 0. Words lie between bytes of delimits, any
-// number of them; they are never empty, and equal only byte by byte as a whole: "b" is a word of
-// "a, b,c" for ", ", "B" and "" are not.
-// The list is read where it stands: there is no copy that could fail for want of memory, and the
-// hidden state of strtok stays untouched.
-// A null argument prints "NULL token_str passed to ksl_match_token_str", or "NULL token passed to
-// ksl_match_token_str_aux" (or delimits), and then ends in a fault when it is used; this is meant.
-// A null token is not used, and gives 0, when the list has no words.
+/// Returns 1 if `token` is one of the words of `token_str`, else 0.
+///
+/// Words are separated by any number of the bytes in `delimits`. They are never empty. A word
+/// matches byte by byte as a whole: `"b"` is a word of `"a, b,c"` with the delimiters `", "`, but
+/// `"B"` and
+/// `""` are not. The list is searched in place: the function allocates nothing, and leaves the
+/// hidden state of `strtok` unchanged.
+///
+/// A null argument prints "NULL token_str passed to ksl_match_token_str", "NULL token passed to
+/// ksl_match_token_str_aux" or "NULL delimits passed to ksl_match_token_str_aux", then is
+/// dereferenced (access violation). By design. If the list has no words, a null `token` is not
+/// dereferenced, and the result is 0.
 UTIL_API int ksl_match_token_str(const char* token_str, const char* token, const char* delimits);
 
 UTIL_EXTERN_C_END

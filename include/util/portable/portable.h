@@ -1,5 +1,6 @@
-// Everything of the portable layer: calls that are the same on every platform, and the UTF-8
-// boundary to the platform's wide-character calls.
+/// @file
+/// Includes the whole portable layer: calls that are the same on every platform, and the
+/// conversions between UTF-8 and the platform's wide-character calls.
 #ifndef UTIL_PORTABLE_PORTABLE_H
 #define UTIL_PORTABLE_PORTABLE_H
 

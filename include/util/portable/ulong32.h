@@ -1,4 +1,5 @@
-// The interface's unsigned long: 32 bits, as it is on Windows.
+/// @file
+/// `util::ulong32`: the interface's unsigned long. It has 32 bits, as on Windows.
 #ifndef UTIL_PORTABLE_ULONG32_H
 #define UTIL_PORTABLE_ULONG32_H
 
@@ -6,7 +7,8 @@
 
 namespace util {
 
-// The platform's own type where that has 32 bits, so that declarations match its headers.
+/// An unsigned integer of 32 bits. On Windows it is `unsigned long`, so that declarations match the
+/// platform's headers.
 #ifdef _WIN32
 using ulong32 = unsigned long;
 #else

@@ -1,4 +1,5 @@
-// Everything of the text subsystem: String, the algorithms over it, and dates.
+/// @file
+/// Includes the whole text subsystem: `String` and its algorithms, XML, string arrays and dates.
 #ifndef UTIL_TEXT_TEXT_H
 #define UTIL_TEXT_TEXT_H
 
