@@ -21,6 +21,7 @@
 #include "util/internal/encoding.h"
 #include "util/internal/fetch_text.h"
 #include "util/internal/guarded.h"
+#include "util/internal/path.h"
 #include "util/internal/registry.h"
 #include "util/internal/scoped_handle.h"
 #include "util/portable/ksl_string.h"
@@ -141,10 +142,8 @@ bool find_domain(std::string& domain, const char*& failure) {
 // processor would not read the paths as they are. Writes both files first, so that a query or an
 // answer of an earlier call is never taken for this one's.
 util::ScopedStream ask(const String& query, const String& work_directory) {
-    const bool separated = !work_directory.empty() && work_directory.view().back() == '\\';
-    const String prefix = work_directory + (separated ? "" : "\\");
-    const String input = prefix + "nslookupInput.txt";
-    const String output = prefix + "nslookupOutput.txt";
+    const String input = util::join_unless_backslash(work_directory.view(), "nslookupInput.txt");
+    const String output = util::join_unless_backslash(work_directory.view(), "nslookupOutput.txt");
     std::string command;
     if (!can_be_quoted(work_directory.view()) ||
         !to_command("nslookup < \"" + input + "\" > \"" + output + "\"", command) ||

@@ -10,6 +10,7 @@
 #include "util/internal/encoding.h"
 #include "util/internal/error_text.h"
 #include "util/internal/guarded.h"
+#include "util/internal/path.h"
 #include "util/internal/scoped_handle.h"
 #include "util/portable/environment.h"
 
@@ -54,7 +55,7 @@ String temp_directory() {
         path = util::environment_value(L"SystemRoot").str();
         if (path.empty()) path = ".";
     }
-    if (!path.empty() && path.back() == '\\') path.pop_back();
+    if (util::ends_in_backslash(path)) path.pop_back();
     return String(std::move(path));
 }
 

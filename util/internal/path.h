@@ -34,6 +34,11 @@ inline std::string join_unless_separated(std::string_view directory, std::string
     return std::string(directory).append(ends_in_separator(directory) ? "" : "\\").append(name);
 }
 
+// Unless the directory ends in "\". This is the rule of host discovery's working directory.
+inline std::string join_unless_backslash(std::string_view directory, std::string_view name) {
+    return std::string(directory).append(ends_in_backslash(directory) ? "" : "\\").append(name);
+}
+
 // Unless the directory ends in "\" and is longer than that. This is the rule of listed entries.
 // Examples: "C:/" and "x" is "C:/\x"; "\" and "x" is "\\x".
 inline std::string join_entry(std::string_view directory, std::string_view name) {

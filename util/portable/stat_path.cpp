@@ -6,13 +6,11 @@
 #include <memory>
 #include <new>
 
+#include "util/internal/path.h"
+
 namespace util {
 
 namespace {
-
-bool is_separator(wchar_t c) {
-    return c == L'\\' || c == L'/';
-}
 
 // Returns the length of `path` without one separator at its end, with which the runtime's call
 // fails. The separator of a root ("C:\", "\") and of a path that begins with a server counts.
