@@ -265,7 +265,7 @@ class Side {
     }
 
     const std::string m_path;
-    const util::KernelHandle m_file;
+    const util::FileHandle m_file;
     int m_stranger = -1;
 };
 

@@ -22,7 +22,7 @@ TEST(System2Test, GivesTheWholeExitCode) {
 
 TEST(System2Test, LetsTheChildInheritNoHandle) {
     SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-    const util::FileHandle event(CreateEventA(&inherited, TRUE, FALSE, nullptr));
+    const util::WinHandle event(CreateEventA(&inherited, TRUE, FALSE, nullptr));
     const auto number = reinterpret_cast<std::intptr_t>(event.get());
     ksl_system2((child + "signal " + std::to_string(number)).c_str());
     EXPECT_EQ(WaitForSingleObject(event.get(), 0), DWORD(WAIT_TIMEOUT));

@@ -37,7 +37,7 @@ inline bool repeats(const Start& start, DWORD code, int tries_left) {
 }
 
 // The process, which may still be loading. Throws when the program cannot be started.
-inline util::FileHandle started(Start start) {
+inline util::WinHandle started(Start start) {
     start.startup.cb = sizeof start.startup;
     for (int tries_left = 2;; --tries_left) {
         std::wstring line = to_wide(start.command);
@@ -45,7 +45,7 @@ inline util::FileHandle started(Start start) {
         if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, start.inherits, start.flags,
                            nullptr, to_wide(start.directory).c_str(), &start.startup, &process)) {
             CloseHandle(process.hThread);
-            return util::FileHandle(process.hProcess);
+            return util::WinHandle(process.hProcess);
         }
         const DWORD error = GetLastError();
         if (error != ERROR_INTERNAL_ERROR || !repeats(start, error, tries_left))

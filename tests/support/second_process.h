@@ -32,7 +32,7 @@ class Signal {
     }
 
     std::string m_name;
-    util::FileHandle m_event;
+    util::WinHandle m_event;
 };
 
 // tests/support/files_child.cpp with a verb. It sets ready when it is about to begin (or holds the
@@ -54,7 +54,7 @@ class SecondProcess {
     Signal ready;
 
   private:
-    util::FileHandle m_process;
+    util::WinHandle m_process;
 };
 
 }  // namespace util_test
