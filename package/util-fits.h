@@ -5,7 +5,6 @@
 #elif !defined(__x86_64__) && !defined(_M_X64)
 #error "util is a DLL for x86-64, and this build is for another processor."
 #elif !defined(__MINGW32__)
-#error \
-    "util.dll has classes of MinGW-w64's GCC; from this compiler, link lib/util.lib and call the plain functions."
+#error "The classes of util need MinGW-w64: link lib/util.lib and call the plain functions."
 #endif
 #include "util/export.h"
