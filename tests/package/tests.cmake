@@ -71,7 +71,10 @@ package_run_test(is-shown-by-debuggers debugs)
 
 # Built again, from a copy of the sources and by the recipes for package managers.
 package_test(builds-by-pkgbuild thorough builds_by_pkgbuild)
-package_test(gives-the-same-zip thorough gives_the_same_zip)
-package_test(builds-by-vcpkg thorough builds_by_vcpkg)
 set_property(TEST package.builds-by-pkgbuild PROPERTY FIXTURES_SETUP rebuilt)
-set_property(TEST package.gives-the-same-zip APPEND PROPERTY FIXTURES_REQUIRED rebuilt)
+foreach(name gives-the-same-zip builds-by-vcpkg)  # in the build folder of the former
+    string(REPLACE - _ call ${name})
+    package_test(${name} thorough ${call})
+    set_property(TEST package.${name} APPEND PROPERTY FIXTURES_REQUIRED rebuilt)
+    set_property(TEST package.${name} PROPERTY RESOURCE_LOCK rebuilt)
+endforeach()
