@@ -13,7 +13,7 @@ demo() {
     mkdir -p "$folder"
     say "agent inventory ${skip[*]:+${skip[*]} }$1"
     run agent inventory "${skip[@]}" "$(path "$1")" "$(path "$build/inventory.rec")" ||
-        die "the inventory of '$1' is not complete, as said above"
+        die "cannot list all of '$1'; see the messages above"
     demo_compare "$folder/tree" "$folder/old.rec" "$folder/new.rec"
     say "agent report"
     run agent report
@@ -25,7 +25,7 @@ demo() {
 Every step of the demo ended as it should. To try next:
   ./dev test                                             run every test (some minutes)
   ./dev wine build/windows/bin/agent.exe help            see what else the agent does
-  ./dev package                                          make the zip that programs are built with
+  ./dev package                                          make the package for your own programs
 EOF
 }
 

@@ -10,6 +10,20 @@
 
 #ifndef __cplusplus
 #include <stdbool.h>
+#elif defined(_WIN32)
+#include <cstddef>
+#include <cstdint>
+// A class of util.dll fits a program only with the same runtime. The package's CMake files show the
+// same sentences.
+#if __cplusplus < 201703L && !defined(_MSC_VER)
+#error "util needs C++17 or later (-std=c++17)."
+#endif
+#if defined(_LIBCPP_VERSION)
+#error "util needs libstdc++, and this program uses libc++ (leave out -stdlib=libc++)."
+#endif
+#if defined(__MINGW32__) && defined(_UCRT)
+#error "util needs the C runtime msvcrt, and this program uses UCRT (on MSYS2, take MINGW64)."
+#endif
 #endif
 
 /// Exports a declaration from util.dll, or imports it.
