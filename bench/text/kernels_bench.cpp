@@ -50,8 +50,8 @@ void kernels_at(std::size_t size) {
         "copy_text", [=] { return sse2::copy_text(from, to, size + 64); },
         [=] { return scalar::copy_text(from, to, size + 64); });
     row(
-        "change_case", [=] { return sse2::change_case(to, size, 'a'), *to; },
-        [=] { return scalar::change_case(to, size, 'a'), *to; });
+        "change_case", [=] { return sse2::change_case(to, size, 'a', to), *to; },
+        [=] { return scalar::change_case(to, size, 'a', to), *to; });
     row(
         "equal_folded", [=] { return sse2::equal_folded(from, other, size); },
         [=] { return scalar::equal_folded(from, other, size); });

@@ -9,11 +9,16 @@
 namespace util {
 namespace scalar {
 
-// The 26 letters from first ('a' or 'A') on change case, in place; all other bytes stay.
-inline void change_case(char* text, std::size_t size, char first) {
+// Copies bytes to `to`, with the 26 letters from `first` ('a' or 'A') on in the other case. `from`
+// may be `to`. Returns whether there is a NUL among the bytes.
+inline bool change_case(char* to, std::size_t size, char first, const char* from) {
+    bool has_nul = false;
     for (std::size_t i = 0; i < size; ++i) {
-        if (text[i] >= first && text[i] < first + 26) text[i] = static_cast<char>(text[i] ^ 0x20);
+        const char c = from[i];
+        has_nul = has_nul || c == '\0';
+        to[i] = c >= first && c < first + 26 ? static_cast<char>(c ^ 0x20) : c;
     }
+    return has_nul;
 }
 
 }  // namespace scalar
@@ -29,28 +34,35 @@ inline Block case_changed(Block block, char first) {
 }
 
 // Half a block at a time for short texts. The last block of a text overlaps the one before it: it
-// is taken from the text before anything is written, so every byte is changed once.
-inline void change_case(char* text, std::size_t size, char first) {
+// is loaded before anything is stored, so every byte is changed once.
+inline bool change_case(char* to, std::size_t size, char first, const char* from) {
     if (size >= block_size) {
-        char* const last = text + size - block_size;
-        const Block changed_last = case_changed(load(last), first);
-        for (; text < last; text += block_size)
-            store(text, case_changed(load(text), first));
-        store(last, changed_last);
-    } else if (size >= block_size / 2) {
-        const auto half = [](char* at) { return reinterpret_cast<Block*>(at); };
-        char* const last = text + size - block_size / 2;
-        const Block changed_first = case_changed(_mm_loadl_epi64(half(text)), first);
-        const Block changed_last = case_changed(_mm_loadl_epi64(half(last)), first);
-        _mm_storel_epi64(half(text), changed_first);
-        _mm_storel_epi64(half(last), changed_last);
-    } else {
-        scalar::change_case(text, size, first);
+        const Block last = load(from + size - block_size);
+        Block least = last;
+        for (std::size_t i = 0; i + block_size < size; i += block_size) {
+            const Block block = load(from + i);
+            least = _mm_min_epu8(least, block);
+            store(to + i, case_changed(block, first));
+        }
+        store(to + size - block_size, case_changed(last, first));
+        return equal_bits(least, _mm_setzero_si128()) != 0;
     }
+    constexpr std::size_t half = block_size / 2;
+    if (size < half) return scalar::change_case(to, size, first, from);
+    const Block begin = _mm_loadl_epi64(reinterpret_cast<const Block*>(from));
+    const Block end = _mm_loadl_epi64(reinterpret_cast<const Block*>(from + size - half));
+    _mm_storel_epi64(reinterpret_cast<Block*>(to), case_changed(begin, first));
+    _mm_storel_epi64(reinterpret_cast<Block*>(to + size - half), case_changed(end, first));
+    return equal_bits(_mm_unpacklo_epi64(begin, end), _mm_setzero_si128()) != 0;
 }
 
 }  // namespace sse2
 #endif
+
+// In place.
+inline void change_case(char* text, std::size_t size, char first) {
+    kernels::change_case(text, size, first, text);
+}
 
 }  // namespace util
 
