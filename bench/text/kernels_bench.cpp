@@ -89,7 +89,7 @@ const bench::Section section("5 Kernels", [] {
     char digits[16];
     std::uint64_t number = 0x123456789ABCDEF0;
     compare(
-        "hex_digits", 16, [&] { return keep(number), sse2::hex_digits(number, digits), *digits; },
+        "hex_digits", 8, [&] { return keep(number), sse2::hex_digits(number, digits), *digits; },
         [&] { return keep(number), scalar::hex_digits(number, digits), *digits; });
 });
 
