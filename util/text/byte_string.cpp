@@ -33,7 +33,8 @@ String::String(char c) {
     m_text.assign(1, c);
 }
 String::String(const char* s) : ExtString(s) {}
-String::String(const char* s, std::uint64_t n) : ExtString(s ? s : "", s ? n : 0) {}
+String::String(const char* s, std::uint64_t n)
+    : ExtString([=] { return std::string(s ? s : "", s ? n : 0); }, made) {}
 String::String(std::uint64_t n, char c) {
     m_text.assign(n, c);
 }
