@@ -26,24 +26,29 @@ std::string all_replaced_in_long(std::string_view text, std::string_view what,
     return result.take();
 }
 
-// A short text is gone through byte by byte, with a result that fits the call's own space.
+// A short text is put together in the call's own space, which fits the result.
 std::string all_replaced(std::string_view text, std::string_view what, std::string_view with) {
-    char space[4 * util::chunk_size];
     if (text.size() > util::chunk_size || with.size() > util::chunk_size)
         return all_replaced_in_long(text, what, with);
+    char space[4 * util::chunk_size];
     char* end = space;
-    for (std::size_t i = 0; i < text.size();) {
-        if (text[i] != what.front() || text.compare(i, what.size(), what) != 0) {
-            *end++ = text[i++];
-            continue;
-        }
-        const std::size_t rest = text.size() - i;
-        if (static_cast<std::size_t>(end - space) + with.size() + rest > sizeof space)
-            return all_replaced_in_long(text, what, with);
-        std::memcpy(end, with.data(), with.size());
-        end += with.size();
-        i += what.size();
-    }
+    const auto put = [&](std::string_view piece) {
+        std::memcpy(end, piece.data(), piece.size());
+        end += piece.size();
+    };
+    std::size_t begin = 0;
+    bool fits = true;
+    util::each_occurrence(text, what, 0, [&](std::size_t at) {
+        const auto used = static_cast<std::size_t>(end - space);
+        fits = used + (text.size() - begin) + with.size() <= sizeof space;
+        if (!fits) return false;
+        put(text.substr(begin, at - begin));
+        put(with);
+        begin = at + what.size();
+        return true;
+    });
+    if (!fits) return all_replaced_in_long(text, what, with);
+    put(text.substr(begin));
     return std::string(space, end);
 }
 
