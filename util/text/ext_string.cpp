@@ -6,7 +6,6 @@
 #include "util/internal/kernels/change_case.h"
 #include "util/internal/position_error.h"
 #include "util/text/find_text.h"
-#include "util/text/occurrences.h"
 
 namespace extstl {
 

@@ -17,8 +17,8 @@
 #include "util/internal/kept_errors.h"
 #include "util/internal/lock.h"
 #include "util/text/byte_string.h"
+#include "util/text/common_format.h"
 #include "util/text/find_text.h"
-#include "util/text/plain_format.h"
 
 namespace {
 
@@ -216,7 +216,7 @@ String format_long(FormattedLength made, SharedBuffer::Formatter* formatter, con
         if (fits) return text;
         Arguments copy(args);
         const auto counted = by_runtime ? count_by_runtime(fmt, copy.list())
-                                        : util::format_plainly(nullptr, 0, fmt, copy.list());
+                                        : util::format_common(nullptr, 0, fmt, copy.list());
         if (!counted) return text;
         made = *counted;
     }
@@ -250,9 +250,9 @@ String String::va_format(const char* fmt, va_list args) {
     // just been written in, so processors would wait for those stores (5 ns of 30).
     Arguments copy(args);
     char space[first_size];
-    const auto simple = util::format_plainly(space, first_size, fmt, args);
+    const auto simple = util::format_common(space, first_size, fmt, args);
     if (simple && simple->length < first_size) return String(space, simple->visible);
-    if (simple) return format_long(*simple, util::format_plainly, fmt, copy.list());
+    if (simple) return format_long(*simple, util::format_common, fmt, copy.list());
     const util::KeptErrors kept;
     Arguments again(copy.list());
     const auto made = format_by_runtime(space, first_size, fmt, again.list());

@@ -2,7 +2,6 @@
 
 #include "util/text/byte_string.h"
 #include "util/text/find_text.h"
-#include "util/text/occurrences.h"
 #include "util/text/text_writer.h"
 
 namespace {

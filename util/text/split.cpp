@@ -2,7 +2,7 @@
 #include <stdexcept>
 
 #include "util/text/byte_string.h"
-#include "util/text/occurrences.h"
+#include "util/text/find_text.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "util/text/plain_format.h"
+#include "util/text/common_format.h"
 
 #include <algorithm>
 #include <charconv>
@@ -63,9 +63,9 @@ class Output {
 
 }  // namespace
 
-std::optional<FormattedLength> format_plainly(char* space, std::size_t size, const char* fmt,
-                                              // NOLINTNEXTLINE: va_arg moves it on
-                                              va_list args) {
+std::optional<FormattedLength> format_common(char* space, std::size_t size, const char* fmt,
+                                             // NOLINTNEXTLINE: va_arg moves it on
+                                             va_list args) {
     Output output(space, size);
     for (;; ++fmt) {
         if (*fmt != '%' && *fmt != '\0') {

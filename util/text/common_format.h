@@ -1,6 +1,6 @@
 // The printf directives that most formats are made of, without the runtime.
-#ifndef UTIL_TEXT_PLAIN_FORMAT_H
-#define UTIL_TEXT_PLAIN_FORMAT_H
+#ifndef UTIL_TEXT_COMMON_FORMAT_H
+#define UTIL_TEXT_COMMON_FORMAT_H
 
 #include <cstdarg>
 #include <cstddef>
@@ -19,8 +19,8 @@ constexpr std::size_t unknown_length = ~std::size_t{0};
 // and %%, without flags, widths and precisions. Otherwise the result is empty. The length of a text
 // longer than `size` is unknown, and some of the text is written. With `size` 0 nothing is written
 // and the length is known. Uses the arguments up.
-std::optional<FormattedLength> format_plainly(char* space, std::size_t size, const char* fmt,
-                                              va_list args);
+std::optional<FormattedLength> format_common(char* space, std::size_t size, const char* fmt,
+                                             va_list args);
 
 }  // namespace util
 
