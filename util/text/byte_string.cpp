@@ -126,8 +126,8 @@ String String::to_upper() const {
 }
 
 String String::trim(const char* set) const {
-    // A set of bytes below 64, as white space is, fits a register. As if the search saw the set's
-    // closing NUL, a NUL is a member of every set.
+    // A set of bytes below 64, such as white space, fits a register. NUL is a member of every set,
+    // by design.
     std::uint64_t bits = 1;
     bool is_small = true;
     for (const char* c = set; c && *c; ++c) {

@@ -47,15 +47,15 @@ std::vector<std::size_t> borders_of(std::string_view what);
 // Length of the common prefix of `a` and `b`. `a` has at least `b.size()` bytes.
 std::size_t common_length(const char* a, std::string_view b);
 
-// A text that others are compared with. Most are short, and a call of memcmp costs more than their
-// comparison, so the first eight bytes are compared as one number.
+// A text to compare others with. The first eight bytes are compared as one number: most texts are
+// shorter, and a call of memcmp takes longer than their comparison.
 class Needle {
   public:
     explicit Needle(std::string_view text) : m_text(text), m_word(first_word(text)) {
         if (text.size() < sizeof m_mask) m_mask = (std::uint64_t{1} << 8 * text.size()) - 1;
     }
 
-    // Whether `there`, which is at least as long, begins with it.
+    // Returns whether `there` begins with this text. `there` is at least as long.
     bool begins(std::string_view there) const {
         if (((first_word(there) ^ m_word) & m_mask) != 0) return false;
         return m_text.size() <= sizeof m_word ||
@@ -72,8 +72,8 @@ struct SameByte {
     char operator()(char c) const { return c; }
 };
 
-// As below, in one pass over both texts whatever they contain. Bytes of text are compared after
-// `map`.
+// As each_occurrence, in one pass over both texts whatever they contain. Maps the bytes of `text`
+// before it compares them.
 template <typename Take, typename Map = SameByte>
 void each_in_repetitive(std::string_view text, std::string_view what, std::size_t pos, Take take,
                         Map map = Map()) {
@@ -96,9 +96,9 @@ void each_in_repetitive(std::string_view text, std::string_view what, std::size_
 template <typename Take>
 void each_occurrence(std::string_view text, std::string_view what, std::size_t pos, Take take) {
     if (text.size() < what.size()) return;
-    // Comparing only where the first and the last byte match is fastest while few of these places
-    // match in part. Once the comparisons have cost more than one pass over the text so far, the
-    // search that is linear for any texts takes over.
+    // Compares only where the first and the last byte match. That is fastest while few of these
+    // places match in part. When the comparisons have taken longer than one pass over the text so
+    // far, the search that is linear for all texts takes over.
     constexpr std::size_t allowance = 32;
     const Needle needle(what);
     std::size_t wasted = 0;

@@ -12,7 +12,7 @@ std::string all_replaced_in_long(std::string_view text, std::string_view what,
     util::add_occurrences(text, what, places);
     if (places.empty()) return std::string(text);
     const std::size_t count = places.count();
-    // First what goes and then what comes, so that no step is negative.
+    // Subtracts before it adds, so that no intermediate value overflows.
     util::TextWriter result(text.size() - count * what.size() + count * with.size());
     const util::RepeatedPiece replacement(with);
     std::size_t begin = 0;
@@ -25,7 +25,7 @@ std::string all_replaced_in_long(std::string_view text, std::string_view what,
     return result.take();
 }
 
-// A short text is put together in the call's own space, which fits the result.
+// The result of a short text is built on the stack if it fits there.
 std::string all_replaced(std::string_view text, std::string_view what, std::string_view with) {
     if (text.size() > util::chunk_size || with.size() > util::chunk_size)
         return all_replaced_in_long(text, what, with);
@@ -64,7 +64,7 @@ std::string first_replaced(std::string_view text, std::string_view what, std::st
 String& String::replace(const char* from, const char* to, scopeType scope) {
     const bool only_first = scope == SCOPE_FIRST;
     const std::string_view what = util::c_text(from);
-    // The empty text occurs without end at one place; replacing it everywhere has no result.
+    // Replacing every occurrence of the empty text would never end.
     if (!from || (what.empty() && !only_first)) return *this;
 
     const std::string_view visible = util::up_to_nul(view());

@@ -1,4 +1,4 @@
-// Moving ASCII letters to the other case.
+// Changes the case of ASCII letters.
 #ifndef UTIL_INTERNAL_KERNELS_CHANGE_CASE_H
 #define UTIL_INTERNAL_KERNELS_CHANGE_CASE_H
 
@@ -9,8 +9,8 @@
 namespace util {
 namespace scalar {
 
-// Copies bytes to `to`, with the 26 letters from `first` ('a' or 'A') on in the other case. `from`
-// may be `to`. Returns whether there is a NUL among the bytes.
+// Copies bytes from `from` to `to`, which may be the same. Changes the case of the 26 letters from
+// `first` ('a' or 'A') on. Returns whether one of the bytes is a NUL.
 inline bool change_case(char* to, std::size_t size, char first, const char* from) {
     bool has_nul = false;
     for (std::size_t i = 0; i < size; ++i) {
@@ -26,15 +26,15 @@ inline bool change_case(char* to, std::size_t size, char first, const char* from
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
 
-// Bytes from 0x80 up are negative to the comparison, so they are below every letter.
+// The comparison is signed, so bytes from 0x80 up are below every letter.
 inline Block case_changed(Block block, char first) {
     const Block letters = _mm_and_si128(_mm_cmpgt_epi8(block, all(static_cast<char>(first - 1))),
                                         _mm_cmplt_epi8(block, all(static_cast<char>(first + 26))));
     return _mm_xor_si128(block, _mm_and_si128(letters, all(0x20)));
 }
 
-// Half a block at a time for short texts. The last block of a text overlaps the one before it: it
-// is loaded before anything is stored, so every byte is changed once.
+// Texts of 8 to 15 bytes take two half blocks. The last block of a text overlaps the one before it.
+// It is loaded before anything is stored, so every byte is changed once.
 inline bool change_case(char* to, std::size_t size, char first, const char* from) {
     if (size >= block_size) {
         const Block last = load(from + size - block_size);
