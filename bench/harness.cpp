@@ -15,10 +15,10 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 struct Settings {
-    int rounds = 11;          // at least, and more of them
-    double seconds = 1;       // until so much time has gone into an operation
-    double milliseconds = 2;  // at least, for one variant of one round
-    std::string filter;       // sections whose name contains it
+    int rounds = 11;            // at least, and more of them
+    double seconds = 1;         // until so much time has gone into an operation
+    double milliseconds = 0.3;  // at least, for one variant of one round
+    std::string filter;         // sections whose name contains it
     Section::Cores cores = Section::Cores::any;
     std::FILE* output = stdout;
 };
@@ -114,7 +114,7 @@ const char* role_name(Role role) {
         case Role::described:
             break;
     }
-    return "plain";
+    return "described";
 }
 
 std::size_t index_of(const Operation& operation, const std::string& name) {

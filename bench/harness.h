@@ -1,12 +1,12 @@
 // A small benchmark harness that compares, in one process, the library with a limit and with peers.
 //
-// The method. An operation has several variants: the limit (the least that any implementation
-// must do), the library, its peers, and the plain algorithm. A round runs every variant once, for
-// some milliseconds each, and starts with another variant than the round before; there are eleven
-// rounds at least, and as many as a second allows. What the machine does meanwhile (a clock that
-// changes, a neighbour's work) then meets all variants of a round alike, so the quotient of two
-// variants is taken within a round; the ratio that is reported is the median of these quotients
-// over all rounds. Figures in nanoseconds move with the machine; the ratios are what counts.
+// The method. An operation has several variants: the limit (the least that any implementation must
+// do), the library, its peers, and the algorithm as described. A round runs every variant once, for
+// 0.3 ms each, and starts with another variant than the round before. There are eleven rounds at
+// least, and as many as a second allows. The rounds are short so that a neighbour's work interrupts
+// few of them. A slower clock slows all variants of a round. The reported ratio is the median, over
+// all rounds, of the quotients of two times of one round. Times depend on the machine. Ratios
+// hardly do.
 #ifndef UTIL_BENCH_HARNESS_H
 #define UTIL_BENCH_HARNESS_H
 

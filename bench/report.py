@@ -1,4 +1,4 @@
-"""Writes docs/benchmarks.md and its picture from the benchmarks' data, and checks the bars.
+"""Writes docs/benchmarks.md, its picture and the table of kernels, and checks the bars.
 
 usage: report.py [--pages FOLDER] PLATFORM=FILE...
 
@@ -18,6 +18,8 @@ import sys
 HERE = pathlib.Path(__file__).parent
 GROWTH_LIMIT = 8  # 4 is linear, 16 is quadratic; the rest is room for the processor's caches
 MEMORY_LIMIT = 1.05  # memory at the end of a long run, as a multiple of that after a tenth of it
+
+KERNEL_SIZES = 8, 24, 60, 260, 4096  # of kernels_bench.cpp, as the table's columns
 
 # What the picture shows: the operations that programs call most, and the peer of each.
 PICTURE = [
@@ -51,7 +53,7 @@ class Operation:
 
 
 Bar = collections.namedtuple("Bar", "platform operation subject against at_most noise reason")
-Verdict = collections.namedtuple("Verdict", "platform operation what ratio at_most noise met")
+Verdict = collections.namedtuple("Verdict", "platform operation what ratio at_most noise met reason", defaults=[""])
 
 
 def read(platform, path):
@@ -91,7 +93,7 @@ def verdicts(operations, memory):
             setting = bar.subject.partition(", ")[2]
             what = f"{setting} against one" if setting else f"against {bar.against}"
             yield Verdict(operation.platform, operation.name, what, ratio, at_most, noise,
-                          ratio <= at_most * (1 + noise / 100))
+                          ratio <= at_most * (1 + noise / 100), bar.reason)
         growth = operation.ratio("util", "util, four times the size")
         if growth is not None:
             yield Verdict(operation.platform, operation.name, "four times the size", growth,
@@ -127,11 +129,11 @@ def line(cells):
 
 
 def bar_table(rows):
-    yield "| Operation | platform | bar | ratio | at most | noise | met |"
-    yield "|---|---|---|--:|--:|--:|---|"
+    yield "| Operation | platform | bar | ratio | at most | noise | met | remark |"
+    yield "|---|---|---|--:|--:|--:|---|---|"
     for row in rows:
         yield line([row.operation, row.platform, row.what, times(row.ratio), times(row.at_most),
-                    f"{row.noise} %", "yes" if row.met else "**no**"])
+                    f"{row.noise} %", "yes" if row.met else "**no**", row.reason])
 
 
 def table(operations):
@@ -172,12 +174,16 @@ def first_line(*command):
     return subprocess.run(command, capture_output=True, text=True, check=True).stdout.splitlines()[0]
 
 
+def the_machine():
+    return f"Machine: {processor()}; {first_line('g++', '--version')}; {first_line('wine', '--version')}."
+
+
 def page(platforms, memory, checked):
     text = (HERE / "page.md").read_text(encoding="utf-8").rstrip()
     short = [row for row in checked if not row.met]
     yield text
     yield ""
-    yield f"Machine: {processor()}; {first_line('g++', '--version')}; {first_line('wine', '--version')}."
+    yield the_machine()
     yield ""
     yield "## Bars"
     yield ""
@@ -211,6 +217,24 @@ def page(platforms, memory, checked):
         yield "| Pattern | at the start | after a tenth | at the end | peak | heap blocks, tenth to end |"
         yield "|---|--:|--:|--:|--:|--:|"
         yield from map(line, memory)
+
+
+def kernel_table(platforms, lines):
+    """The lines of util/internal/kernels/README.md, with the measured figures in its table."""
+    ratios = {(platform, o.name): o.ratio("scalar") for platform, rows in platforms.items()
+              for o in rows if o.ratio("scalar")}
+    for text in lines:
+        if text.startswith("| `"):
+            name, *_, serves = text.strip("| ").split(" | ")
+            cells = []
+            for size in KERNEL_SIZES:
+                key = f"{name.strip('`')}, {size} bytes"
+                pair = [ratios.get((platform, key)) for platform in ("natively", "under Wine")]
+                cells.append(" / ".join(f"{1 / ratio:.1f}" for ratio in pair if ratio))
+            text = line([name, *cells, serves])
+        elif text.startswith("Machine: "):
+            text = the_machine()
+        yield text
 
 
 def picture(operations):
@@ -259,6 +283,9 @@ def main():
         for name, lines in (("benchmarks.md", page(platforms, memory, checked)),
                             ("benchmarks.svg", picture(operations))):
             (arguments.pages / name).write_text("\n".join(lines) + "\n", encoding="utf-8")
+        kernels = HERE.parent / "util/internal/kernels/README.md"
+        lines = kernels.read_text(encoding="utf-8").splitlines()
+        kernels.write_text("\n".join(kernel_table(platforms, lines)) + "\n", encoding="utf-8")
     missed = [row for row in checked if not row.met]
     for row in missed:
         print(f"missed: {row.platform}, {row.operation}, {row.what}: {times(row.ratio)}, "

@@ -25,7 +25,7 @@ Block decode(const std::string& coded, int length) {
     return Block(out);
 }
 
-std::string plain_encode(const std::string& bytes) {
+std::string model_encode(const std::string& bytes) {
     std::string coded;
     for (const char c : bytes) {
         if (c == 1 || c == 2) coded += '\2';
@@ -35,7 +35,7 @@ std::string plain_encode(const std::string& bytes) {
 }
 
 // What a coded text stands for; false when a 02 is followed by neither 01 nor 02.
-bool plain_decode(const std::string& coded, std::string& bytes) {
+bool model_decode(const std::string& coded, std::string& bytes) {
     for (std::size_t i = 0; i < coded.size(); ++i) {
         if (coded[i] == 2) {
             if (++i == coded.size() || (coded[i] != 1 && coded[i] != 2)) return false;
@@ -54,7 +54,7 @@ void coded_characters(std::string_view input) {
     if (bytes.size() > 2) {
         const int length = static_cast<int>(bytes.size()) - 2;  // two bytes beyond it are taken in
         const Block coded = encode(bytes, length);
-        require(coded.get() == plain_encode(bytes), "encoding");
+        require(coded.get() == model_encode(bytes), "encoding");
         const Block back = decode(coded.get(), length);
         require(back != nullptr, "what was encoded decodes");
         std::string whole = bytes;  // and zeros after it
@@ -64,7 +64,7 @@ void coded_characters(std::string_view input) {
     // Any text at all, promised to be as short as can be.
     const std::string coded = up_to_nul(bytes);
     std::string expected;
-    const bool valid = plain_decode(coded, expected);
+    const bool valid = model_decode(coded, expected);
     const Block decoded = decode(coded, 1);
     require((decoded != nullptr) == valid, "only well-formed texts decode");
     require(!valid || std::memcmp(decoded.get(), expected.data(), expected.size()) == 0,

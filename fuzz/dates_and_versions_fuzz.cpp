@@ -8,7 +8,7 @@ namespace util_fuzz {
 namespace {
 
 // The first run of digits of each component, modulo 2^32.
-std::vector<int> plain_components(const String& version) {
+std::vector<int> model_components(const String& version) {
     constexpr char digits[] = "0123456789";
     std::vector<int> values;
     for (const String& component : version.split(".", true)) {
@@ -23,16 +23,16 @@ std::vector<int> plain_components(const String& version) {
     return values;
 }
 
-int plain_order(const String& a, const String& b) {
-    std::vector<int> left = plain_components(a);
-    std::vector<int> right = plain_components(b);
+int model_order(const String& a, const String& b) {
+    std::vector<int> left = model_components(a);
+    std::vector<int> right = model_components(b);
     left.resize(std::max(left.size(), right.size()));
     right.resize(left.size());
     return left < right ? -1 : left > right ? 1 : 0;
 }
 
 void check_versions(const String& a, const String& b) {
-    const int order = plain_order(a, b);
+    const int order = model_order(a, b);
     require(a.isLessThanVersion(b) == (order < 0), "less");
     require(a.isGreaterThanVersion(b) == (order > 0), "greater");
     require(a.isEqualToVersion(b) == (order == 0), "equal");

@@ -18,10 +18,12 @@ void check_sized(const std::vector<char>& text, char c) {
                 scalar::find_byte(text.data(), text.size(), c),
             "find_byte");
     for (const char first : {'a', 'A'}) {
-        std::vector<char> changed = text, expected = text;
-        kernels::change_case(changed.data(), changed.size(), first);
-        scalar::change_case(expected.data(), expected.size(), first);
-        require(changed == expected, "change_case");
+        std::vector<char> changed = text, copied(text.size()), expected(text.size());
+        const bool has_nul = scalar::change_case(expected.data(), text.size(), first, text.data());
+        change_case(changed.data(), changed.size(), first);
+        require(kernels::change_case(copied.data(), text.size(), first, text.data()) == has_nul,
+                "NUL of change_case");
+        require(changed == expected && copied == expected, "change_case");
     }
     const std::size_t words = text.size() / 4;
     require(kernels::hash_words(7, text.data(), words) == scalar::hash_words(7, text.data(), words),

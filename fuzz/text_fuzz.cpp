@@ -20,7 +20,7 @@ std::string upper(std::string text) {
     return text;
 }
 
-Fields plain_split(const std::string& text, const std::string& separators, bool skip_empty) {
+Fields model_split(const std::string& text, const std::string& separators, bool skip_empty) {
     Fields fields;
     std::string field;
     for (std::size_t i = 0; i <= text.size() && !text.empty(); ++i) {
@@ -34,7 +34,7 @@ Fields plain_split(const std::string& text, const std::string& separators, bool 
     return fields;
 }
 
-std::string plain_squeeze(const std::string& text) {
+std::string model_squeeze(const std::string& text) {
     std::string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (!util::is_space(text[i]) && !util::is_control(text[i])) {
@@ -46,7 +46,7 @@ std::string plain_squeeze(const std::string& text) {
     return result;
 }
 
-std::uint32_t plain_hash(const std::string& text) {
+std::uint32_t model_hash(const std::string& text) {
     auto h = static_cast<std::uint32_t>(text.size());
     for (std::size_t i = 0; i < text.size(); i += 4) {
         const std::size_t n = std::min<std::size_t>(4, text.size() - i);
@@ -66,10 +66,10 @@ std::uint32_t plain_hash(const std::string& text) {
 
 void check_split(const std::string& bytes, const std::string& separators) {
     const String subject(bytes);
-    const Fields filled = plain_split(bytes, separators, true);
+    const Fields filled = model_split(bytes, separators, true);
     require(subject.split(separators, true) == filled, "split gives the filled fields");
     if (bytes.empty() || !filled.empty()) {
-        require(subject.split(separators, false) == plain_split(bytes, separators, false),
+        require(subject.split(separators, false) == model_split(bytes, separators, false),
                 "split gives all fields");
         return;
     }
@@ -97,7 +97,7 @@ void check_string_array(const Fields& fields) {
     for (const String& field : fields)
         joined += (&field == fields.data() ? "" : "$") + up_to_nul(field.str());
     require(serializeStrArray(fields) == joined, "serializeStrArray");
-    require(deserializeStrArray(joined) == plain_split(joined, "$", true), "deserializeStrArray");
+    require(deserializeStrArray(joined) == model_split(joined, "$", true), "deserializeStrArray");
 }
 
 void check_trim(const std::string& bytes, const std::string& set) {
@@ -146,13 +146,13 @@ void text(std::string_view input) {
     check_split(bytes, few);
     check_split_by_tag(bytes, few);
     check_trim(bytes, few);
-    require(String(bytes).hash() == plain_hash(bytes), "hash");
+    require(String(bytes).hash() == model_hash(bytes), "hash");
     String squeezed(bytes);
-    require(squeezed.squeeze_spaces() == plain_squeeze(up_to_nul(bytes)), "squeeze_spaces");
-    require(squeezed == plain_squeeze(up_to_nul(bytes)), "squeeze_spaces in place");
+    require(squeezed.squeeze_spaces() == model_squeeze(up_to_nul(bytes)), "squeeze_spaces");
+    require(squeezed == model_squeeze(up_to_nul(bytes)), "squeeze_spaces in place");
     require(String::format("%s", bytes.c_str()) == bytes.c_str(), "format copies");
 
-    check_string_array(plain_split(bytes, "\n", false));
+    check_string_array(model_split(bytes, "\n", false));
 }
 
 }  // namespace util_fuzz

@@ -6,7 +6,7 @@
 namespace util_fuzz {
 namespace {
 
-bool plain_match(std::string list, const std::string& token, const std::string& delimits) {
+bool model_match(std::string list, const std::string& token, const std::string& delimits) {
     bool found = false;
     for (char* word = std::strtok(list.data(), delimits.c_str()); word;
          word = std::strtok(nullptr, delimits.c_str())) {
@@ -16,7 +16,7 @@ bool plain_match(std::string list, const std::string& token, const std::string& 
 }
 
 // The signed difference of the first bytes that are not the same letter in two cases.
-int plain_order(const std::string& a, const std::string& b) {
+int model_order(const std::string& a, const std::string& b) {
     const std::size_t common = std::min(a.size(), b.size());
     for (std::size_t i = 0; i < common; ++i) {
         const int c1 = static_cast<signed char>(a[i]), c2 = static_cast<signed char>(b[i]);
@@ -64,15 +64,15 @@ void token_lists(std::string_view input) {
     const std::string list = up_to_nul(parameters.rest());
 
     require(ksl_match_token_str(list.c_str(), token.c_str(), delimits.c_str()) ==
-                (plain_match(list, token, delimits) ? 1 : 0),
+                (model_match(list, token, delimits) ? 1 : 0),
             "a word of the list");
 
-    require(ksl_strcasecmp(list.c_str(), token.c_str()) == plain_order(list, token), "order");
+    require(ksl_strcasecmp(list.c_str(), token.c_str()) == model_order(list, token), "order");
 
     // The same text but for case and, somewhere, one byte.
     std::string alike = with_case_changed(list, 'a', 'z');
     if (!alike.empty() && !token.empty()) alike[alike.size() * 3 / 4] = token[0];
-    require(ksl_strcasecmp(list.c_str(), alike.c_str()) == plain_order(list, alike), "order");
+    require(ksl_strcasecmp(list.c_str(), alike.c_str()) == model_order(list, alike), "order");
 
     const std::string upper = with_case_changed(list, 'a', 'z');
     require(changed(list, ksl_strupper) == upper, "strupper");

@@ -21,7 +21,7 @@ struct Parsed {
 };
 
 // The rules for text, told one after the other.
-Parsed plain_parse(const std::string& text) {
+Parsed model_parse(const std::string& text) {
     const auto consists_of = [](const std::string& s, const char* set) {
         return s.find_first_not_of(set) == std::string::npos;
     };
@@ -56,7 +56,7 @@ std::string hex_of(std::uint64_t v, std::size_t digits) {
 
 // What a caller's bytes hold afterwards: the text cut short, a NUL in the last byte of the size
 // given, and nothing else.
-std::string plain_cut(const std::string& text, std::size_t room, std::size_t size) {
+std::string model_cut(const std::string& text, std::size_t room, std::size_t size) {
     std::string bytes(room, '#');
     if (size > 0) {
         bytes.replace(0, std::min(size - 1, text.size() + 1), text.c_str(),
@@ -79,13 +79,13 @@ void check_text(std::uint64_t v) {
         std::string bytes(room, '#');
         value.to_decimal_r(bytes.data(), static_cast<int>(size));
         const std::size_t used = v == 0 ? std::min(size, 2u) : size;  // zero is always two bytes
-        require(bytes == plain_cut(decimal, room, used), "to_decimal_r cuts");
+        require(bytes == model_cut(decimal, room, used), "to_decimal_r cuts");
         bytes.assign(room, '#');
         value.to_hex_r(1, bytes.data(), size);
-        require(bytes == plain_cut(hex_of(v, 16), room, size), "to_hex_r cuts, full");
+        require(bytes == model_cut(hex_of(v, 16), room, size), "to_hex_r cuts, full");
         bytes.assign(room, '#');
         value.to_hex_r(0, bytes.data(), size);
-        require(bytes == plain_cut(hex_of(v, 9), room, size), "to_hex_r cuts");
+        require(bytes == model_cut(hex_of(v, 9), room, size), "to_hex_r cuts");
     }
 }
 
@@ -128,7 +128,7 @@ void uint64_parsing(std::string_view input) {
     const std::string text = up_to_nul(parameters.rest());
 
     const ksl_uint64_c parsed(text.c_str());
-    const Parsed expected = plain_parse(text);
+    const Parsed expected = model_parse(text);
     require(native(parsed) == expected.value, "the value parsed");
     require(ksl_uint64_c::status() == expected.status, "the status of parsing");
 

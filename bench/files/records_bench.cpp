@@ -84,7 +84,7 @@ const bench::Section section("7 Records", [] {
     const std::string raw_path = scratch / "raw";
     const HANDLE raw = CreateFileA(raw_path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                                    CREATE_ALWAYS, 0, nullptr);
-    const int fd = _open((scratch / "plain").c_str(), _O_RDWR | _O_BINARY | _O_CREAT, 0600);
+    const int fd = _open((scratch / "raw").c_str(), _O_RDWR | _O_BINARY | _O_CREAT, 0600);
     const std::string value = text;
 
     run(Operation("record written")

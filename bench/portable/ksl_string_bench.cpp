@@ -27,7 +27,7 @@ int runtime_compare(const char* a, const char* b) {
 }
 
 // As the contract describes it: measured, then byte by byte.
-int plain_compare(const char* a, const char* b) {
+int compare_as_described(const char* a, const char* b) {
     const std::size_t common = std::min(std::strlen(a), std::strlen(b));
     const auto is_upper = [](int c) { return c >= 'A' && c <= 'Z'; };
     const auto is_lower = [](int c) { return c >= 'a' && c <= 'z'; };
@@ -40,7 +40,7 @@ int plain_compare(const char* a, const char* b) {
     return 0;
 }
 
-bool plain_match(const std::string& list, const char* token) {
+bool match_on_a_copy(const std::string& list, const char* token) {
     std::string copy = list;
     for (char* word = std::strtok(&copy[0], ", "); word; word = std::strtok(nullptr, ", ")) {
         if (std::strcmp(word, token) == 0) return true;
@@ -64,7 +64,8 @@ const bench::Section section("5 Strings of the portable layer", [] {
     Operation compare("ksl_strcasecmp, 4 KB");
     compare.peer("runtime", [&] { keep(runtime_compare(lower.c_str(), upper.c_str())); })
         .library([&] { keep(ksl_strcasecmp(lower.c_str(), upper.c_str())); })
-        .described("as described", [&] { keep(plain_compare(lower.c_str(), upper.c_str())); });
+        .described("as described",
+                   [&] { keep(compare_as_described(lower.c_str(), upper.c_str())); });
     run(compare);
     std::string text = lower;
     run(Operation("ksl_strupper, 4 KB")
@@ -91,7 +92,7 @@ const bench::Section section("5 Strings of the portable layer", [] {
             }));
     run(Operation("ksl_match_token_str, 100 words")
             .library([&] { keep(ksl_match_token_str(list.c_str(), "word99", ", ")); })
-            .described("strtok on a copy", [&] { keep(plain_match(list, "word99")); }));
+            .described("strtok on a copy", [&] { keep(match_on_a_copy(list, "word99")); }));
 });
 
 }  // namespace

@@ -50,8 +50,8 @@ void kernels_at(std::size_t size) {
         "copy_text", [=] { return sse2::copy_text(from, to, size + 64); },
         [=] { return scalar::copy_text(from, to, size + 64); });
     row(
-        "change_case", [=] { return sse2::change_case(to, size, 'a'), *to; },
-        [=] { return scalar::change_case(to, size, 'a'), *to; });
+        "change_case", [=] { return sse2::change_case(to, size, 'a', to), *to; },
+        [=] { return scalar::change_case(to, size, 'a', to), *to; });
     row(
         "equal_folded", [=] { return sse2::equal_folded(from, other, size); },
         [=] { return scalar::equal_folded(from, other, size); });
@@ -89,7 +89,7 @@ const bench::Section section("5 Kernels", [] {
     char digits[16];
     std::uint64_t number = 0x123456789ABCDEF0;
     compare(
-        "hex_digits", 16, [&] { return keep(number), sse2::hex_digits(number, digits), *digits; },
+        "hex_digits", 8, [&] { return keep(number), sse2::hex_digits(number, digits), *digits; },
         [&] { return keep(number), scalar::hex_digits(number, digits), *digits; });
 });
 

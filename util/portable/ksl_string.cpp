@@ -93,12 +93,12 @@ int ksl_strcasecmp(const char* s1, const char* s2) {
 }
 
 char* ksl_str2upper(char* s) {
-    if (s) util::kernels::change_case(s, util::text_length(s), 'a');
+    if (s) util::change_case(s, util::text_length(s), 'a');
     return s;
 }
 
 char* ksl_str2lower(char* s) {
-    if (s) util::kernels::change_case(s, util::text_length(s), 'A');
+    if (s) util::change_case(s, util::text_length(s), 'A');
     return s;
 }
 

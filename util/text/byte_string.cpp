@@ -6,15 +6,11 @@
 
 #include "util/internal/byte_set.h"
 #include "util/internal/decimal.h"
+#include "util/internal/kernels/change_case.h"
 #include "util/internal/position_error.h"
 #include "util/text/find_text.h"
 
 namespace {
-
-String visible_copy(const String& s) {
-    const std::string_view visible = util::c_text(s);
-    return String(visible.data(), visible.size());
-}
 
 template <typename IsMember>
 String trimmed(std::string_view text, IsMember is_member) {
@@ -37,13 +33,12 @@ String::String(char c) {
     m_text.assign(1, c);
 }
 String::String(const char* s) : ExtString(s) {}
-String::String(const char* s, std::uint64_t n) : ExtString(s ? s : "", s ? n : 0) {}
+String::String(const char* s, std::uint64_t n)
+    : ExtString([=] { return std::string(s ? s : "", s ? n : 0); }, made) {}
 String::String(std::uint64_t n, char c) {
     m_text.assign(n, c);
 }
-String::String(std::string s) {
-    m_text = std::move(s);
-}
+String::String(std::string s) : ExtString([&] { return std::move(s); }, made) {}
 String::~String() = default;
 
 String& String::operator=(const String& other) = default;
@@ -117,30 +112,31 @@ String& String::replace(std::uint64_t pos, std::uint64_t n, const char* s) {
 }
 
 String String::to_lower() const {
-    String result = visible_copy(*this);
-    result.lower();
+    String result(*this);
+    if (util::kernels::change_case(result.m_text.data(), size(), 'A', m_text.data()))
+        result.m_text.resize(util::c_text(c_str()).size());
     return result;
 }
 
 String String::to_upper() const {
-    String result = visible_copy(*this);
-    result.upper();
+    String result(*this);
+    if (util::kernels::change_case(result.m_text.data(), size(), 'a', m_text.data()))
+        result.m_text.resize(util::c_text(c_str()).size());
     return result;
 }
 
 String String::trim(const char* set) const {
-    // A set of bytes below 64, as white space is, fits a register. As if the search saw the set's
-    // closing NUL, a NUL is a member of every set.
-    const std::string_view members = util::c_text(set);
+    // A set of bytes below 64, such as white space, fits a register. NUL is a member of every set,
+    // by design.
     std::uint64_t bits = 1;
     bool is_small = true;
-    for (const char c : members) {
-        is_small = is_small && (c & 0xC0) == 0;
-        bits |= std::uint64_t{1} << (c & 0x3F);
+    for (const char* c = set; c && *c; ++c) {
+        is_small = is_small && (*c & 0xC0) == 0;
+        bits |= std::uint64_t{1} << (*c & 0x3F);
     }
     if (is_small)
         return trimmed(view(), [bits](char c) { return (c & 0xC0) == 0 && bits >> c & 1; });
-    util::ByteSet table(members);
+    util::ByteSet table(util::c_text(set));
     table.add('\0');
     return trimmed(view(), [&table](char c) { return table.has(c); });
 }

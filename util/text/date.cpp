@@ -26,10 +26,10 @@ std::string_view name_of(const std::string_view (&names)[Count], int field) {
 // form that takes a locale. So the directives that read it are put here as they are in the "C"
 // locale; the others are left to the platform.
 std::string in_c_locale(std::string_view pattern, const std::tm& fields) {
-    std::string plain;
+    std::string result;
     for (std::size_t i = 0; i < pattern.size(); ++i) {
         if (pattern[i] != '%' || i + 1 == pattern.size()) {
-            plain += pattern[i];
+            result += pattern[i];
             continue;
         }
         // "#" asks for the long form of a date and changes nothing in the other directives here.
@@ -37,35 +37,35 @@ std::string in_c_locale(std::string_view pattern, const std::tm& fields) {
         const std::size_t length = 2 + flagged;
         switch (pattern[i + 1 + flagged]) {
             case 'a':
-                plain += name_of(day_names, fields.tm_wday).substr(0, 3);
+                result += name_of(day_names, fields.tm_wday).substr(0, 3);
                 break;
             case 'A':
-                plain += name_of(day_names, fields.tm_wday);
+                result += name_of(day_names, fields.tm_wday);
                 break;
             case 'b':
-                plain += name_of(month_names, fields.tm_mon).substr(0, 3);
+                result += name_of(month_names, fields.tm_mon).substr(0, 3);
                 break;
             case 'B':
-                plain += name_of(month_names, fields.tm_mon);
+                result += name_of(month_names, fields.tm_mon);
                 break;
             case 'p':
-                plain += fields.tm_hour < 12 ? "AM" : "PM";
+                result += fields.tm_hour < 12 ? "AM" : "PM";
                 break;
             case 'X':
-                plain += "%H:%M:%S";
+                result += "%H:%M:%S";
                 break;
             case 'x':
-                plain += flagged ? in_c_locale("%A, %B %d, %Y", fields) : "%m/%d/%y";
+                result += flagged ? in_c_locale("%A, %B %d, %Y", fields) : "%m/%d/%y";
                 break;
             case 'c':
-                plain += in_c_locale(flagged ? "%#x %X" : "%x %X", fields);
+                result += in_c_locale(flagged ? "%#x %X" : "%x %X", fields);
                 break;
             default:
-                plain += pattern.substr(i, length);
+                result += pattern.substr(i, length);
         }
         i += length - 1;
     }
-    return plain;
+    return result;
 }
 
 // strftime into a buffer of the given size; "" when the text does not fit or cannot be written.

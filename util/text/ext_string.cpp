@@ -6,7 +6,6 @@
 #include "util/internal/kernels/change_case.h"
 #include "util/internal/position_error.h"
 #include "util/text/find_text.h"
-#include "util/text/occurrences.h"
 
 namespace extstl {
 
@@ -46,10 +45,10 @@ ExtString ExtString::substr(std::uint64_t pos, std::uint64_t n) const {
 }
 
 void ExtString::upper() {
-    util::kernels::change_case(m_text.data(), m_text.size(), 'a');
+    util::change_case(m_text.data(), m_text.size(), 'a');
 }
 void ExtString::lower() {
-    util::kernels::change_case(m_text.data(), m_text.size(), 'A');
+    util::change_case(m_text.data(), m_text.size(), 'A');
 }
 
 std::uint64_t ExtString::find(const std::string& what, std::uint64_t pos, int ignore_case) const {

@@ -1,7 +1,5 @@
 #include "util/text/find_text.h"
 
-#include "util/text/occurrences.h"
-
 namespace util {
 
 std::size_t find_text(std::string_view text, std::string_view what, std::size_t pos) {
@@ -13,6 +11,25 @@ std::size_t find_text(std::string_view text, std::string_view what, std::size_t 
         return false;
     });
     return found;
+}
+
+std::vector<std::size_t> borders_of(std::string_view what) {
+    std::vector<std::size_t> borders(what.size() + 1);
+    std::size_t border = 0;
+    for (std::size_t i = 1; i < what.size(); ++i) {
+        while (border > 0 && what[i] != what[border])
+            border = borders[border];
+        if (what[i] == what[border]) ++border;
+        borders[i + 1] = border;
+    }
+    return borders;
+}
+
+std::size_t common_length(const char* a, std::string_view b) {
+    std::size_t length = 0;
+    while (length < b.size() && a[length] == b[length])
+        ++length;
+    return length;
 }
 
 }  // namespace util

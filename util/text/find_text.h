@@ -2,10 +2,17 @@
 #ifndef UTIL_TEXT_FIND_TEXT_H
 #define UTIL_TEXT_FIND_TEXT_H
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
+#include <vector>
 
 #include "util/internal/kernels/find_byte.h"
+#include "util/internal/kernels/pair_bits.h"
+#include "util/text/first_word.h"
+#include "util/text/places.h"
 
 namespace util {
 
@@ -32,6 +39,99 @@ inline std::string_view c_text(const char* text) {
 // The standard library's find compares at every place where the first byte matches. For repetitive
 // texts that takes time proportional to the product of both lengths.
 std::size_t find_text(std::string_view text, std::string_view what, std::size_t pos = 0);
+
+// For each prefix of `what`: the length of its longest border, a shorter prefix that is also its
+// suffix (Knuth, Morris and Pratt).
+std::vector<std::size_t> borders_of(std::string_view what);
+
+// Length of the common prefix of `a` and `b`. `a` has at least `b.size()` bytes.
+std::size_t common_length(const char* a, std::string_view b);
+
+// A text to compare others with. The first eight bytes are compared as one number: most texts are
+// shorter, and a call of memcmp takes longer than their comparison.
+class Needle {
+  public:
+    explicit Needle(std::string_view text) : m_text(text), m_word(first_word(text)) {
+        if (text.size() < sizeof m_mask) m_mask = (std::uint64_t{1} << 8 * text.size()) - 1;
+    }
+
+    // Returns whether `there` begins with this text. `there` is at least as long.
+    bool begins(std::string_view there) const {
+        if (((first_word(there) ^ m_word) & m_mask) != 0) return false;
+        return m_text.size() <= sizeof m_word ||
+               std::memcmp(there.data(), m_text.data(), m_text.size()) == 0;
+    }
+
+  private:
+    std::string_view m_text;
+    std::uint64_t m_word;
+    std::uint64_t m_mask = ~std::uint64_t{0};  // of the bytes that it has
+};
+
+struct SameByte {
+    char operator()(char c) const { return c; }
+};
+
+// As each_occurrence, in one pass over both texts whatever they contain. Maps the bytes of `text`
+// before it compares them.
+template <typename Take, typename Map = SameByte>
+void each_in_repetitive(std::string_view text, std::string_view what, std::size_t pos, Take take,
+                        Map map = Map()) {
+    const std::vector<std::size_t> borders = borders_of(what);
+    std::size_t matched = 0;
+    for (std::size_t i = pos; i < text.size(); ++i) {
+        const char c = map(text[i]);
+        while (matched > 0 && c != what[matched])
+            matched = borders[matched];
+        if (c == what[matched]) ++matched;
+        if (matched == what.size()) {
+            if (!take(i + 1 - matched)) return;
+            matched = 0;
+        }
+    }
+}
+
+// Calls take(position) for each occurrence of `what` at or after `pos` that does not overlap the
+// one before. Stops when `take` returns false. `what` is not empty.
+template <typename Take>
+void each_occurrence(std::string_view text, std::string_view what, std::size_t pos, Take take) {
+    if (text.size() < what.size()) return;
+    // Compares only where the first and the last byte match. That is fastest while few of these
+    // places match in part. When the comparisons have taken longer than one pass over the text so
+    // far, the search that is linear for all texts takes over.
+    constexpr std::size_t allowance = 32;
+    const Needle needle(what);
+    std::size_t wasted = 0;
+    const kernels::BytePair ends(what.front(), what.back(), what.size() - 1);
+    const std::size_t places = text.size() - (what.size() - 1);
+    std::size_t next = pos;  // where an occurrence may begin
+    for (std::size_t chunk = pos; chunk < places; chunk += chunk_size) {
+        const std::size_t size = std::min(chunk_size, places - chunk);
+        std::uint64_t bits = ends.bits(text.data() + chunk, size);
+        for (; bits != 0; bits &= bits - 1) {
+            const std::size_t at = chunk + lowest_bit(bits);
+            if (at < next) continue;
+            if (needle.begins(text.substr(at))) {
+                if (!take(at)) return;
+                next = at + what.size();
+                continue;
+            }
+            wasted += common_length(text.data() + at, what);
+            if (wasted > at - pos + allowance) {
+                return each_in_repetitive(text, what, at + 1, take);
+            }
+        }
+    }
+}
+
+// Adds the positions of all occurrences of `what` that do not overlap the one before. `what` is not
+// empty. May raise std::bad_alloc.
+inline void add_occurrences(std::string_view text, std::string_view what, Places& places) {
+    each_occurrence(text, what, 0, [&](std::size_t at) {
+        places.add(at);
+        return true;
+    });
+}
 
 }  // namespace util
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-// Sign-extended on purpose: a byte from 0x80 up sets all higher bits, and stored hashes hold that.
+// A byte from 0x80 up sets all higher bits. By design: stored hashes depend on it.
 std::uint32_t sign_extended(char byte) {
     return static_cast<std::uint32_t>(std::int32_t{static_cast<signed char>(byte)});
 }

@@ -16,11 +16,11 @@ namespace util {
 // texts of up to 4 KiB.
 class Places {
   public:
-    // None yet, in a text of this size. Both may raise std::bad_alloc.
+    // No positions yet, in a text of this size. Both constructors may raise std::bad_alloc.
     explicit Places(std::size_t text_size) : Places(text_size, unset) {
         std::fill_n(m_bits, m_chunks, 0);
     }
-    // The bytes of a set.
+    // The positions of all bytes of a set.
     Places(std::string_view text, const kernels::Members& set) : Places(text.size(), unset) {
         std::uint64_t* next = m_bits;
         set.for_each_chunk(text, [&](std::uint64_t bits) {
@@ -45,12 +45,12 @@ class Places {
         return count;
     }
 
-    // As many chunks of 64 bytes as the text has, the last of which may have fewer. Bits: the one
-    // of the first byte is the lowest.
+    // Chunks of 64 bytes of the text. The last may have fewer. The lowest bit of a chunk is that of
+    // its first byte.
     std::size_t chunks() const { return m_chunks; }
     std::uint64_t chunk(std::size_t index) const { return m_bits[index]; }
 
-    // Calls take(place) for each, from left to right.
+    // Calls take(place) for each position, in ascending order.
     template <typename Take>
     void for_each(Take take) const {
         for (std::size_t i = 0; i < m_chunks; ++i) {
@@ -62,7 +62,7 @@ class Places {
   private:
     static constexpr std::size_t near_chunks = 64;
 
-    enum Unset { unset };  // the bits are to be written
+    enum Unset { unset };  // the caller writes the bits
 
     Places(std::size_t text_size, Unset)
         : m_chunks((text_size + chunk_size - 1) / chunk_size),

@@ -2,7 +2,6 @@
 
 #include "util/text/byte_string.h"
 #include "util/text/find_text.h"
-#include "util/text/occurrences.h"
 #include "util/text/text_writer.h"
 
 namespace {
@@ -13,7 +12,7 @@ std::string all_replaced_in_long(std::string_view text, std::string_view what,
     util::add_occurrences(text, what, places);
     if (places.empty()) return std::string(text);
     const std::size_t count = places.count();
-    // First what goes and then what comes, so that no step is negative.
+    // Subtracts before it adds, so that no intermediate value overflows.
     util::TextWriter result(text.size() - count * what.size() + count * with.size());
     const util::RepeatedPiece replacement(with);
     std::size_t begin = 0;
@@ -26,24 +25,29 @@ std::string all_replaced_in_long(std::string_view text, std::string_view what,
     return result.take();
 }
 
-// A short text is gone through byte by byte, with a result that fits the call's own space.
+// The result of a short text is built on the stack if it fits there.
 std::string all_replaced(std::string_view text, std::string_view what, std::string_view with) {
-    char space[4 * util::chunk_size];
     if (text.size() > util::chunk_size || with.size() > util::chunk_size)
         return all_replaced_in_long(text, what, with);
+    char space[4 * util::chunk_size];
     char* end = space;
-    for (std::size_t i = 0; i < text.size();) {
-        if (text[i] != what.front() || text.compare(i, what.size(), what) != 0) {
-            *end++ = text[i++];
-            continue;
-        }
-        const std::size_t rest = text.size() - i;
-        if (static_cast<std::size_t>(end - space) + with.size() + rest > sizeof space)
-            return all_replaced_in_long(text, what, with);
-        std::memcpy(end, with.data(), with.size());
-        end += with.size();
-        i += what.size();
-    }
+    const auto put = [&](std::string_view piece) {
+        std::memcpy(end, piece.data(), piece.size());
+        end += piece.size();
+    };
+    std::size_t begin = 0;
+    bool fits = true;
+    util::each_occurrence(text, what, 0, [&](std::size_t at) {
+        const auto used = static_cast<std::size_t>(end - space);
+        fits = used + (text.size() - begin) + with.size() <= sizeof space;
+        if (!fits) return false;
+        put(text.substr(begin, at - begin));
+        put(with);
+        begin = at + what.size();
+        return true;
+    });
+    if (!fits) return all_replaced_in_long(text, what, with);
+    put(text.substr(begin));
     return std::string(space, end);
 }
 
@@ -60,7 +64,7 @@ std::string first_replaced(std::string_view text, std::string_view what, std::st
 String& String::replace(const char* from, const char* to, scopeType scope) {
     const bool only_first = scope == SCOPE_FIRST;
     const std::string_view what = util::c_text(from);
-    // The empty text occurs without end at one place; replacing it everywhere has no result.
+    // Replacing every occurrence of the empty text would never end.
     if (!from || (what.empty() && !only_first)) return *this;
 
     const std::string_view visible = util::up_to_nul(view());

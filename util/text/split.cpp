@@ -2,19 +2,19 @@
 #include <stdexcept>
 
 #include "util/text/byte_string.h"
-#include "util/text/occurrences.h"
+#include "util/text/find_text.h"
 
 namespace {
 
-// How many fields of a text of that size are not empty: each begins with a byte that is no
-// separator and stands behind one, or at the start.
+// Returns the number of fields that are not empty. Each begins with a byte that is no separator,
+// after a separator or at the start of the text.
 std::size_t count_filled(const util::Places& separators, std::size_t size) {
     std::size_t filled = 0;
     std::uint64_t after_separator = 1;
     for (std::size_t i = 0; i < separators.chunks(); ++i) {
         const std::uint64_t bits = separators.chunk(i);
         std::uint64_t starts = ~bits & (bits << 1 | after_separator);
-        // NOLINTNEXTLINE: each line has been written
+        // NOLINTNEXTLINE: each chunk has been written
         after_separator = bits >> (util::chunk_size - 1);
         const std::size_t rest = size - i * util::chunk_size;
         if (rest < util::chunk_size) starts &= (std::uint64_t{1} << rest) - 1;
@@ -32,8 +32,8 @@ std::vector<String> String::split(const String& separators, bool skipEmpty) cons
     // Counting first lets the list be allocated once, at its size.
     const util::Places marks(view(), util::kernels::Members(separators.view()));
     const std::size_t filled = count_filled(marks, size());
-    // The number of empty fields after the last one filled is then not defined by any text; the
-    // count has always wrapped round and exhausted memory. Same error, without the wait.
+    // A text of separators alone: the described count of its empty fields wraps around and exhausts
+    // memory. Raises the same error without trying.
     if (filled == 0 && !skipEmpty) throw std::bad_alloc();
 
     const std::size_t count = skipEmpty ? filled : marks.count() + 1;

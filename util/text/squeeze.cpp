@@ -16,7 +16,7 @@ String String::squeeze_spaces() {
             squeezed += ' ';
         }
     }
-    String copy(squeezed);  // made first: when it fails, this object is as it was
+    String copy(squeezed);  // copied first, so that this object is unchanged on failure
     m_text = std::move(squeezed);
     return copy;
 }

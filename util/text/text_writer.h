@@ -1,4 +1,4 @@
-// Building a text out of many short pieces.
+// Builds a text from many short pieces.
 #ifndef UTIL_TEXT_TEXT_WRITER_H
 #define UTIL_TEXT_TEXT_WRITER_H
 
@@ -11,9 +11,9 @@
 
 namespace util {
 
-// Builds a text of a known size with one allocation, whose memory is written once. Short pieces are
-// gathered in a buffer first. It has room to copy blocks of a fixed size beyond the end of a piece,
-// which needs no call.
+// Builds a text of a known size with one allocation and writes its memory once. Short pieces are
+// gathered in a buffer first. There they are copied in blocks of a fixed size, which may extend
+// beyond the piece: a copy of a variable size is a function call.
 class TextWriter {
   public:
     static constexpr std::size_t block = 16;
@@ -24,7 +24,7 @@ class TextWriter {
         if (size > gathered_most - large_block) m_text.reserve(size);
     }
 
-    // Appends the first `size` bytes of `text`. A block may read on to the end of `text`.
+    // Appends the first `size` bytes of `text`. May read all of `text`.
     void put(std::string_view text, std::size_t size) {
         if (size <= block && block <= text.size()) {
             std::memcpy(space(block), text.data(), block);
@@ -42,7 +42,7 @@ class TextWriter {
         ++m_gathered;
     }
 
-    // The first size bytes of a number, the lowest one first.
+    // Appends the first `size` bytes of a number, the lowest first.
     void put_word(std::uint64_t word, std::size_t size) {
         std::memcpy(space(sizeof word), &word, sizeof word);
         m_gathered += size;
@@ -57,7 +57,7 @@ class TextWriter {
   private:
     static constexpr std::size_t gathered_most = 2048;
 
-    // Where the next bytes go; so many of them fit.
+    // Returns where the next `size` bytes go.
     char* space(std::size_t size) {
         if (m_gathered + size > gathered_most) flush();
         return m_buffer + m_gathered;
@@ -70,7 +70,7 @@ class TextWriter {
     char m_buffer[gathered_most];
 };
 
-// A piece that is appended many times. A short one has room behind it for the writer's blocks.
+// A piece that is appended many times. A short one is padded to the size of the writer's blocks.
 class RepeatedPiece {
   public:
     explicit RepeatedPiece(std::string_view text) : m_wide(text), m_size(text.size()) {

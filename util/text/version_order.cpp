@@ -5,8 +5,8 @@
 
 namespace {
 
-// Takes the next component that is not empty off the front of rest and returns its value; 0 when
-// there is none left. rest is the end of a stored text: behind its last digit stands a NUL.
+// Removes the next component that is not empty from `rest` and returns its value; 0 if there is
+// none. `rest` is the end of a stored text, so a NUL follows its last digit.
 std::int32_t take_component(std::string_view& rest) {
     rest.remove_prefix(std::min(rest.find_first_not_of('.'), rest.size()));
     const std::string_view component = rest.substr(0, rest.find('.'));
@@ -15,7 +15,8 @@ std::int32_t take_component(std::string_view& rest) {
     return digit == std::string_view::npos ? 0 : util::parse_int(component.data() + digit);
 }
 
-// Negative, 0 or positive as version a is less than, equal to or greater than version b.
+// Returns a negative number, 0 or a positive number if version `a` is less than, equal to or
+// greater than `b`.
 int compare_versions(std::string_view a, std::string_view b) {
     while (!a.empty() || !b.empty()) {
         const std::int32_t from_a = take_component(a);

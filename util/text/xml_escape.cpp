@@ -12,7 +12,7 @@
 
 namespace {
 
-// A character and the text that it is written as, as a number: its first byte lowest.
+// A character and the text that stands for it. The text is kept as a number, its first byte lowest.
 struct Entity {
     constexpr Entity(char c, std::string_view text) : character(c), size(text.size()) {
         for (std::size_t i = 0; i < text.size(); ++i) {
@@ -26,11 +26,12 @@ struct Entity {
     std::uint64_t mask = 0;
 };
 
-// The tab's entity is read but never written: escaping tabs would change every fragment.
+// The entity of the tab is decoded but, by design, never written: escaping tabs would change every
+// fragment.
 constexpr Entity entities[] = {{'&', "&amp;"},  {'<', "&lt;"},    {'>', "&gt;"},
                                {'"', "&quot;"}, {'\'', "&apos;"}, {'\t', "&#x9;"}};
 
-// What each byte is written as: an entity or the byte itself, and in the highest byte its length.
+// What each byte is escaped to: an entity or the byte itself. The highest byte is the length.
 constexpr unsigned size_shift = 56;
 constexpr auto written_bytes = [] {
     std::array<std::uint64_t, 256> words = {};
@@ -48,8 +49,7 @@ std::uint64_t written_as(char byte) {
     return written_bytes[static_cast<unsigned char>(byte)];
 }
 
-// The texts of the entities differ in the lower four bits of a sum over their second and third
-// byte.
+// A perfect hash of the entities: the lower four bits of a sum over their second and third byte.
 constexpr std::size_t slot(std::uint64_t word) {
     return (7 * (word >> 8) + (word >> 16)) & 15;
 }
@@ -60,7 +60,7 @@ constexpr auto entity_slots = [] {
     return slots;
 }();
 
-// The entity that a text with these first bytes begins with, or null.
+// Returns the entity at the start of a text with these first bytes, or null.
 constexpr const Entity* entity_of(std::uint64_t word) {
     const Entity& entity = entities[entity_slots[slot(word)]];
     return (word & entity.mask) == entity.word ? &entity : nullptr;
@@ -76,15 +76,15 @@ bool has_outer_quotes(std::string_view text) {
     return text.size() > 1 && text.front() == '"' && text.back() == '"';
 }
 
-// What lies within the outer quotes, if any, up to its first NUL. The quotes are looked for at the
-// ends of the stored text: that a NUL inside cuts the text comes after.
+// Returns the text inside the outer quotes, if any, up to its first NUL. The quotes are those of
+// the stored text, whether or not there is a NUL between them.
 std::string_view visible_inside(std::string_view text) {
     if (has_outer_quotes(text)) text = text.substr(1, text.size() - 2);
     return util::up_to_nul(text);
 }
 
-// A text of one line at most is changed byte by byte, into a space of the call's own. Both return
-// the end of what they have written, behind which a word may be written as well.
+// Texts of up to 64 bytes are changed byte by byte, into a buffer on the stack. Both functions
+// return the end of what they wrote. They may overwrite 8 bytes from there on.
 constexpr std::size_t short_space = 6 * util::chunk_size + sizeof(std::uint64_t);
 
 char* put_escaped(std::string_view text, char* to) {
@@ -152,13 +152,14 @@ String String::replaceXML() {
     escaped.put(inside.substr(begin));
     escaped.put("\"", quotes);
     String result(escaped.take());
-    m_text = std::string(result.m_text);  // copied first: when that fails, this object is as it was
+    m_text =
+        std::string(result.m_text);  // copied first, so that this object is unchanged on failure
     return result;
 }
 
 String String::placeXML() {
     if (m_text == "\"") {
-        // The opening quote is taken off, and no closing one is left to take.
+        // Removing the opening quote leaves no closing quote to remove.
         m_text.clear();
         util::require_position(npos, size());
     }

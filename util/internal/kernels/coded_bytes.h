@@ -1,5 +1,5 @@
-// The bytes that stand for themselves, or nearly so, in the code of
-// ksl_unicode2CodedChar: 0 is written 1, and only 1 and 2 take two bytes.
+// Converts runs of bytes to and from the code of ksl_unicode2CodedChar: 0 is written as 1, and 1
+// and 2 as two bytes. All other bytes are written as they are.
 #ifndef UTIL_INTERNAL_KERNELS_CODED_BYTES_H
 #define UTIL_INTERNAL_KERNELS_CODED_BYTES_H
 
@@ -8,14 +8,14 @@
 namespace util {
 namespace scalar {
 
-// Encodes up to the first 1 or 2, and decodes up to the first 2 (of text without a 0); both return
-// the number of bytes, which are written to `to`.
+// Encodes up to the first 1 or 2. Returns the number of bytes written to `to`.
 inline std::size_t encode_run(const char* from, std::size_t size, char* to) {
     std::size_t i = 0;
     for (; i < size && from[i] != 1 && from[i] != 2; ++i)
         to[i] = from[i] == 0 ? char{1} : from[i];
     return i;
 }
+// Decodes up to the first 2. `from` contains no 0. Returns the number of bytes written to `to`.
 inline std::size_t decode_run(const char* from, std::size_t size, char* to) {
     std::size_t i = 0;
     for (; i < size && from[i] != 2; ++i)

@@ -1,4 +1,4 @@
-// Comparing texts without regard to the case of ASCII letters.
+// Compares texts, ignoring the case of ASCII letters.
 #ifndef UTIL_INTERNAL_KERNELS_COMPARE_FOLDED_H
 #define UTIL_INTERNAL_KERNELS_COMPARE_FOLDED_H
 
@@ -8,8 +8,8 @@
 namespace util {
 namespace scalar {
 
-// The number of bytes before the first place where a and b differ by more than a letter's case;
-// size when there is none.
+// Returns the number of bytes before the first difference other than the case of a letter; `size`
+// if there is none.
 inline std::size_t equal_folded(const char* a, const char* b, std::size_t size) {
     std::size_t i = 0;
     while (i < size && to_lower(a[i]) == to_lower(b[i]))
@@ -22,8 +22,9 @@ inline std::size_t equal_folded(const char* a, const char* b, std::size_t size) 
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
 
-// FF where the bytes are equal, or the same letter in two cases: these differ by 20 alone, and are
-// letters when the one with that bit is. Adding moves 'a' to 'z' to the highest signed numbers.
+// Sets the bytes (0xFF) that are equal, or the same letter in two cases. Such letters differ in bit
+// 0x20 alone, and are letters if the one with that bit is. The addition moves 'a' to 'z' to the
+// highest signed numbers, so one comparison finds them.
 inline Block equal_but_for_case(Block a, Block b) {
     const Block case_bit = all(0x20);
     const Block difference = _mm_xor_si128(a, b);

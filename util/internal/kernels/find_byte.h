@@ -1,4 +1,4 @@
-// Finding a byte: the runtime's own search goes byte by byte on Windows.
+// Finds a byte. The Windows runtime's own functions search byte by byte.
 #ifndef UTIL_INTERNAL_KERNELS_FIND_BYTE_H
 #define UTIL_INTERNAL_KERNELS_FIND_BYTE_H
 
@@ -9,7 +9,7 @@
 namespace util {
 namespace scalar {
 
-// The number of bytes before the first c; size when there is none.
+// Returns the number of bytes before the first `c`; `size` if there is none.
 inline std::size_t find_byte(const char* text, std::size_t size, char c) {
     std::size_t i = 0;
     while (i < size && text[i] != c)
@@ -17,7 +17,7 @@ inline std::size_t find_byte(const char* text, std::size_t size, char c) {
     return i;
 }
 
-// The number of bytes before the first c or the closing NUL, whichever comes first.
+// Returns the number of bytes before the first `c` or the closing NUL, whichever comes first.
 inline std::size_t find_byte_or_nul(const char* text, char c) {
     std::size_t i = 0;
     while (text[i] != c && text[i] != '\0')
@@ -25,8 +25,8 @@ inline std::size_t find_byte_or_nul(const char* text, char c) {
     return i;
 }
 
-// Copies the text before its NUL to a space of `space` bytes. Returns its length, or space + 1 for
-// any text that is longer than the space. May write to the rest of the space.
+// Copies a C string without its NUL to `to`, which has `space` bytes. Returns its length, or
+// space + 1 for any longer text. May write to all of `space`.
 inline std::size_t copy_text(const char* text, char* to, std::size_t space) {
     std::size_t i = 0;
     for (; i < space && text[i] != '\0'; ++i)
@@ -39,9 +39,8 @@ inline std::size_t copy_text(const char* text, char* to, std::size_t space) {
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
 
-// Of each block only bytes before size are looked at, so the first equal byte is the result. What
-// is left over after whole blocks is covered by the last block of the text: it overlaps bytes that
-// were seen not to be c, which changes nothing.
+// The bytes after the last whole block are covered by the last block_size bytes of the text. That
+// block overlaps bytes that are known not to be `c`.
 inline std::size_t find_byte(const char* text, std::size_t size, char c) {
     if (size < block_size) return scalar::find_byte(text, size, c);
     const Block wanted = all(c);
@@ -60,22 +59,23 @@ inline std::size_t find_byte(const char* text, std::size_t size, char c) {
     return bits != 0 ? last + lowest_bit(bits) : size;
 }
 
-// A block of memory may hold bytes beside the text, which are nobody's or even another thread's.
+// The kernels below also read bytes outside the text, which may belong to other threads. They
+// ignore those bytes, but sanitizers report the reads.
 #ifdef __GNUC__
 #define UTIL_READS_WHOLE_BLOCKS __attribute__((no_sanitize("address", "thread")))
 #else
 #define UTIL_READS_WHOLE_BLOCKS
 #endif
 
-// Set where the byte is c or NUL, in the block at an address that is a multiple of 16.
+// Sets the bytes that are `c` or NUL, in the block at an address that is a multiple of 16.
 UTIL_READS_WHOLE_BLOCKS inline Block ending(const char* aligned, Block c) {
     const Block block = _mm_load_si128(reinterpret_cast<const Block*>(aligned));
     return _mm_or_si128(_mm_cmpeq_epi8(block, c), _mm_cmpeq_epi8(block, _mm_setzero_si128()));
 }
 
-// Blocks at multiples of 16, and chunks at multiples of 64, never reach into a page that the text
-// does not, so reading beyond its NUL, or before its start, is harmless; such bytes are shifted
-// out, or lie behind the byte found. Only the sanitizers' notion of bounds has to be told.
+// Blocks at multiples of 16, and chunks at multiples of 64, lie within one page. Each that is read
+// contains a byte of the text, so the page is mapped. Bytes before the text are shifted out. Bytes
+// after its NUL come after the byte found.
 UTIL_READS_WHOLE_BLOCKS inline std::size_t find_byte_or_nul(const char* text, char c) {
     const Block wanted = all(c);
     const auto address = reinterpret_cast<std::uintptr_t>(text);
@@ -97,8 +97,8 @@ UTIL_READS_WHOLE_BLOCKS inline Block load_near(const char* from) {
     return _mm_loadu_si128(reinterpret_cast<const Block*>(from));
 }
 
-// One look at each byte, where measuring first would take two. A block that does not reach into the
-// next page may be read as those above; what is copied from behind the NUL is never asked for.
+// One pass. Measuring the text first would take two. As above, blocks are read only within pages of
+// the text. Bytes copied from after its NUL are not part of the result.
 UTIL_READS_WHOLE_BLOCKS inline std::size_t copy_text(const char* text, char* to,
                                                      std::size_t space) {
     constexpr std::size_t page_size = 4096;
@@ -112,8 +112,8 @@ UTIL_READS_WHOLE_BLOCKS inline std::size_t copy_text(const char* text, char* to,
         return equal_bits(block, nuls);
     };
     if (const unsigned bits = nul_bits(0)) return lowest_bit(bits);
-    // Then blocks up to a multiple of 64, of which the first may overlap the one before it, chunks
-    // of 64 as far as they hold no NUL, and blocks again.
+    // Blocks up to a multiple of 64, of which the first may overlap the one before it. Then chunks
+    // without a NUL, and blocks again.
     std::size_t i = block_size - address % block_size;
     for (; (address + i) % chunk_size != 0 && i + block_size <= space; i += block_size) {
         if (const unsigned bits = nul_bits(i)) return i + lowest_bit(bits);
@@ -139,7 +139,7 @@ UTIL_READS_WHOLE_BLOCKS inline std::size_t copy_text(const char* text, char* to,
 }  // namespace sse2
 #endif
 
-// The number of bytes before the closing NUL.
+// Returns the number of bytes before the closing NUL.
 inline std::size_t text_length(const char* text) {
     return kernels::find_byte_or_nul(text, '\0');
 }

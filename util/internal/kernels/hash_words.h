@@ -1,4 +1,4 @@
-// The hash of String over whole groups of four bytes.
+// The hash of String, for whole groups of four bytes.
 #ifndef UTIL_INTERNAL_KERNELS_HASH_WORDS_H
 #define UTIL_INTERNAL_KERNELS_HASH_WORDS_H
 
@@ -12,7 +12,7 @@ constexpr std::uint32_t rotate_left_5(std::uint32_t h) {
 
 namespace scalar {
 
-// h after "rotate left by 5, then xor" with each of the little-endian words in turn.
+// Returns `h` after "rotate left by 5, then xor with the word" for each little-endian word in turn.
 inline std::uint32_t hash_words(std::uint32_t h, const char* bytes, std::size_t words) {
     const auto* p = reinterpret_cast<const unsigned char*>(bytes);
     for (; words > 0; --words, p += 4) {
@@ -31,10 +31,11 @@ inline Block rotate_left_20(Block words) {
     return _mm_or_si128(_mm_slli_epi32(words, 20), _mm_srli_epi32(words, 12));
 }
 
-// Rotation distributes over xor, so each word enters the hash rotated by 5 for every word behind
-// it. After 32 words that is 160, which is no rotation at all: words at the same place of different
-// runs of 32 are simply xored with each other, and h with the result. Within a run four words
-// at a time are rotated by 20 and xored with the next four; the last four take the plain way.
+// Rotation distributes over xor, so each word enters the hash rotated by 5 for every word after it.
+// After 32 words that is 160 bits, a multiple of 32 and so no rotation. Words at the same position
+// of different runs of 32 are therefore xored with each other, and `h` with the result. Within a
+// run four words at a time are rotated by 20 and xored with the next four. The last four are hashed
+// one by one.
 inline std::uint32_t hash_words(std::uint32_t h, const char* bytes, std::size_t words) {
     constexpr std::size_t run = 32;
     if (words < run) return scalar::hash_words(h, bytes, words);

@@ -1,4 +1,4 @@
-// A number in hexadecimal digits.
+// Writes a number in hexadecimal digits.
 #ifndef UTIL_INTERNAL_KERNELS_HEX_DIGITS_H
 #define UTIL_INTERNAL_KERNELS_HEX_DIGITS_H
 
@@ -7,7 +7,7 @@
 namespace util {
 namespace scalar {
 
-// All 16 digits of v, in lower case.
+// Writes all 16 digits of `v` in lower case.
 inline void hex_digits(std::uint64_t v, char* to) {
     for (std::size_t i = 16; i-- > 0; v >>= 4)
         to[i] = "0123456789abcdef"[v & 0xF];

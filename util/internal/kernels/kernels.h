@@ -1,16 +1,14 @@
-// The few loops over bytes that are worth writing for the processor: which form of
-// them the library is built with. Each header of this folder holds one kind of loop twice, in
-// plain C++ (namespace scalar) and with SSE2 (namespace sse2), which every x86-64 processor has.
-// The two give the same results for all arguments; callers name neither and write
-// kernels::find_byte.
+// Selects the scalar or the SSE2 byte loops. Each header of this folder contains one loop twice: in
+// C++ (namespace scalar) and with SSE2 (namespace sse2), which every x86-64 processor has. Both
+// return the same results for all arguments. Callers name neither: they call kernels::find_byte.
 #ifndef UTIL_INTERNAL_KERNELS_KERNELS_H
 #define UTIL_INTERNAL_KERNELS_KERNELS_H
 
 #include <cstddef>
 #include <cstdint>
 
-// UTIL_SCALAR_KERNELS is the one switch: it leaves out the SSE2 kernels. With it, too, the
-// library needs GCC or Clang, whose built-in functions it calls, and a little-endian processor.
+// UTIL_SCALAR_KERNELS selects the scalar loops. Even then the library needs GCC or Clang, whose
+// built-in functions it calls, and a little-endian processor.
 #if !defined(UTIL_SCALAR_KERNELS) && defined(__x86_64__)
 #define UTIL_SSE2_KERNELS
 #include <emmintrin.h>
@@ -18,7 +16,7 @@
 
 namespace util {
 
-constexpr std::size_t chunk_size = 64;  // as many bytes as a number has bits
+constexpr std::size_t chunk_size = 64;  // bytes, one for each bit of a std::uint64_t
 
 namespace scalar {}
 #ifdef UTIL_SSE2_KERNELS
@@ -44,14 +42,15 @@ inline void store(void* to, Block block) {
 inline Block all(char c) {
     return _mm_set1_epi8(c);
 }
-// Bit i is set when byte i of a comparison's result is.
+// Bit i is set if byte i of the result of a comparison is set.
 inline unsigned block_bits(Block compared) {
     return static_cast<unsigned>(_mm_movemask_epi8(compared));
 }
 inline unsigned equal_bits(Block a, Block b) {
     return block_bits(_mm_cmpeq_epi8(a, b));
 }
-// As block_bits, for the four blocks that compare makes of as many addresses. Mostly none is set.
+// block_bits of a whole chunk: calls compare(address) for each of its four blocks. The common case,
+// no bit set, is tested once.
 template <typename Compare>
 [[gnu::always_inline]] inline std::uint64_t chunk_bits(const char* from, Compare compare) {
     const Block b0 = compare(from);
@@ -67,12 +66,13 @@ template <typename Compare>
 }  // namespace sse2
 #endif
 
-// The place of the lowest bit of a number that is not 0.
+// Returns the position of the lowest set bit. `bits` is not 0.
 inline unsigned lowest_bit(std::uint64_t bits) {
     return static_cast<unsigned>(__builtin_ctzll(bits));
 }
 
-// How many bits are set; by sums of neighbours, since the compiler's own would be a call.
+// Returns the number of set bits. Adds up neighbours, since the compiler's built-in is a function
+// call on processors without POPCNT.
 inline unsigned bit_count(std::uint64_t bits) {
     bits -= bits >> 1 & 0x5555555555555555;
     bits = (bits & 0x3333333333333333) + (bits >> 2 & 0x3333333333333333);

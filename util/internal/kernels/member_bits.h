@@ -1,4 +1,4 @@
-// Finding any byte of a set, as bits.
+// Finds all bytes of a set, as a bitmap.
 #ifndef UTIL_INTERNAL_KERNELS_MEMBER_BITS_H
 #define UTIL_INTERNAL_KERNELS_MEMBER_BITS_H
 
@@ -16,8 +16,8 @@ class Members {
   public:
     explicit Members(std::string_view members) : m_set(members) {}
 
-    // Calls take(bits) for each chunk of 64 bytes of the text, of which the last may have fewer.
-    // Bit i is set when byte i of the chunk is a member; the others are not.
+    // Calls take(bits) for each chunk of 64 bytes of the text. The last chunk may have fewer bytes.
+    // Bit i is set if byte i of the chunk is a member. All other bits are 0.
     template <typename Take>
     void for_each_chunk(std::string_view text, Take take) const {
         for (std::size_t begin = 0; begin < text.size(); begin += chunk_size) {
@@ -37,9 +37,9 @@ class Members {
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
 
-// All bytes are compared with each member. That pays for a few members; the table of the scalar
-// form serves for many. Setting a bit of the result twice changes nothing: unused comparisons
-// repeat the first one, and the last block may overlap the one before it.
+// Compares all bytes with each member. Sets of more than `few` members use the table of the scalar
+// form, which is faster for them. Unused comparisons repeat the first member, and the last block
+// may overlap the one before it: setting a bit twice changes nothing.
 class Members {
   public:
     explicit Members(std::string_view members) : m_members(members), m_scalar(members) {}
@@ -87,7 +87,7 @@ class Members {
         take(bits);
     }
 
-    std::string_view m_members;  // which outlive the object
+    std::string_view m_members;  // outlives this object
     scalar::Members m_scalar;
 };
 

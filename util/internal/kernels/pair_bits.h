@@ -1,4 +1,4 @@
-// Finding two bytes that stand at a distance, as bits.
+// Finds two bytes at a fixed distance from each other, as a bitmap.
 #ifndef UTIL_INTERNAL_KERNELS_PAIR_BITS_H
 #define UTIL_INTERNAL_KERNELS_PAIR_BITS_H
 
@@ -7,14 +7,14 @@
 namespace util {
 namespace scalar {
 
-// Two bytes, of which the second stands at a distance behind the first.
+// Two bytes, the second `distance` bytes after the first.
 class BytePair {
   public:
     BytePair(char first, char second, std::size_t distance)
         : m_first(first), m_second(second), m_distance(distance) {}
 
-    // Bit i is set when the first byte stands at text[i] and the second at its distance from there;
-    // the others are not. At most chunk_size places are looked at.
+    // Bit i is set if text[i] is the first byte and text[i + distance] the second. All other bits
+    // are 0. Looks at `places` values of i, at most chunk_size.
     std::uint64_t bits(const char* text, std::size_t places) const {
         std::uint64_t bits = 0;
         for (std::size_t i = 0; i < places; ++i) {
@@ -34,8 +34,8 @@ class BytePair {
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
 
-// The blocks that are compared with the second byte end where the last place's does, so nothing
-// beyond is read. As elsewhere the last block may overlap the one before it.
+// Reads nothing after the second byte of the last place: the last block may overlap the one before
+// it instead.
 class BytePair {
   public:
     BytePair(char first, char second, std::size_t distance)

@@ -1,4 +1,4 @@
-#include "util/text/plain_format.h"
+#include "util/text/common_format.h"
 
 #include <algorithm>
 #include <charconv>
@@ -10,7 +10,7 @@ namespace util {
 
 namespace {
 
-// Text put one piece after another into a space that may be too small for it.
+// Appends pieces of text to a buffer that may be too small for them.
 class Output {
   public:
     Output(char* space, std::size_t size) : m_space(space), m_size(size) {}
@@ -63,14 +63,14 @@ class Output {
 
 }  // namespace
 
-std::optional<FormattedLength> format_plainly(char* space, std::size_t size, const char* fmt,
-                                              // NOLINTNEXTLINE: va_arg moves it on
-                                              va_list args) {
+std::optional<FormattedLength> format_common(char* space, std::size_t size, const char* fmt,
+                                             // NOLINTNEXTLINE: va_arg moves it on
+                                             va_list args) {
     Output output(space, size);
     for (;; ++fmt) {
         if (*fmt != '%' && *fmt != '\0') {
             if (fmt[1] == '%') {
-                output.put(*fmt++);  // what stands between two directives is mostly one byte
+                output.put(*fmt++);  // most texts between two directives are one byte
             } else {
                 const std::size_t literal = kernels::find_byte_or_nul(fmt, '%');
                 output.put({fmt, literal});
@@ -112,7 +112,7 @@ std::optional<FormattedLength> format_plainly(char* space, std::size_t size, con
                         return {};
                 }
                 break;
-            default:  // another directive, or the end of the text
+            default:  // another directive, or the end of the format
                 return {};
         }
     }
