@@ -1,0 +1,243 @@
+#include <fcntl.h>
+#include <io.h>
+#include <sys/utime.h>
+
+#include <cerrno>
+#include <optional>
+#include <sstream>
+
+#include "support/cases.h"
+#include "support/import_patch.h"
+#include "support/scratch_directory.h"
+#include "util/files/xr_file.h"
+
+using util_test::call;
+using util_test::ImportPatch;
+using util_test::said;
+using util_test::Words;
+
+namespace {
+
+// Values that an operation may take for its own when nothing fails.
+void leave_stale_codes() {
+    errno = EINTR;
+    SetLastError(77);
+}
+
+// The file f and two objects. Operations work on `file`, which begins with no name.
+struct World : util_test::CaseWorld {
+    World() {
+        values["dir"] = scratch.path();
+        values["f"] = scratch / "f";
+    }
+
+    // What the result and the object say about an operation. "error" is left out when none is
+    // recorded, "closed" when the object is valid.
+    template <typename... Results>
+    Words state(const Results&... results) const {
+        Words words = said(results...);
+        int code = 0;
+        if (file->Error(code)) util_test::say(words, said("error", code));
+        if (!file->isValid()) words.push_back("closed");
+        return words;
+    }
+    void bytes_at(std::int64_t offset, const std::string& content) const {
+        const int fd = _open((scratch / "f").c_str(), _O_WRONLY | _O_CREAT | _O_BINARY, 0600);
+        _lseeki64(fd, offset, SEEK_SET);
+        EXPECT_EQ(_write(fd, content.data(), unsigned(content.size())), int(content.size()));
+        _close(fd);
+    }
+    Words open(const char* mode) { return state(file->Open(scratch / "f", mode)); }
+    Words read(std::uint64_t count) {
+        leave_stale_codes();
+        std::string buffer(400, '#');
+        const bool done = file->Read(buffer.data(), count);
+        buffer.resize(buffer.find_last_not_of('#') + 1);
+        return state(done, buffer);
+    }
+    Words line(std::uint64_t size) {
+        leave_stale_codes();
+        std::string buffer(400, '#');
+        const bool done = file->Readln(buffer.data(), size);
+        buffer.resize(buffer.find_last_not_of('#') + 1);
+        return state(done, buffer);
+    }
+    Words null_buffers() {
+        const Words read = state(file->Read(nullptr, 1)), write = state(file->Write(nullptr, 1));
+        return said(read, write, state(file->Readln(nullptr, 1)));
+    }
+
+    template <typename T>
+    Words get(T value) {
+        leave_stale_codes();
+        *file >> value;
+        return state(value);
+    }
+    template <typename T>
+    Words put(T value) {
+        leave_stale_codes();
+        *file << value;
+        return state("done");
+    }
+
+    Words get_without_memory() {
+        const ImportPatch patch("_ZnayRKSt9nothrow_t", util_test::fails<0>);
+        return get(std::string("old"));
+    }
+    // The runtime's reads fail with these values of errno, one after the other. 0: the read is
+    // made.
+    void fail_reads(const std::string& codes) {
+        read_codes = std::istringstream(codes);
+        read_patch.emplace("_read", [this](int fd, void* to, unsigned count) {
+            int code = 0;
+            if (!(read_codes >> code) || code == 0) return _read(fd, to, count);
+            errno = code;
+            return -1;
+        });
+    }
+    // The flags and the permission that Open() hands on; with a code, what it comes to when the
+    // platform fails with it, and the number of attempts.
+    Words open_flags(const char* mode) {
+        int flags = 0, permission = 0;
+        const ImportPatch patch("_wopen", [&](const wchar_t* path, int given, int mode_given) {
+            flags = given;
+            permission = mode_given;
+            return _wopen(path, given, mode_given);
+        });
+        open(mode);
+        return said(util_test::hex(flags), util_test::hex(permission));
+    }
+    Words open_failing(DWORD code) {
+        int attempts = 0;
+        const ImportPatch patch("_wopen", [&] {
+            ++attempts;
+            SetLastError(code);
+            return -1;
+        });
+        return said(open("r"), attempts);
+    }
+    Words close_failing() {
+        const ImportPatch patch("_close", util_test::fails<-1, 1234>);
+        return state(file->Close());
+    }
+    // As with a program whose standard input is closed: the file gets descriptor 0.
+    Words size_and_time_as_standard_input() {
+        const int standard_input = _dup(0);
+        _close(0);
+        const Words opened = open("r");
+        const Words words = said(opened, file->Size(), file->LastModified());
+        file->Close();
+        _dup2(standard_input, 0);
+        _close(standard_input);
+        return words;
+    }
+
+    // Calls of the runtime with these results and values of errno, then -1 with 5 (EIO). Text
+    // mode, so nothing is read ahead. Returns the state, the number of calls, and where the last
+    // one began in the buffer of 20 bytes.
+    Words transfer(const char* function, const std::string& script) {
+        file->Open(scratch / "f", "w+t");
+        char buffer[20] = {};
+        std::istringstream steps(script);
+        int calls = 0;
+        std::ptrdiff_t last = 0;
+        const ImportPatch patch(function, [&](int, const char* at, unsigned count) {
+            ++calls;
+            last = at - buffer;
+            EXPECT_EQ(last + count, 20);
+            int result = -1, error = EIO;
+            if (!(steps >> result >> error)) result = -1, error = EIO;
+            errno = error;
+            return result;
+        });
+        leave_stale_codes();
+        const bool reads = function == std::string("_read");
+        return said(state(reads ? file->Read(buffer, 20) : file->Write(buffer, 20)), calls, last);
+    }
+
+    util_test::ScratchDirectory scratch;
+    std::unique_ptr<XrFile> file = std::make_unique<XrFile>(), other;
+    std::istringstream read_codes;
+    std::optional<ImportPatch> read_patch;
+};
+
+const util_test::Cases<World> cases(
+    "files/xr_file.cases",
+    {
+        call("bytes", [](World& w, const std::string& bytes) { w.scratch.file("f", bytes); }),
+        call("bytes_at", &World::bytes_at),
+        call("content", [](World& w) { return w.scratch.read("f"); }),
+        call("open", "... error ...", &World::open),
+        call("open_path", "... error ...",
+             [](World& w, const char* path) { return w.state(w.file->Open(path, "r")); }),
+        call("reopen", "... error ...",
+             [](World& w, const char* mode) { return w.state(w.file->Open(mode)); }),
+        call("flush", "... error ...", [](World& w) { return w.state(w.file->Flush()); }),
+        call("close", "... error ...", [](World& w) { return w.state(w.file->Close()); }),
+        call("code",
+             [](World& w) {
+                 int code = 77;
+                 const bool failed = w.file->Error(code);
+                 return said(failed, code);
+             }),
+        call("name", [](World& w) { return w.file->getName(); }),
+        call("read", "false ... error ...", &World::read),
+        call("line", "false ... error ...", &World::line),
+        call("write", "false error ...",
+             [](World& w, const std::string& bytes) {
+                 leave_stale_codes();
+                 return w.state(w.file->Write(bytes.data(), bytes.size()));
+             }),
+        call("null_buffers", &World::null_buffers),
+        call("seek", "false ...", [](World& w, int to) { return w.state(w.file->Seek(to)); }),
+        call("rewind", "false ...", [](World& w) { return w.state(w.file->SeekToBegin()); }),
+        call("tell", "-1 | -1 ...", [](World& w) { return w.state(w.file->Tell()); }),
+        call("size", "0", [](World& w) { return w.state(w.file->Size()); }),
+        call("changed", "0", [](World& w) { return w.state(w.file->LastModified()); }),
+        call("is_empty", "true error ... closed",
+             [](World& w) { return w.state(w.file->IsEmpty()); }),
+        call("eof", "true error ... closed | false error -1 closed",
+             [](World& w) { return w.state(w.file->Eof()); }),
+        call("exists", "false", [](World& w) { return w.file->Exists(); }),
+        call("path_exists", "false",
+             [](const String& path, int mode) { return XrFile::Exists(path, mode); }),
+        call("get_int", "99 error ...", [](World& w) { return w.get(99); }),
+        call("get_long", "99 error ...", [](World& w) { return w.get(99L); }),
+        call("get_short", "99 error ...",
+             [](World& w) { return w.get(static_cast<unsigned short>(99)); }),
+        call("get", "old error ... | {...", [](World& w) { return w.get(std::string("old")); }),
+        call("get_string", "old error ... | {...", [](World& w) { return w.get(String("old")); }),
+        call("put_int", "done error ...", &World::put<int>),
+        call("put_long", "done error ...", &World::put<long>),
+        call("put_short", "done error ...", &World::put<unsigned short>),
+        call("put", "done error ...", &World::put<const char*>),
+        call("put_bytes", "done error ...", &World::put<std::string>),
+        call("put_string", "done error ...", &World::put<String>),
+        call("copy", [](World& w) { w.other = std::make_unique<XrFile>(*w.file); }),
+        call("assign", "false",
+             [](World& w) {
+                 w.other = std::make_unique<XrFile>();
+                 *w.other = *w.file;
+                 return w.other->isValid();
+             }),
+        call("swap", [](World& w) { w.file.swap(w.other); }),
+        call("times",
+             [](const World& w, int accessed, int changed) {
+                 __utimbuf64 times = {accessed, changed};
+                 _utime64((w.scratch / "f").c_str(), &times);
+             }),
+        call("read_only",
+             [](const World& w) {
+                 SetFileAttributesA((w.scratch / "f").c_str(), FILE_ATTRIBUTE_READONLY);
+             }),
+        call("fail_reads", &World::fail_reads),
+        call("get_without_memory", &World::get_without_memory),
+        call("open_flags", &World::open_flags),
+        call("open_failing", &World::open_failing),
+        call("close_failing", &World::close_failing),
+        call("size_and_time_as_standard_input", &World::size_and_time_as_standard_input),
+        call("reads", [](World& w, const std::string& s) { return w.transfer("_read", s); }),
+        call("writes", [](World& w, const std::string& s) { return w.transfer("_write", s); }),
+    });
+
+}  // namespace
