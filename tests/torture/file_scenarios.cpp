@@ -130,6 +130,7 @@ void file_scenarios(const Add& scenario) {
             if (in)
                 run.always(list == (result.empty() ? before : ";" + run.scratch.path()), "list");
         }
+        run.keeps(heap_blocks, Run::failing("GetCurrentDirectoryA", 300));
         const String name("cmd.exe"), found = run.call(either, [&] {
             return Tools::absolute_pathname(name, Tools::FileAttr::any);
         });
@@ -138,6 +139,7 @@ void file_scenarios(const Add& scenario) {
     scenario("UTIL_CurrentDirectory", [](Run& run) {
         SetCurrentDirectoryA("C:\\");
         const String path = run.call(nothing, [] { return UTIL_CurrentDirectory(); });
+        run.keeps(heap_blocks, Run::failing("GetCurrentDirectoryA", 300));
         run.outcome(path == "C:\\", path.empty());
     });
     scenario("UTIL_prepareAndCreateDir", [](Run& run) {
@@ -190,6 +192,7 @@ void file_scenarios(const Add& scenario) {
             directory.init(path);  // drops its listing
             return copy.getFreeSpace(&free);
         });
+        run.keeps_unless_failed(heap_blocks, 1);  // the list, which is empty
         run.outcome(result == 0 && free > 0,
                     run.raised() ? free == -1 || free == 0 : result == -1 && free == 0);
     });
@@ -303,6 +306,8 @@ void file_scenarios(const Add& scenario) {
             file.Seek(0);
             file.Open("r");
         });
+        run.keeps(kernel_handles, Run::failing("_lseek"));
+        run.keeps(heap_blocks, Run::failing("_lseek"));  // the descriptor's lock
     });
     scenario("XrFile, records written", [](Run& run) {
         const std::string path = run.scratch / "a", standard = text.str();

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "support/scratch_directory.h"
+#include "torture/resources.h"
 // after the platform's header
 #include <comutil.h>
 
@@ -66,8 +67,9 @@ class Run {
     }
     // Whether a fault has happened in this run so far, at least.
     static bool faulted();
-    // Whether it is this function that fails.
+    // Whether it is this function that fails, and with this result.
     static bool failing(const char* function);
+    static bool failing(const char* function, std::int64_t result);
     // Whether what fails does so ever after.
     static bool for_good();
 
@@ -81,6 +83,13 @@ class Run {
         if (!holds) violation(what);
     }
 
+    // This run keeps so many by design. docs/failure.md lists all of these leaks.
+    static void keeps(Resource resource, long number) { keeps(resource, number, number); }
+    // The same for a call that may fail before it takes them.
+    static void keeps_unless_failed(Resource resource, long number) {
+        keeps(resource, faulted() ? 0 : number, number);
+    }
+
     bool exists(const std::string& name) const {
         return GetFileAttributesA((scratch / name).c_str()) != INVALID_FILE_ATTRIBUTES;
     }
@@ -90,6 +99,7 @@ class Run {
   private:
     static void arm(bool armed);
     static void violation(const char* what);
+    static void keeps(Resource resource, long least, long most);
     void caught(bool documented, const char* what) {
         m_raised = true;
         if (!documented || !faulted()) violation(what);

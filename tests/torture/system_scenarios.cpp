@@ -192,6 +192,7 @@ void system_scenarios(const Add& scenario) {
             memory, [&] { return UTIL_getTSSEDBInfoFromRegistry(key, path, user, password); });
         run.outcome(result && user == text && password == text,
                     !result && user == "u" && password == "w");
+        run.keeps(kernel_handles, path.empty());  // the key, when the path cannot be converted
     });
     scenario("UTIL_SetupPnPRescan", [](Run& run) {
         String message;
@@ -237,6 +238,7 @@ void system_scenarios(const Add& scenario) {
         char out[30] = "before";
         const char* const result =
             run.call(nothing, [&] { return UTIL_GetModuleVersion(module.c_str(), out); });
+        run.keeps_unless_failed(heap_blocks, 1);  // the version resource
         run.outcome(result == out && !std::strcmp(out, "1.2.3.196608"),
                     result && result != out && !*result && !*out);
     });
@@ -270,6 +272,7 @@ void system_scenarios(const Add& scenario) {
     scenario("UTIL_ModifyPrivilege", [](Run& run) {
         const unsigned long result =
             run.call(nothing, [] { return UTIL_ModifyPrivilege("SeBackupPrivilege", 1); });
+        run.keeps(kernel_handles, Run::failing("AdjustTokenPrivileges"));  // the token
         run.outcome(result == 0, result != 0);
     });
     scenario("UTIL_GetRegistryValue", [](Run& run) {
@@ -277,6 +280,7 @@ void system_scenarios(const Add& scenario) {
         const String key(volume_key), name("InstallDir");
         String out("untouched");
         const int result = run.call(nothing, [&] { return UTIL_GetRegistryValue(key, name, out); });
+        run.keeps_unless_failed(heap_blocks, 1);  // 1024 bytes
         run.outcome(result == 0 && out == text, result == -1 && out == "untouched");
     });
     scenario("UTIL_GetVeritasVersion, UTIL_GetVeritasPath", [](Run& run) {
@@ -309,6 +313,7 @@ void system_scenarios(const Add& scenario) {
             results[1] = UTIL_VornWow64RevertWow64FsRedirection(state);
             return UTIL_getIsWow64(&flag);
         });
+        run.keeps_unless_failed(modules, 2);  // kernel32.dll, twice
         run.outcome(result == 0 && flag == 1, result == 0 && flag == 0);
         run.outcome(results[0] == 1 && results[1] == 1, true);
     });
