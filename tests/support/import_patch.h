@@ -6,8 +6,10 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "util/internal/windows.h"
 
@@ -52,9 +54,29 @@ std::intptr_t fails() {
     return result;
 }
 
-// While it lives, util.dll's calls of `name` go to the replacement.
+// A function that calls the lambda of this type that was made last.
+template <typename Lambda, typename Member = decltype(&Lambda::operator())>
+struct Forward;
+template <typename Lambda, typename R, typename... A>
+struct Forward<Lambda, R (Lambda::*)(A...) const> {
+    static inline const Lambda* current = nullptr;
+    static R function(A... arguments) { return (*current)(arguments...); }
+};
+
+// While it lives, util.dll's calls of `name` go to the replacement: a function, or a lambda that
+// may capture. Only one patch with the same lambda expression may live at a time. A replacement
+// that takes fewer arguments than the real function is fine.
 class ImportPatch {
   public:
+    template <typename Lambda, typename = decltype(&Lambda::operator())>
+    ImportPatch(const char* name, Lambda lambda)
+        : m_slot(import_slot("util.dll", name)),
+          m_original(*m_slot),
+          m_lambda(std::make_shared<const Lambda>(std::move(lambda))) {
+        Forward<Lambda>::current = static_cast<const Lambda*>(m_lambda.get());
+        write(reinterpret_cast<void*>(&Forward<Lambda>::function));
+    }
+
     template <typename Function>
     ImportPatch(const char* name, Function* replacement)
         : ImportPatch("util.dll", name, replacement) {}
@@ -85,6 +107,7 @@ class ImportPatch {
 
     void** m_slot;
     void* m_original;
+    std::shared_ptr<const void> m_lambda;
 };
 
 }  // namespace util_test

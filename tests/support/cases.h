@@ -1,0 +1,192 @@
+// Cases as text: a file of calls with their results, and the C++ function behind the name of each
+// call. docs/testing.md describes the format.
+//
+//     struct World : util_test::CaseWorld {
+//         XrFile file;
+//         bool seek(int offset) { return file.Seek(offset); }
+//     };
+//     const util_test::Cases<World> cases("files/xr_file.cases",
+//                                         {call("seek", &World::seek, "false")});
+#ifndef UTIL_TESTS_SUPPORT_CASES_H
+#define UTIL_TESTS_SUPPORT_CASES_H
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "support/test.h"
+
+namespace util_test {
+
+// What the calls of a block work on: new for each block.
+struct CaseWorld {
+    virtual ~CaseWorld() = default;
+    std::map<std::string, std::string> values;  // what $name stands for
+};
+
+// A call's name in case files and the function behind it.
+struct Call {
+    std::string name;
+    std::size_t arguments;
+    bool has_result;
+    // The result after a fault, "..." for anything; several are separated by " | ". Empty if the
+    // call does not fail.
+    std::string failure;
+    std::function<Words(CaseWorld& world, const Words& arguments)> make;
+};
+
+// One call of a block, about to be made.
+struct Step {
+    const Call& call;
+    CaseWorld& world;
+    Words arguments;
+    Words expected;
+    int line;
+
+    // Makes the call. A std::exception is the result: raises "its text".
+    Words make() const;
+};
+
+// Makes one call, or passes over it, and compares. False ends the block.
+using Player = std::function<bool(const Step& step)>;
+
+class CaseFile;
+
+// What is below one title: calls on one world.
+struct Block {
+    struct Line {
+        int number;
+        std::vector<std::pair<const Call*, Words>> calls;  // with arguments as they are written
+        std::vector<Words> results;                        // of the calls that have one
+    };
+
+    const CaseFile* file;
+    std::string title;
+    int line;
+    bool plain = false;  // not for the failure sweep
+    std::vector<Line> lines;
+    std::string error;  // why the block cannot be read
+
+    // Makes the calls in order. Throws std::runtime_error if a line cannot be read.
+    void play(const Player& player) const;
+};
+
+class CaseFile {
+  public:
+    using NewWorld = std::function<std::unique_ptr<CaseWorld>()>;
+
+    // Reads the file, whose name starts at the folder of the tests.
+    CaseFile(const std::string& name, std::vector<Call> calls, NewWorld new_world);
+    CaseFile(const CaseFile&) = delete;
+    CaseFile& operator=(const CaseFile&) = delete;
+
+    std::string path;
+    std::string stem;
+    std::vector<Block> blocks;
+    std::vector<Call> calls;
+    NewWorld new_world;
+};
+
+// Takes the cases of a suite: a test for each block, or a sweep. A program has one of the two.
+void add_cases(const CaseFile& file);
+
+// A value as it is written in a case file. Values of the world are written as $name.
+std::string written(const Words& words, const CaseWorld& world);
+
+// Whether actual results go into the case files: the variable UTIL_REWRITE_CASES is set.
+bool rewriting();
+
+// --- calls of any type ---
+
+template <typename T>
+T argument(const std::string& word) {
+    if constexpr (std::is_same_v<T, bool>) {
+        if (word != "true" && word != "false") throw std::runtime_error("no bool: " + word);
+        return word == "true";
+    } else if constexpr (std::is_same_v<T, char>) {
+        if (word.size() != 1) throw std::runtime_error("no character: " + word);
+        return word[0];
+    } else if constexpr (std::is_integral_v<T>) {
+        std::size_t end = 0;
+        const bool negative = word[0] == '-';
+        const auto value = negative ? static_cast<T>(std::stoll(word, &end, 0))
+                                    : static_cast<T>(std::stoull(word, &end, 0));
+        if (end != word.size()) throw std::runtime_error("no number: " + word);
+        return value;
+    } else if constexpr (std::is_same_v<T, const char*>) {
+        return word == "$null" ? nullptr : word.c_str();
+    } else {
+        return T(word);
+    }
+}
+
+template <typename T>
+constexpr bool is_world = std::is_base_of_v<CaseWorld, std::remove_reference_t<T>>;
+
+template <typename F>
+struct Signature : Signature<decltype(&F::operator())> {};
+template <typename R, typename C, typename... A>
+struct Signature<R (C::*)(A...)>
+    : Signature<std::conditional_t<is_world<C>, R (*)(C&, A...), R (*)(A...)>> {};
+template <typename R, typename C, typename... A>
+struct Signature<R (C::*)(A...) const> : Signature<R (C::*)(A...)> {};
+template <typename R, typename... A>
+struct Signature<R (*)(A...)> {
+    using Result = R;
+    static constexpr std::size_t worlds = (0 + ... + is_world<A>);
+    static constexpr std::size_t arguments = sizeof...(A) - worlds;
+    using Places = std::index_sequence_for<A...>;
+
+    template <typename T>
+    static auto pass(CaseWorld& world, const Words& words, std::size_t place)
+        -> std::conditional_t<is_world<T>, T, std::decay_t<T>> {
+        if constexpr (is_world<T>) {
+            return static_cast<T>(world);
+        } else {
+            return argument<std::decay_t<T>>(words[place - worlds]);
+        }
+    }
+    template <typename F, std::size_t... place>
+    static R invoke(const F& function, CaseWorld& world, const Words& words,
+                    std::index_sequence<place...>) {
+        return std::invoke(function, pass<A>(world, words, place)...);
+    }
+};
+
+// The function is a member of the world, a plain function or a lambda. Each of them takes words as
+// typed arguments. The last two may take the world, by reference, in front of them.
+template <typename F>
+Call call(const char* name, F function, const char* failure = "") {
+    using S = Signature<F>;
+    constexpr bool has_result = !std::is_void_v<typename S::Result>;
+    const auto make = [function](CaseWorld& world, const Words& words) {
+        if constexpr (has_result) {
+            const Words said_words = said(S::invoke(function, world, words, typename S::Places()));
+            return said_words.empty() ? Words{"none"} : said_words;
+        } else {
+            S::invoke(function, world, words, typename S::Places());
+            return Words();
+        }
+    };
+    return {name, S::arguments, has_result, failure, make};
+}
+
+// Registers the cases of a file. One object of a source file is enough.
+template <typename World>
+struct Cases {
+    Cases(const char* name, std::vector<Call> calls)
+        : file(name, std::move(calls), [] { return std::make_unique<World>(); }) {
+        add_cases(file);
+    }
+    CaseFile file;
+};
+
+}  // namespace util_test
+
+#endif

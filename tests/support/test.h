@@ -1,0 +1,60 @@
+// What most suites include: GoogleTest, and what a call came to as words.
+#ifndef UTIL_TESTS_SUPPORT_TEST_H
+#define UTIL_TESTS_SUPPORT_TEST_H
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace util_test {
+
+// The results of one call. A null pointer is the word $null.
+using Words = std::vector<std::string>;
+
+template <typename T, typename = void>
+constexpr bool has_str = false;
+template <typename T>
+constexpr bool has_str<T, std::void_t<decltype(std::declval<const T&>().str())>> = true;
+
+inline void say(Words& words, const Words& values) {
+    words.insert(words.end(), values.begin(), values.end());
+}
+template <typename T>
+void say(Words& words, const T& value) {
+    if constexpr (std::is_same_v<T, bool>) {
+        words.push_back(value ? "true" : "false");
+    } else if constexpr (has_str<T>) {
+        words.push_back(value.str());
+    } else if constexpr (std::is_same_v<T, std::string>) {
+        words.push_back(value);
+    } else if constexpr (std::is_convertible_v<T, const char*>) {
+        const char* const text = value;
+        words.push_back(text ? text : "$null");
+    } else {
+        std::ostringstream out;
+        out << value;
+        words.push_back(out.str());
+    }
+}
+// The elements in order, or the word "none".
+template <typename T>
+void say(Words& words, const std::vector<T>& values) {
+    if (values.empty()) words.push_back("none");
+    for (const T& value : values)
+        say(words, value);
+}
+
+// said(true, 7, text) is {"true", "7", text}.
+template <typename... Values>
+Words said(const Values&... values) {
+    Words words;
+    (say(words, values), ...);
+    return words;
+}
+
+}  // namespace util_test
+
+#endif
