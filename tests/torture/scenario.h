@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <new>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -65,6 +66,11 @@ class Run {
         outcome(!m_raised, m_raised);
         return !m_raised;
     }
+    // Lets calls fail until the object goes.
+    struct Armed {
+        Armed() { arm(true); }
+        ~Armed() { arm(false); }
+    };
     // Whether a fault has happened in this run so far, at least.
     static bool faulted();
     // Whether it is this function that fails, and with this result.
@@ -79,7 +85,7 @@ class Run {
         if (!success && !(faulted() && failure)) violation(what);
     }
     // What holds in either case.
-    void always(bool holds, const char* what) {
+    void always(bool holds, const std::string& what) {
         if (!holds) violation(what);
     }
 
@@ -98,7 +104,7 @@ class Run {
 
   private:
     static void arm(bool armed);
-    static void violation(const char* what);
+    static void violation(const std::string& what);
     static void keeps(Resource resource, long least, long most);
     void caught(bool documented, const char* what) {
         m_raised = true;
@@ -110,12 +116,13 @@ class Run {
 
 using Play = std::function<void(Run& run)>;
 struct Scenario {
-    const char* name;
+    std::string name;
     Play play;
 };
 
 // One list for each subsystem, added in its order.
-using Add = std::function<void(const char* name, Play play)>;
+using Add = std::function<void(const std::string& name, Play play)>;
+void case_scenarios(const Add& scenario);
 void text_scenarios(const Add& scenario);
 void portable_scenarios(const Add& scenario);
 void file_scenarios(const Add& scenario);

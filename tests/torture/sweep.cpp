@@ -341,8 +341,8 @@ bool Run::failing(const char* function, std::int64_t result) {
 bool Run::for_good() {
     return now.persistent;
 }
-void Run::violation(const char* what) {
-    remark(what);
+void Run::violation(const std::string& what) {
+    remark(what.c_str());
 }
 void Run::keeps(Resource resource, long least, long most) {
     kept.least[resource] = least;
@@ -352,8 +352,9 @@ void Run::keeps(Resource resource, long least, long most) {
 const std::vector<Scenario>& all_scenarios() {
     static const std::vector<Scenario> all = [] {
         std::vector<Scenario> scenarios;
-        for (auto* list : {text_scenarios, portable_scenarios, file_scenarios, system_scenarios}) {
-            list([&](const char* name, Play play) {
+        for (auto* list : {case_scenarios, text_scenarios, portable_scenarios, file_scenarios,
+                           system_scenarios}) {
+            list([&](const std::string& name, Play play) {
                 scenarios.push_back({name, std::move(play)});
             });
         }

@@ -86,7 +86,7 @@ int main(int argc, char** argv) {
         testing::RegisterTest("TortureTest", name, nullptr, nullptr, __FILE__, __LINE__, make);
     };
     for (const Scenario& scenario : all_scenarios())
-        add(scenario.name, [&]() -> TortureTest* { return new ScenarioTest(scenario); });
+        add(scenario.name.c_str(), [&]() -> TortureTest* { return new ScenarioTest(scenario); });
     add("EverythingIsCalledAndFails", []() -> TortureTest* { return new EverythingTest; });
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
