@@ -13,19 +13,6 @@ namespace {
 
 const String text("a text longer than any short string holds");
 const std::string bytes(300000, 'b');
-const std::string stored_text = "42\0"s + text.str() + '\0';
-char room[20];
-
-// What an XrFile's state must be after an operation that came to this result.
-void state(Run& run, const XrFile& file, bool succeeded, bool invalidates) {
-    int code = 0;
-    if (succeeded) {
-        run.always(!file.Error(code) && file.isValid(), "an error without a failure");
-    } else {
-        run.always(file.Error(code), "a failure without an error");
-        if (invalidates) run.always(!file.isValid(), "valid after a failure");
-    }
-}
 
 void prepare(Run& run, const String& path, const String& record) {
     String message, failed;
@@ -74,21 +61,6 @@ void file_scenarios(const Add& scenario) {
             run.always(created == (!exists && run.exists("d")), "what is said to be created");
         });
     }
-    scenario("UTIL_CreateDirectory", [](Run& run) {
-        const std::string path = run.scratch / "a\\b";
-        const int result = run.call(nothing, [&] { return UTIL_CreateDirectory(path.c_str()); });
-        run.outcome(result == 0 && run.exists("a\\b"), result == -1);
-    });
-    for (const bool is_readonly : {false, true}) {
-        scenario(is_readonly ? "UTIL_delete_readonly" : "UTIL_delete", [is_readonly](Run& run) {
-            const std::string path = run.scratch.file("a");
-            if (is_readonly) SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY);
-            const int result = run.call(nothing, [&] {
-                return is_readonly ? UTIL_delete_readonly(path.c_str()) : UTIL_delete(path.c_str());
-            });
-            run.outcome(result == 0 && !run.exists("a"), result == -1 && run.exists("a"));
-        });
-    }
     scenario("UTIL_LockFilePrivate, UTIL_UnLockFilePrivate", [](Run& run) {
         const String directory(run.scratch.path());
         HANDLE handle = nullptr;
@@ -101,15 +73,6 @@ void file_scenarios(const Add& scenario) {
         const bool released =
             run.call(nothing, [&] { return UTIL_UnLockFilePrivate(handle, &record); });
         run.outcome(released, !released);
-    });
-    scenario("Tools::fileExists, Tools::find_location", [](Run& run) {
-        const std::string path = run.scratch.file("a");
-        const bool found = run.call(platform, [&] { return Tools::fileExists(path.c_str()); });
-        run.outcome(found, !found);
-        const String unused, location = run.call(memory, [&] {
-            return Tools::find_location(unused, Tools::FileAttr::any);
-        });
-        run.outcome(!location.empty(), location.empty());
     });
     scenario("Tools::absolute_pathname", [](Run& run) {
         run.scratch.directory("d"), run.scratch.file("file.name");
@@ -224,81 +187,6 @@ void file_scenarios(const Add& scenario) {
         result = run.call(memory, [&] { return XrDirectory::DeleteDirectoryTree(tree.c_str()); });
         run.outcome(result == 1, run.raised());
     });
-    scenario("XrFile, opened and closed", [](Run& run) {
-        const std::string path = run.scratch.file("a"), empty;
-        int results[3] = {};
-        bool closed = false;
-        run.call(either, [&] {
-            XrFile file;
-            results[0] = file.Open(path, "r+");
-            state(run, file, results[0] == 0, true);
-            results[1] = file.Open("r");
-            results[2] = file.Flush();
-            closed = file.Close();
-            const std::unique_ptr<XrFile> owned(new XrFile(path.c_str(), "r"));
-            state(run, *owned, owned->isValid(), true);
-        });
-        for (const int result : results)
-            run.outcome(!run.raised() && result == 0, run.raised() || result != 0);
-        run.outcome(closed, !closed);
-    });
-    scenario("XrFile, copied and assigned", [](Run& run) {
-        XrFile file(run.scratch.file(text.str(), "line\n").c_str(), "r"), target;
-        run.call(memory, [&] { target = file; });
-        run.outcome(target.isValid() && target.getName() == text.str(),
-                    run.raised() || (!target.isValid() && target.Error()));
-        run.completes(memory, [&] {
-            XrFile copy(file);
-            copy.getName();
-            state(run, copy, copy.Readln(room, sizeof room), false);
-        });
-        file.Close();
-        target.Close();
-    });
-    scenario("XrFile::Exists", [](Run& run) {
-        const XrFile file(run.scratch.file("a").c_str(), "r");
-        const String path(run.scratch / "a");
-        const bool found =
-            run.call(platform, [&] { return file.Exists() && XrFile::Exists(path, 0); });
-        run.outcome(found, !found);
-    });
-    const struct {
-        const char *name, *mode;
-        bool invalidates;
-        bool (*operation)(XrFile&);
-    } file_operations[] = {
-        {"XrFile::Read", "r", false, [](XrFile& file) { return file.Read(room, 5); }},
-        {"XrFile::Write", "a", false, [](XrFile& file) { return file.Write("bytes", 5); }},
-        {"XrFile::Readln", "r", false,
-         [](XrFile& file) { return file.Readln(room, 20) && file.Readln(room, 20); }},
-        {"XrFile::Seek", "r", true,
-         [](XrFile& file) { return file.Seek(3) && file.SeekToBegin(); }},
-        // "At the end" is also the answer of a failure; a failed seek back answers "no".
-        {"XrFile::Eof", "r", true, [](XrFile& file) { return !file.Eof() && !file.Error(); }},
-        {"XrFile::IsEmpty", "r", true, [](XrFile& file) { return !file.IsEmpty(); }},
-    };
-    for (const auto& c : file_operations) {
-        scenario(c.name, [c](Run& run) {
-            XrFile file(run.scratch.file("a", "first\nsecond\n").c_str(), c.mode);
-            const bool result = run.call(nothing, [&] { return c.operation(file); });
-            run.outcome(result, !result);
-            state(run, file, result, c.invalidates);
-            file.Close();
-        });
-    }
-    scenario("XrFile, asked", [](Run& run) {
-        const XrFile file(run.scratch.file("a", "12345").c_str(), "r");
-        long size = 0, position = 0;
-        std::int64_t time = 0;
-        run.call(nothing, [&] {
-            size = file.Size(), time = file.LastModified(), position = file.Tell();
-            int code;
-            return file.isValid() && !file.Error() && !file.Error(code);
-        });
-        run.outcome(size == 5, size == 0);
-        run.outcome(time > 0, time == 0);
-        run.outcome(position == 0, position == -1);
-    });
     scenario("XrFile, reopened after a failed seek", [](Run& run) {
         const std::string path = run.scratch.file("a");
         run.completes(either, [&] {
@@ -308,47 +196,6 @@ void file_scenarios(const Add& scenario) {
         });
         run.keeps(kernel_handles, Run::failing("_lseek"));
         run.keeps(heap_blocks, Run::failing("_lseek"));  // the descriptor's lock
-    });
-    scenario("XrFile, records written", [](Run& run) {
-        const std::string path = run.scratch / "a", standard = text.str();
-        bool failed = true;
-        run.completes(either, [&] {
-            XrFile file(path.c_str(), "w");
-            file << 42 << 43L << static_cast<unsigned short>(44) << text << standard
-                 << text.c_str();
-            failed = file.Error();
-        });
-        run.outcome(!failed && run.scratch.read("a") ==
-                                   "42\0"
-                                   "43\0"
-                                   "44\0"s +
-                                       stored_text + stored_text + stored_text,
-                    failed);
-    });
-    scenario("XrFile, records read", [](Run& run) {
-        const std::string stored =
-            "1\0"
-            "2\0"
-            "3\0"s +
-            stored_text + stored_text;
-        XrFile file(run.scratch.file("a", stored).c_str(), "r");
-        int first = 0;
-        long second = 0;
-        unsigned short third = 0;
-        std::string fourth;
-        String fifth;
-        run.completes(memory, [&] { file >> first >> second >> third >> fourth >> fifth; });
-        const bool all =
-            first == 1 && second == 2 && third == 3 && fourth == text.str() && fifth == text;
-        run.outcome(all && !file.Error(), run.raised() || file.Error());
-    });
-    scenario("XrFile, a long record read", [](Run& run) {
-        XrFile file(run.scratch.file("a", "300001\0"s + bytes + '\0').c_str(), "r");
-        std::string read = "before";
-        run.completes(memory, [&] { file >> read; });
-        run.outcome(read == bytes && !file.Error(),
-                    (read == "before" && (run.raised() || file.Error())) ||
-                        bytes.rfind(read, 0) == 0);  // what is there of a record cut short
     });
 }
 

@@ -14,6 +14,7 @@
 #include <new>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "support/scratch_directory.h"
@@ -95,6 +96,7 @@ class Run {
     static void keeps_unless_failed(Resource resource, long number) {
         keeps(resource, faulted() ? 0 : number, number);
     }
+    static void keeps_at_most(Resource resource, long number) { keeps(resource, 0, number); }
 
     bool exists(const std::string& name) const {
         return GetFileAttributesA((scratch / name).c_str()) != INVALID_FILE_ATTRIBUTES;
@@ -118,10 +120,16 @@ using Play = std::function<void(Run& run)>;
 struct Scenario {
     std::string name;
     Play play;
+    bool shares_calls;  // a call site that failed in an earlier one of these is not failed again
 };
 
 // One list for each subsystem, added in its order.
-using Add = std::function<void(const std::string& name, Play play)>;
+struct Add {
+    std::vector<Scenario>& all;
+    void operator()(const std::string& name, Play play, bool shares_calls = false) const {
+        all.push_back({name, std::move(play), shares_calls});
+    }
+};
 void case_scenarios(const Add& scenario);
 void text_scenarios(const Add& scenario);
 void portable_scenarios(const Add& scenario);

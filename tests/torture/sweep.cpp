@@ -285,19 +285,21 @@ void fail_what_is_new() {
 // The numbers of the calls that are to fail: of each call site the first, and the last, which may
 // find something to undo.
 std::set<int> calls_to_fail(const Target& target) {
+    static std::set<std::uint64_t> shared;  // the sites that failed in scenarios that share calls
     site_count = 0;
     now.watched = &target;
     play();
     now.watched = nullptr;
-    std::map<std::uint64_t, int> last;
-    std::set<int> calls;
+    std::map<std::uint64_t, int> first, last;
     for (std::size_t i = 0; i < site_count; ++i) {
-        const int call = int(i) + 1;
-        if (last.count(sites[i]) == 0) calls.insert(call);
-        last[sites[i]] = call;
+        first.emplace(sites[i], int(i) + 1);
+        last[sites[i]] = int(i) + 1;
     }
-    for (const auto& [site, call] : last)
-        calls.insert(call);
+    std::set<int> calls;
+    for (const auto& [site, call] : first) {
+        if (!now.scenario->shares_calls) calls.insert(last[site]);
+        if (!now.scenario->shares_calls || shared.insert(site).second) calls.insert(call);
+    }
     return calls;
 }
 
@@ -352,12 +354,9 @@ void Run::keeps(Resource resource, long least, long most) {
 const std::vector<Scenario>& all_scenarios() {
     static const std::vector<Scenario> all = [] {
         std::vector<Scenario> scenarios;
-        for (auto* list : {case_scenarios, text_scenarios, portable_scenarios, file_scenarios,
-                           system_scenarios}) {
-            list([&](const std::string& name, Play play) {
-                scenarios.push_back({name, std::move(play)});
-            });
-        }
+        for (auto* list :
+             {case_scenarios, text_scenarios, portable_scenarios, file_scenarios, system_scenarios})
+            list({scenarios});
         return scenarios;
     }();
     return all;
