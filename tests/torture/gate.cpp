@@ -118,12 +118,13 @@ struct Frames {
         const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
         const auto* const nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
         const char* const end = base + nt->OptionalHeader.SizeOfImage;
-        const int depth = RtlCaptureStackBackTrace(0, 60, addresses, nullptr);
+        depth = RtlCaptureStackBackTrace(0, 60, addresses, nullptr);
         for (int i = 0; i < depth; ++i) {
             if (addresses[i] >= base && addresses[i] < end) count = std::min(i + 2, depth);
         }
     }
     void* addresses[60];
+    int depth;
     int count = 0;
 };
 
@@ -135,8 +136,10 @@ bool called_from(const void* module) {
 
 std::uint64_t call_site(const void* module) {
     const Frames frames(module);
+    // A module's function that ends in a jump is not on the stack.
+    const int count = frames.count > 0 ? frames.count : frames.depth;
     std::uint64_t site = 0;
-    for (int i = 0; i < frames.count; ++i)
+    for (int i = 0; i < count; ++i)
         site = site * 31 + reinterpret_cast<std::uintptr_t>(frames.addresses[i]);
     return site;
 }

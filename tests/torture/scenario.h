@@ -120,14 +120,15 @@ using Play = std::function<void(Run& run)>;
 struct Scenario {
     std::string name;
     Play play;
-    bool shares_calls;  // a call site that failed in an earlier one of these is not failed again
+    bool shares_sites;  // a call site that failed in an earlier one of these is not failed again
+    bool fails_last;    // of each site the first and the last call fails; else only the first
 };
 
 // One list for each subsystem, added in its order.
 struct Add {
     std::vector<Scenario>& all;
-    void operator()(const std::string& name, Play play, bool shares_calls = false) const {
-        all.push_back({name, std::move(play), shares_calls});
+    void operator()(const std::string& name, Play play, bool shares_sites = false) const {
+        all.push_back({name, std::move(play), shares_sites, true});
     }
 };
 void case_scenarios(const Add& scenario);

@@ -285,7 +285,7 @@ void fail_what_is_new() {
 // The numbers of the calls that are to fail: of each call site the first, and the last, which may
 // find something to undo.
 std::set<int> calls_to_fail(const Target& target) {
-    static std::set<std::uint64_t> shared;  // the sites that failed in scenarios that share calls
+    static std::set<std::pair<int, std::uint64_t>> shared;
     site_count = 0;
     now.watched = &target;
     play();
@@ -297,8 +297,9 @@ std::set<int> calls_to_fail(const Target& target) {
     }
     std::set<int> calls;
     for (const auto& [site, call] : first) {
-        if (!now.scenario->shares_calls) calls.insert(last[site]);
-        if (!now.scenario->shares_calls || shared.insert(site).second) calls.insert(call);
+        if (now.scenario->shares_sites && !shared.emplace(target.gated, site).second) continue;
+        calls.insert(call);
+        if (now.scenario->fails_last) calls.insert(last[site]);
     }
     return calls;
 }

@@ -119,8 +119,10 @@ void system_scenarios(const Add& scenario) {
         });
         run.outcome(right, run.raised());
     });
-    scenario("email::send", [](Run& run) { send_two(run, true); });
-    scenario("email::send, by the web server", [](Run& run) { send_two(run, false); });
+    scenario(
+        "email::send", [](Run& run) { send_two(run, true); }, true);
+    scenario(
+        "email::send, by the web server", [](Run& run) { send_two(run, false); }, true);
     scenario("email::send_mail to nobody", [](Run& run) {
         const String nobody, blank(" ;");
         registry().set_text(web_key, "InstallPath", "C:\\inetsrv");
@@ -155,16 +157,19 @@ void system_scenarios(const Add& scenario) {
          "WNetAddConnection2 failed (error code = 42). caf\xC3\xA9 \n "},
     };
     for (const auto& c : shares) {
-        scenario(c.name, [c](Run& run) {
-            stand_ins.connect = c.connect;
-            stand_ins.disconnect = c.disconnect;
-            char said[4096] = "";
-            const int got = run.call(nothing, [&] {
-                return UTIL_ConnectCifsShare("\\\\srv\\share", "user", "secret", said);
-            });
-            run.outcome(got == (c.connect ? -1 : 0) && !std::strcmp(said, c.message),
-                        (got == -1 && names_the_call(said)) || (got == 0 && !*said));
-        });
+        scenario(
+            c.name,
+            [c](Run& run) {
+                stand_ins.connect = c.connect;
+                stand_ins.disconnect = c.disconnect;
+                char said[4096] = "";
+                const int got = run.call(nothing, [&] {
+                    return UTIL_ConnectCifsShare("\\\\srv\\share", "user", "secret", said);
+                });
+                run.outcome(got == (c.connect ? -1 : 0) && !std::strcmp(said, c.message),
+                            (got == -1 && names_the_call(said)) || (got == 0 && !*said));
+            },
+            true);
     }
     scenario("UTIL_DisconnectCifsShare", [](Run& run) {
         char said[4096] = "";
@@ -211,27 +216,28 @@ void system_scenarios(const Add& scenario) {
         run.always(code == ERROR_FILENAME_EXCED_RANGE, "the last error");
     });
     for (const bool configured : {true, false}) {
-        scenario(configured ? "UTIL_EnumHostsOnANetwork"
-                            : "UTIL_EnumHostsOnANetwork, the computer's domain",
-                 [configured](Run& run) {
-                     registry().set_text(computer_key, "Domain", "example.test");
-                     if (configured)
-                         registry().set_text(server_key, "ComputerDomainName", "example.test");
-                     const String directory(run.scratch.directory("50%"));
-                     std::list<String> hosts;
-                     String message;
-                     const int result = run.call(nothing, [&] {
-                         return UTIL_EnumHostsOnANetwork(hosts, directory, message);
-                     });
-                     registry().remove_value(server_key, "ComputerDomainName");
-                     const bool no_domain = result == -1 && hosts.empty();
-                     // Without memory it is not for the lack of hosts that there are none.
-                     const bool no_hosts = result == 0 && !message.empty();
-                     run.outcome((result == 0 && hosts.size() == 2 && message.empty()) ||
-                                     (!configured && no_domain),
-                                 (result == 0 && !hosts.empty()) || no_domain ||
-                                     (no_hosts && !Run::failing("memory")));
-                 });
+        scenario(
+            configured ? "UTIL_EnumHostsOnANetwork"
+                       : "UTIL_EnumHostsOnANetwork, the computer's domain",
+            [configured](Run& run) {
+                registry().set_text(computer_key, "Domain", "example.test");
+                if (configured)
+                    registry().set_text(server_key, "ComputerDomainName", "example.test");
+                const String directory(run.scratch.directory("50%"));
+                std::list<String> hosts;
+                String message;
+                const int result = run.call(
+                    nothing, [&] { return UTIL_EnumHostsOnANetwork(hosts, directory, message); });
+                registry().remove_value(server_key, "ComputerDomainName");
+                const bool no_domain = result == -1 && hosts.empty();
+                // Without memory it is not for the lack of hosts that there are none.
+                const bool no_hosts = result == 0 && !message.empty();
+                run.outcome((result == 0 && hosts.size() == 2 && message.empty()) ||
+                                (!configured && no_domain),
+                            (result == 0 && !hosts.empty()) || no_domain ||
+                                (no_hosts && !Run::failing("memory")));
+            },
+            true);
     }
     scenario("UTIL_GetModuleVersion", [](Run& run) {
         const std::string module = util_test::built_file("stamped.dll");

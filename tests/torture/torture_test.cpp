@@ -12,6 +12,7 @@
 #include "torture/failures.h"
 #include "torture/gate.h"
 #include "torture/sweep.h"
+#include "util/portable/ksl_hostname.h"
 
 using namespace torture;
 
@@ -34,6 +35,10 @@ class TortureTest : public testing::Test {
     static void SetUpTestSuite() {
         service = std::make_unique<util_test::MailService>();
         service->start();
+        // Loads what lookups need, before a fault keeps the platform from loading it.
+        int count;
+        char records[21];
+        KslIpAddrList(1, &count, records);
         begin_sweeps();
     }
     static void TearDownTestSuite() {
