@@ -181,7 +181,8 @@ void text_scenarios(const Add& scenario) {
             shown = static_cast<const ExtDate&>(copy).toString();
             owned->toString();
         });
-        run.outcome(shown.str() == "2010 05 17 12:30:45", true);
+        run.outcome(shown.str() == "2010 05 17 12:30:45",
+                    run.raised() || Run::failing("strftime") || Run::failing("_mktime64"));
     });
 }
 
