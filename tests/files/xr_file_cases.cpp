@@ -1,7 +1,9 @@
+#include <fcntl.h>
+#include <io.h>
 #include <sys/utime.h>
 
-#include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <sstream>
 
 #include "support/cases.h"
@@ -40,6 +42,12 @@ struct XrFileWorld : util_test::CaseWorld {
     }
 
     void bytes(const std::string& content) { scratch.file("f", content); }
+    void bytes_at(std::int64_t offset, const std::string& content) const {
+        const int fd = _open((scratch / "f").c_str(), _O_WRONLY | _O_CREAT | _O_BINARY, 0600);
+        _lseeki64(fd, offset, SEEK_SET);
+        EXPECT_EQ(_write(fd, content.data(), unsigned(content.size())), int(content.size()));
+        _close(fd);
+    }
     std::string content() const { return scratch.read("f"); }
     Words open(const char* mode) { return state(file.Open(scratch / "f", mode)); }
     Words open_path(const std::string& path) { return state(file.Open(path, "r")); }
@@ -83,6 +91,58 @@ struct XrFileWorld : util_test::CaseWorld {
         return state("done");
     }
 
+    Words get_without_memory() {
+        const ImportPatch patch("_ZnayRKSt9nothrow_t", util_test::fails<0>);
+        return get(std::string("old"));
+    }
+    // The runtime's reads fail with these values of errno, one after the other. 0: the read is
+    // made.
+    void fail_reads(const std::string& codes) {
+        read_codes = std::istringstream(codes);
+        read_patch.emplace("_read", [this](int fd, void* to, unsigned count) {
+            int code = 0;
+            if (!(read_codes >> code) || code == 0) return _read(fd, to, count);
+            errno = code;
+            return -1;
+        });
+    }
+    // The flags and the permission that Open() hands on; with a code, what it comes to when the
+    // platform fails with it, and the number of attempts.
+    Words open_flags(const char* mode) {
+        int flags = 0, permission = 0;
+        const ImportPatch patch("_wopen", [&](const wchar_t* path, int given, int mode_given) {
+            flags = given;
+            permission = mode_given;
+            return _wopen(path, given, mode_given);
+        });
+        open(mode);
+        return said(util_test::hex(flags), util_test::hex(permission));
+    }
+    Words open_failing(DWORD code) {
+        int attempts = 0;
+        const ImportPatch patch("_wopen", [&] {
+            ++attempts;
+            SetLastError(code);
+            return -1;
+        });
+        return said(open("r"), attempts);
+    }
+    Words close_failing() {
+        const ImportPatch patch("_close", util_test::fails<-1, 1234>);
+        return close();
+    }
+    // As with a program whose standard input is closed: the file gets descriptor 0.
+    Words size_and_time_as_standard_input() {
+        const int standard_input = _dup(0);
+        _close(0);
+        const Words opened = open("r");
+        const Words words = said(opened, file.Size(), file.LastModified());
+        file.Close();
+        _dup2(standard_input, 0);
+        _close(standard_input);
+        return words;
+    }
+
     // Calls of the runtime with these results and values of errno, then -1 with 5 (EIO). Text
     // mode, so nothing is read ahead. Returns the state, the number of calls, and where the last
     // one began in the buffer of 20 bytes.
@@ -108,6 +168,8 @@ struct XrFileWorld : util_test::CaseWorld {
 
     util_test::ScratchDirectory scratch;
     XrFile file, other;
+    std::istringstream read_codes;
+    std::optional<ImportPatch> read_patch;
 };
 
 const char* const failed = "... error ...";
@@ -117,6 +179,7 @@ const util_test::Cases<XrFileWorld> cases(
     {
         call("bytes", &XrFileWorld::bytes),
         call("content", &XrFileWorld::content),
+        call("bytes_at", &XrFileWorld::bytes_at),
         call("open", &XrFileWorld::open, failed),
         call("open_path", &XrFileWorld::open_path, failed),
         call("reopen", &XrFileWorld::reopen, failed),
@@ -164,18 +227,9 @@ const util_test::Cases<XrFileWorld> cases(
         call("put", &XrFileWorld::put<const char*>, "done error ..."),
         call("put_bytes", &XrFileWorld::put<std::string>, "done error ..."),
         call("put_string", &XrFileWorld::put<String>, "done error ..."),
-        call("assign", [](XrFileWorld& w) { w.other = w.file; }),
-        call("copy_line",
-             [](const XrFileWorld& w) {
-                 XrFile copy(w.file);
-                 char buffer[20] = {};
-                 return said(copy.Readln(buffer, sizeof buffer), buffer, copy.getName());
-             }),
-        call("other_line",
-             [](XrFileWorld& w) {
-                 char buffer[20] = {};
-                 return said(w.other.Readln(buffer, sizeof buffer), buffer, w.other.getName());
-             }),
+        call("copy", [](XrFileWorld& w) { w.other.emplace(w.file); }),
+        call("assign", [](XrFileWorld& w) { w.other.emplace() = w.file; }),
+        call("swap", [](XrFileWorld& w) { std::swap(w.file, *w.other); }),
         call("times",
              [](const XrFileWorld& w, int accessed, int changed) {
                  __utimbuf64 times = {accessed, changed};
@@ -185,6 +239,12 @@ const util_test::Cases<XrFileWorld> cases(
              [](const XrFileWorld& w) {
                  SetFileAttributesA((w.scratch / "f").c_str(), FILE_ATTRIBUTE_READONLY);
              }),
+        call("fail_reads", &XrFileWorld::fail_reads),
+        call("get_without_memory", &XrFileWorld::get_without_memory),
+        call("open_flags", &XrFileWorld::open_flags),
+        call("open_failing", &XrFileWorld::open_failing),
+        call("close_failing", &XrFileWorld::close_failing),
+        call("size_and_time_as_standard_input", &XrFileWorld::size_and_time_as_standard_input),
         call("reads", [](XrFileWorld& w, const std::string& s) { return w.transfer("_read", s); }),
         call("writes",
              [](XrFileWorld& w, const std::string& s) { return w.transfer("_write", s); }),

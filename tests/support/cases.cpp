@@ -34,7 +34,7 @@ Words tokens(const std::string& line) {
         if (c == '"' && !braced) quoted = !quoted;
         if (c == '{' || c == '}') braced = c == '{';
     }
-    if (quoted || braced) throw std::runtime_error("an open quote or brace");
+    if (quoted || braced) throw CaseError("an open quote or brace");
     finish();
     return result;
 }
@@ -58,13 +58,12 @@ Block::Line parsed(const std::string& text, int number, const std::vector<Call>&
     const auto arrow = std::find(all.begin(), all.end(), "=>");
     std::size_t results = 0;
     for (const Words& words : parts(all.begin(), arrow)) {
-        if (words.empty()) throw std::runtime_error("a call without a name");
+        if (words.empty()) throw CaseError("a call without a name");
         const auto call = std::find_if(known.begin(), known.end(),
                                        [&](const Call& one) { return one.name == words[0]; });
-        if (call == known.end()) throw std::runtime_error("no such call: " + words[0]);
+        if (call == known.end()) throw CaseError("no such call: " + words[0]);
         if (words.size() - 1 != call->arguments) {
-            throw std::runtime_error(words[0] + " takes " + std::to_string(call->arguments) +
-                                     " words");
+            throw CaseError(words[0] + " takes " + std::to_string(call->arguments) + " words");
         }
         line.calls.emplace_back(&*call, Words(words.begin() + 1, words.end()));
         results += call->has_result;
@@ -73,9 +72,21 @@ Block::Line parsed(const std::string& text, int number, const std::vector<Call>&
     const bool missing = std::any_of(line.results.begin(), line.results.end(),
                                      [](const Words& words) { return words.empty(); });
     if (!missing && line.results.size() == results) return line;
-    if (!rewriting()) throw std::runtime_error(std::to_string(results) + " results belong here");
+    if (!rewriting()) throw CaseError(std::to_string(results) + " results belong here");
     line.results.assign(results, {});
     return line;
+}
+
+// Takes "[plain]" and "[windows]" from the end of the title.
+void read_tags(Block& block) {
+    std::string& title = block.title;
+    while (!title.empty() && title.back() == ']') {
+        const std::size_t begin = std::min(title.rfind(" ["), title.size());
+        const std::string tag = title.substr(begin);
+        if (tag != " [plain]" && tag != " [windows]") throw CaseError("no such tag:" + tag);
+        (tag == " [plain]" ? block.plain : block.windows_only) = true;
+        title.resize(begin);
+    }
 }
 
 // The bytes that a word stands for.
@@ -91,7 +102,7 @@ std::string meaning(const std::string& word, const CaseWorld& world) {
                     result += inside.substr(0, star);
             } else if (inside.empty() || inside.size() % 2 != 0 ||
                        inside.find_first_not_of("0123456789ABCDEF") != std::string::npos) {
-                throw std::runtime_error("no bytes: " + word);
+                throw CaseError("no bytes: " + word);
             }
             for (std::size_t n = 0; star == std::string::npos && n < inside.size(); n += 2)
                 result += static_cast<char>(std::stoi(inside.substr(n, 2), nullptr, 16));
@@ -103,7 +114,7 @@ std::string meaning(const std::string& word, const CaseWorld& world) {
             const std::string name = word.substr(i + 1, end - i - 1);
             const auto value = world.values.find(name);
             if (name != "null" && value == world.values.end())
-                throw std::runtime_error("no such value: $" + name);
+                throw CaseError("no such value: $" + name);
             result += name == "null" ? "$null" : value->second;
             i = end - 1;
         } else if (word[i] != '"') {
@@ -181,13 +192,15 @@ bool rewriting() {
 Words Step::make() const {
     try {
         return call.make(world, arguments);
+    } catch (const CaseError&) {
+        throw;
     } catch (const std::exception& error) {
         return {"raises", error.what()};
     }
 }
 
 void Block::play(const Player& player) const {
-    if (!error.empty()) throw std::runtime_error(error);
+    if (!error.empty()) throw CaseError(error);
     const std::unique_ptr<CaseWorld> world = file->new_world();
     const auto meanings = [&](const Words& words) {
         Words result;
@@ -196,10 +209,14 @@ void Block::play(const Player& player) const {
         return result;
     };
     for (const Line& one : lines) {
-        auto result = one.results.begin();
-        for (const auto& [call, arguments] : one.calls) {
-            const Words expected = call->has_result ? meanings(*result++) : Words();
-            if (!player({*call, *world, meanings(arguments), expected, one.number})) return;
+        try {
+            auto result = one.results.begin();
+            for (const auto& [call, arguments] : one.calls) {
+                const Words expected = call->has_result ? meanings(*result++) : Words();
+                if (!player({*call, *world, meanings(arguments), expected, one.number})) return;
+            }
+        } catch (const CaseError& mistake) {
+            throw CaseError(std::to_string(one.number) + ": " + mistake.what());
         }
     }
 }
@@ -210,23 +227,20 @@ CaseFile::CaseFile(const std::string& name, std::vector<Call> known, NewWorld ma
       calls(std::move(known)),
       new_world(std::move(make)) {
     std::ifstream in(path, std::ios::binary);
-    if (!in) blocks.push_back({this, "file", 0, false, {}, "cannot be opened"});
+    if (!in) blocks.push_back({this, "file", 0, false, false, {}, "cannot be opened"});
     int number = 0;
     for (std::string text; std::getline(in, text);) {
         ++number;
         try {
             if (text.rfind("== ", 0) == 0) {
-                const std::size_t tag = text.find(" [");
-                const std::string tags = text.substr(std::min(tag, text.size()));
-                blocks.push_back(
-                    {this, text.substr(3, tag - 3), number, tags == " [plain]", {}, ""});
-                if (!tags.empty() && tags != " [plain]") throw std::runtime_error("no tag" + tags);
+                blocks.push_back({this, text.substr(3), number, false, false, {}, ""});
+                read_tags(blocks.back());
             } else if (!tokens(text).empty()) {
-                if (blocks.empty()) throw std::runtime_error("a call before the first title");
+                if (blocks.empty()) throw CaseError("a call before the first title");
                 blocks.back().lines.push_back(parsed(text, number, calls));
             }
         } catch (const std::exception& error) {
-            if (blocks.empty()) blocks.push_back({this, "file", number, false, {}, ""});
+            if (blocks.empty()) blocks.push_back({this, "file", number, false, false, {}, ""});
             std::string& errors = blocks.back().error;
             errors += std::to_string(number) + ": " + error.what() + "\n";
         }

@@ -10,7 +10,7 @@
 #ifndef UTIL_TESTS_SUPPORT_CASES_H
 #define UTIL_TESTS_SUPPORT_CASES_H
 
-#include <cstdint>
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <memory>
@@ -23,6 +23,11 @@
 #include "support/test.h"
 
 namespace util_test {
+
+// A line that cannot be read or played.
+struct CaseError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
 
 // What the calls of a block work on: new for each block.
 struct CaseWorld {
@@ -69,11 +74,12 @@ struct Block {
     const CaseFile* file;
     std::string title;
     int line;
-    bool plain = false;  // not for the failure sweep
+    bool plain = false;         // not for the failure sweep
+    bool windows_only = false;  // not for the native tests
     std::vector<Line> lines;
     std::string error;  // why the block cannot be read
 
-    // Makes the calls in order. Throws std::runtime_error if a line cannot be read.
+    // Makes the calls in order. Throws CaseError if a line cannot be played.
     void play(const Player& player) const;
 };
 
@@ -107,17 +113,16 @@ bool rewriting();
 template <typename T>
 T argument(const std::string& word) {
     if constexpr (std::is_same_v<T, bool>) {
-        if (word != "true" && word != "false") throw std::runtime_error("no bool: " + word);
+        if (word != "true" && word != "false") throw CaseError("not a bool: " + word);
         return word == "true";
     } else if constexpr (std::is_same_v<T, char>) {
-        if (word.size() != 1) throw std::runtime_error("no character: " + word);
+        if (word.size() != 1) throw CaseError("not a character: " + word);
         return word[0];
     } else if constexpr (std::is_integral_v<T>) {
-        std::size_t end = 0;
-        const bool negative = word[0] == '-';
-        const auto value = negative ? static_cast<T>(std::stoll(word, &end, 0))
-                                    : static_cast<T>(std::stoull(word, &end, 0));
-        if (end != word.size()) throw std::runtime_error("no number: " + word);
+        char* end = nullptr;
+        const auto value = static_cast<T>(word[0] == '-' ? std::strtoll(word.c_str(), &end, 0)
+                                                         : std::strtoull(word.c_str(), &end, 0));
+        if (word.empty() || *end != '\0') throw CaseError("not a number: " + word);
         return value;
     } else if constexpr (std::is_same_v<T, const char*>) {
         return word == "$null" ? nullptr : word.c_str();

@@ -31,6 +31,9 @@ class CaseTest : public testing::Test {
 
   private:
     void TestBody() override {
+#ifndef _WIN32
+        if (m_block.windows_only) GTEST_SKIP() << "on Windows only";
+#endif
         const char* const path = m_block.file->path.c_str();
         std::map<int, std::string> results;
         bool wrong = false;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <sstream>
 #include <string>
 #include <type_traits>
@@ -53,6 +54,12 @@ Words said(const Values&... values) {
     Words words;
     (say(words, values), ...);
     return words;
+}
+
+inline std::string hex(std::uint64_t value) {
+    std::ostringstream out;
+    out << std::hex << std::showbase << value;
+    return out.str();
 }
 
 }  // namespace util_test
