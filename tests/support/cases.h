@@ -6,7 +6,7 @@
 //         bool seek(int offset) { return file.Seek(offset); }
 //     };
 //     const util_test::Cases<World> cases("files/xr_file.cases",
-//                                         {call("seek", &World::seek, "false")});
+//                                         {call("seek", "false", &World::seek)});
 #ifndef UTIL_TESTS_SUPPORT_CASES_H
 #define UTIL_TESTS_SUPPORT_CASES_H
 
@@ -167,7 +167,7 @@ struct Signature<R (*)(A...)> {
 // The function is a member of the world, a plain function or a lambda. Each of them takes words as
 // typed arguments. The last two may take the world, by reference, in front of them.
 template <typename F>
-Call call(const char* name, F function, const char* failure = "") {
+Call call(const char* name, const char* failure, F function) {
     using S = Signature<F>;
     constexpr bool has_result = !std::is_void_v<typename S::Result>;
     const auto make = [function](CaseWorld& world, const Words& words) {
@@ -180,6 +180,11 @@ Call call(const char* name, F function, const char* failure = "") {
         }
     };
     return {name, S::arguments, has_result, failure, make};
+}
+
+template <typename F>
+Call call(const char* name, F function) {
+    return call(name, "", function);
 }
 
 // Registers the cases of a file. One object of a source file is enough.
