@@ -11,6 +11,7 @@
 #include "util/files/create_directory.h"
 #include "util/files/delete_file.h"
 #include "util/files/path_lookup.h"
+#include "util/files/xr_directory.h"
 
 using util_test::call;
 using util_test::said;
@@ -61,6 +62,28 @@ struct World : util_test::CaseWorld {
         return said(UTIL_cleanupDir(path, 1), searches);
     }
 
+    // Of the XrDirectory.
+    Words names(bool include_hidden, bool refresh) const {
+        Words result;
+        for (const XrDirectoryEntry* entry : *opened->getDirectoryList(include_hidden, refresh))
+            result.push_back(entry->str());
+        return result;
+    }
+    Words entry(std::size_t index) const {
+        const XrDirectoryEntry& one = *(*opened->getDirectoryList(true, false))[index];
+        return said(one.getName(), util_test::hex(one.getMode()), one.getSize());
+    }
+    // The paths that are to be removed, in order. Only the removal of "C:\" fails.
+    static Words tree_removals(const char* path) {
+        Words removals;
+        const util_test::ImportPatch patch("RemoveDirectoryA", [&](const char* removed) -> BOOL {
+            removals.push_back(removed);
+            return std::strcmp(removed, "C:\\") != 0;
+        });
+        return said(XrDirectory::DeleteDirectoryTree(path), removals);
+    }
+
+    std::unique_ptr<XrDirectory> opened;
     const util_test::ScratchDirectory scratch;
     std::optional<util_test::EnvironmentChange> path_variable;
     HANDLE held = INVALID_HANDLE_VALUE;
@@ -119,6 +142,36 @@ const util_test::Cases<World> cases(
         call("delete_read_only", "-1 ...", removed<UTIL_delete_readonly>),
         call("clean", "0 | 1", UTIL_cleanupDir),
         call("clean_unlistable", &World::clean_unlistable),
+
+        call("open", "false | raises ...",
+             [](World& w, const String& path) {
+                 w.opened = std::make_unique<XrDirectory>(path);
+                 return w.opened->isValid();
+             }),
+        call("opened_path", "raises ...", [](World& w) { return w.opened->getPath(); }),
+        call("names", "none | raises ...", &World::names),
+        call("entry", "raises ...", &World::entry),
+        call("destroy", [](World& w) { w.opened->destroy(); }),
+        call("init", "raises ...",
+             [](World& w, const String& path) {
+                 w.opened->init(path);
+                 return w.opened->isValid();
+             }),
+        call("is_directory", "false | raises ...", XrDirectory::IsDirectory),
+        call("make_nothing",
+             [](const String& path) {
+                 return XrDirectory::CreateDirectoryA(path) +
+                        XrDirectory::CreateDirectoryA(path.c_str());
+             }),
+        call("remove", "22 | raises ...",
+             [](const char* path) { return XrDirectory::DeleteDirectory(path); }),
+        call("remove_string", "22 | raises ...",
+             [](const String& path) { return XrDirectory::DeleteDirectory(path); }),
+        call("remove_tree", "1 | raises ...",
+             [](const char* path) { return XrDirectory::DeleteDirectoryTree(path); }),
+        call("remove_tree_string", "1 | raises ...",
+             [](const String& path) { return XrDirectory::DeleteDirectoryTree(path); }),
+        call("tree_removals", &World::tree_removals),
     });
 
 }  // namespace
