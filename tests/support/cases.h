@@ -135,12 +135,7 @@ template <typename T>
 constexpr bool is_world = std::is_base_of_v<CaseWorld, std::remove_reference_t<T>>;
 
 template <typename F>
-struct Signature : Signature<decltype(&F::operator())> {};
-template <typename R, typename C, typename... A>
-struct Signature<R (C::*)(A...)>
-    : Signature<std::conditional_t<is_world<C>, R (*)(C&, A...), R (*)(A...)>> {};
-template <typename R, typename C, typename... A>
-struct Signature<R (C::*)(A...) const> : Signature<R (C::*)(A...)> {};
+struct Signature;
 template <typename R, typename... A>
 struct Signature<R (*)(A...)> {
     using Result = R;
@@ -164,8 +159,20 @@ struct Signature<R (*)(A...)> {
     }
 };
 
-// The function is a member of the world, a plain function or a lambda. Each of them takes words as
-// typed arguments. The last two may take the world, by reference, in front of them.
+template <typename R, typename C, typename... A>
+struct Signature<R (C::*)(A...)> : Signature<R (*)(C&, A...)> {};
+template <typename R, typename C, typename... A>
+struct Signature<R (C::*)(A...) const> : Signature<R (*)(const C&, A...)> {};
+// A lambda has the signature of its operator without the object.
+template <typename F>
+struct WithoutObject;
+template <typename R, typename C, typename... A>
+struct WithoutObject<R (C::*)(A...) const> : Signature<R (*)(A...)> {};
+template <typename F>
+struct Signature : WithoutObject<decltype(&F::operator())> {};
+
+// The function is a member, a plain function or a lambda. Words become its typed arguments. A
+// reference to the world is passed on. A member of another class takes the object as a word.
 template <typename F>
 Call call(const char* name, const char* failure, F function) {
     using S = Signature<F>;

@@ -1,0 +1,139 @@
+#include <new>
+#include <optional>
+
+#include "support/cases.h"
+#include "util/text/byte_string.h"
+#include "util/text/string_array.h"
+#include "util/text/xml_tags.h"
+
+using extstl::ExtString;
+using util_test::call;
+using util_test::said;
+using util_test::Words;
+
+namespace {
+
+using Size = std::uint64_t;
+
+const char* const no_memory = "raises std::bad_alloc";
+
+// Operations change the object. One that runs out of memory leaves it as it was.
+struct World : util_test::CaseWorld {
+    std::optional<String> object{""};
+
+    template <typename Change>
+    Words changed(Change change) {
+        String& s = *object;
+        const std::string before = s.str();
+        try {
+            change(s);
+        } catch (const std::bad_alloc&) {
+            if (s.str() != before) return said("changed without memory", s);
+            throw;
+        }
+        return said(s);
+    }
+    // The first occurrence replaced, then all of them.
+    Words replace(const char* from, const char* to) {
+        String& s = *object;
+        String once(s);
+        once.replace(from, to, String::SCOPE_FIRST);
+        const String by_default = String(s).replace(from, to);
+        s.replace(from, to, String::scopeType(-7));
+        return by_default == s ? said(once, s) : said("another default", by_default);
+    }
+    Words add_tag(const char* tag, const char* value) {
+        const int result = UTIL_addTag(*object, tag, value);
+        return said(result, *object);
+    }
+    Words extract_tag(const char* tag) const {
+        String value("untouched");
+        const int result = UTIL_extractTag(*object, tag, value);
+        return said(result, value);
+    }
+    Words xml_value(const char* tag_name, const char* attribute_name) const {
+        const String tag(tag_name), attribute(attribute_name);
+        String value("untouched");
+        const int result = UTIL_XMLParserExtractTagValue(&*object, &tag, &attribute, &value);
+        return said(result, value);
+    }
+    Words xml_text(const char* tag_name, bool trims) const {
+        const String tag(tag_name);
+        String value("untouched");
+        const int result = UTIL_XMLParserExtractTagXml(&*object, &tag, &value, trims);
+        return said(result, value);
+    }
+};
+
+// A call that changes the object and comes to it.
+template <typename... Arguments>
+util_test::Call changing(const char* name, void (*change)(String& s, Arguments... arguments)) {
+    return call(name, no_memory, [change](World& w, Arguments... arguments) {
+        return w.changed([&](String& s) { change(s, arguments...); });
+    });
+}
+
+const util_test::Cases<World> cases(
+    "text/text.cases",
+    {
+        call("text", [](World& w, const std::string& bytes) { w.object.emplace(bytes); }),
+        call("to_int", &String::to_int),
+        call("hash", [](const String& s) { return util_test::hex(s.hash()); }),
+        call("first",
+             [](const String& s, const char* part, Size from) { return s.first(part, from); }),
+        call("last", &String::last),
+        call("find", [](const ExtString& s, const char* part, Size from,
+                        int any_case) { return s.find(part, from, any_case); }),
+        call("substr", no_memory,
+             [](const String& s, Size from, Size n) { return s.substr(from, n); }),
+        call("rest", no_memory, [](const String& s, Size from) { return s.substr(from); }),
+        call("ext_substr", no_memory,
+             [](const ExtString& s, Size from, Size n) { return s.substr(from, n); }),
+        call("upper", [](ExtString s) { return s.upper(), s; }),
+        call("lower", [](ExtString s) { return s.lower(), s; }),
+        call("to_upper", no_memory, &String::to_upper),
+        call("to_lower", no_memory, &String::to_lower),
+        call("trim", no_memory, &String::trim),
+        call("split", no_memory, &String::split),
+        call("split_by_tag", no_memory, &String::split_by_tag),
+        call("serialized", no_memory,
+             [](const String& s) {
+                 return deserializeStrArray(serializeStrArray(s.split(" ", true)));
+             }),
+
+        changing(
+            "append", +[](String& s, const String& more) { s += more; }),
+        changing(
+            "append_text", +[](String& s, const char* more) { s += more; }),
+        changing(
+            "prepend", +[](String& s, const String& more) { s.prepend(more); }),
+        changing(
+            "prepend_itself", +[](String& s) { s.prepend(s); }),
+        changing(
+            "replace_part", +[](String& s, Size at, Size n, const char* by,
+                                Size most) { s.replace(at, n, by, most); }),
+        changing(
+            "replace_rest",
+            +[](String& s, Size at, Size n, const char* by) { s.replace(at, n, by); }),
+        changing(
+            "replace_by_itself",
+            +[](String& s, Size at, Size n, Size most) { s.replace(at, n, s, most); }),
+        changing(
+            "squeeze", +[](String& s) { s.squeeze_spaces(); }),
+        changing(
+            "escape", +[](String& s) { s.replaceXML(); }),
+        changing(
+            "unescape", +[](String& s) { s.placeXML(); }),
+        call("replace", no_memory, &World::replace),
+        call("add_tag", "-1 ...", &World::add_tag),
+        call("add_itself",
+             [](World& w) {
+                 const int result = UTIL_addTag(*w.object, *w.object, *w.object);
+                 return said(result, *w.object);
+             }),
+        call("extract_tag", "-1 untouched", &World::extract_tag),
+        call("xml_value", "-1 untouched", &World::xml_value),
+        call("xml_text", "-1 untouched", &World::xml_text),
+    });
+
+}  // namespace
