@@ -144,11 +144,12 @@ std::string written(const std::string& word, const CaseWorld& world) {
     bool bytes_before = false;
     for (std::size_t i = 0; i < word.size();) {
         const std::string_view rest = std::string_view(word).substr(i);
-        const auto value =
-            std::find_if(world.values.begin(), world.values.end(), [&](const auto& one) {
-                return one.second.size() > 3 && rest.substr(0, one.second.size()) == one.second;
-            });
-        if (value != world.values.end()) {
+        const std::pair<const std::string, std::string>* value = nullptr;
+        for (const auto& one : world.values) {
+            const bool longer = one.second.size() > (value ? value->second.size() : 3);
+            if (longer && rest.substr(0, one.second.size()) == one.second) value = &one;
+        }
+        if (value) {
             result += "$" + value->first;
             bytes_before = false;
             i += value->second.size();
