@@ -4,9 +4,8 @@
 #include "support/import_patch.h"
 #include "support/private_registry.h"
 #include "torture/resources.h"
-#include "util/host/database_info.h"
-#include "util/host/registry_value.h"
-#include "util/host/volume_manager.h"
+#include "util/host/installed_products.h"
+#include "util/host/registry.h"
 
 using namespace std::string_literals;
 using util_test::AccessLimit;

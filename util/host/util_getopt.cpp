@@ -1,4 +1,4 @@
-#include "util/host/option_reader.h"
+#include "util/host/util_getopt.h"
 
 #include <cstring>
 

@@ -1,7 +1,8 @@
-#include "util/host/base_name.h"
+#include "util/host/helpers.h"
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <memory>
 #include <string>
 
@@ -28,6 +29,25 @@ TEST(BaseNameTest, WritesTheLastPartBetweenSlashesAndReturnsMinusOne) {
     EXPECT_EQ(UTIL_basename(out, nullptr), -1);
     EXPECT_STREQ(out, "");
     EXPECT_EQ(UTIL_basename(nullptr, "a"), -1);
+}
+
+TEST(BinaryEqualTest, ReadsUpToTheFirstDifferenceOnly) {
+    const char one = 'a', other = 'b';  // the sanitizers see every byte beyond
+    EXPECT_FALSE(UTIL_IsBinaryEqual(&one, &other, INT_MAX));
+    EXPECT_FALSE(UTIL_IsBinaryEqual("a\0b", "a\0c", 3));
+    EXPECT_TRUE(UTIL_IsBinaryEqual("a\0b", "a\0c", 2));
+    EXPECT_TRUE(UTIL_IsBinaryEqual(nullptr, "a", 0));
+    EXPECT_TRUE(UTIL_IsBinaryEqual(nullptr, "a", INT_MIN));
+    EXPECT_FALSE(UTIL_IsBinaryEqual(nullptr, "a", 1));
+    EXPECT_FALSE(UTIL_IsBinaryEqual("a", nullptr, 1));
+}
+
+TEST(DeviceNameTest, FourSpellingsAnywhere) {
+    for (const char* text : {"Talvora", "a talvora", "TalVora 1", "tAlvora TALVORA"})
+        EXPECT_TRUE(UTIL_isBKDevice(text)) << text;
+    for (const char* text : {"tAlvora", "TALVora", "Talvor", "", static_cast<const char*>(nullptr)})
+        EXPECT_FALSE(UTIL_isBKDevice(text)) << (text ? text : "(null)");
+    EXPECT_FALSE(g_bCloneSyncSerialized) << "until a caller sets it";
 }
 
 }  // namespace
