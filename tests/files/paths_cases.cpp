@@ -150,7 +150,7 @@ const util_test::Cases<World> cases(
              }),
         call("opened_path", "raises ...", [](World& w) { return w.opened->getPath(); }),
         call("names", "none | raises ...", &World::names),
-        call("entry", "raises ...", &World::entry),
+        call("entry", "... 0 0 | raises ...", &World::entry),
         call("destroy", [](World& w) { w.opened->destroy(); }),
         call("init", "raises ...",
              [](World& w, const String& path) {
