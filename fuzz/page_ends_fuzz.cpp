@@ -6,10 +6,8 @@
 
 #include "fuzz/fuzz.h"
 #include "fuzz/guarded_memory.h"
-#include "util/host/base_name.h"
-#include "util/host/binary_equal.h"
-#include "util/host/device_name.h"
-#include "util/host/option_reader.h"
+#include "util/host/helpers.h"
+#include "util/host/util_getopt.h"
 #include "util/portable/ksl_string.h"
 #include "util/portable/ksl_time.h"
 #include "util/portable/ksl_uint64.h"

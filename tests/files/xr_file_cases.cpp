@@ -174,6 +174,12 @@ const util_test::Cases<World> cases(
              [](World& w, const char* mode) { return w.state(w.file->Open(mode)); }),
         call("flush", "... error ...", [](World& w) { return w.state(w.file->Flush()); }),
         call("close", "... error ...", [](World& w) { return w.state(w.file->Close()); }),
+        call("code",
+             [](World& w) {
+                 int code = 77;
+                 const bool failed = w.file->Error(code);
+                 return said(failed, code);
+             }),
         call("name", [](World& w) { return w.file->getName(); }),
         call("read", "false ... error ...", &World::read),
         call("line", "false ... error ...", &World::line),

@@ -5,10 +5,7 @@
 #include <cstring>
 #include <string>
 
-#include "support/import_patch.h"
 #include "support/process.h"
-
-using util_test::ImportPatch;
 
 namespace {
 
@@ -19,14 +16,7 @@ TEST(OsVersionTest, NamesTheWindowsThatTheSystemShows) {
         const char *version, *line, *program = "version_probe.exe";
     } cases[] = {
         {"win31", "3.10 SP0.0 type 0 r2 0 \"Windows 3.1 3\" win2k3sp1 0"},
-        {"win95", "4.0 SP0.0 type 0 r2 0 \"Windows95\" win2k3sp1 0"},
-        {"win98", "4.10 SP0.0 type 0 r2 0 \"Windows98\" win2k3sp1 0"},
-        {"winme", "4.90 SP0.0 type 0 r2 0 \"Windows98\" win2k3sp1 0"},
-        {"nt40", "4.0 SP6.0 type 1 r2 0 \"Windows NT\" win2k3sp1 0"},
-        {"win2k", "5.0 SP4.0 type 1 r2 0 \"Windows 2000\" win2k3sp1 0"},
         {"winxp", "5.1 SP3.0 type 1 r2 0 \"Windows XP\" win2k3sp1 0"},
-        {"win2003", "5.2 SP2.0 type 3 r2 0 \"Windows 2003\" win2k3sp1 1"},
-        {"win2008", "6.0 SP2.0 type 3 r2 0 \"Windows\" win2k3sp1 0"},
         // Wine 8 has the types of these two the wrong way round.
         {"win7", "6.1 SP1.0 type 3 r2 1 \"Windows\" win2k3sp1 0"},
         {"win2008r2", "6.1 SP1.0 type 1 r2 0 \"Windows\" win2k3sp1 0"},
@@ -40,143 +30,6 @@ TEST(OsVersionTest, NamesTheWindowsThatTheSystemShows) {
         EXPECT_EQ(util_test::output_of(c.program), std::string(c.line) + "\n") << c.version;
         RegDeleteTreeA(HKEY_CURRENT_USER, key.c_str());
     }
-}
-
-// The rest is what no setting brings about: editions, the R2 metric, versions that never were, a
-// query that fails.
-OSVERSIONINFOEXA running;
-bool answers;
-int r2_metric;
-
-BOOL WINAPI get_version(OSVERSIONINFOA* record) {
-    const DWORD size = record->dwOSVersionInfoSize;
-    if (!answers || (size != 148 && size != 156)) return FALSE;
-    std::memcpy(record, &running, size);
-    return TRUE;
-}
-int WINAPI get_metric(int index) {
-    return index == 89 ? r2_metric : 0;
-}
-
-class ReplacedVersionTest : public testing::Test {
-  protected:
-    static void run(DWORD major, DWORD minor, WORD service_pack = 0, BYTE type = 1) {
-        answers = true;
-        running = {};
-        running.dwMajorVersion = major;
-        running.dwMinorVersion = minor;
-        running.wServicePackMajor = service_pack;
-        running.wServicePackMinor = 7;
-        running.wProductType = type;
-    }
-    ImportPatch m_version{"GetVersionExA", get_version}, m_metric{"GetSystemMetrics", get_metric};
-};
-
-TEST_F(ReplacedVersionTest, PlatformNamesAtTheEdgesOfTheTable) {
-    const struct {
-        DWORD platform, major, minor;
-        const char* name;
-    } cases[] = {
-        {0, 0xFFFFFFFF, 0, "Windows 3.1 -1"},
-        {1, 9, 0, "Windows95"},
-        {1, 4, 1, "Windows98"},
-        {2, 0, 7, "Windows NT"},
-        {2, 5, 9, "Windows 2003"},
-        {2, 10, 0, "Windows"},
-        {3, 5, 1, "Windows"},
-    };
-    for (const auto& c : cases) {
-        run(c.major, c.minor);
-        running.dwPlatformId = c.platform;
-        String name;
-        EXPECT_EQ(UTIL_getPlatform(name), 0);
-        EXPECT_EQ(name, c.name) << c.platform << " " << c.major << "." << c.minor;
-    }
-    EXPECT_EQ(UTIL_getFeatureSet(), 1);
-}
-
-TEST_F(ReplacedVersionTest, FlagsOfAnEdition) {
-    const struct {
-        DWORD major, minor;
-        WORD service_pack, suite;
-        BYTE type;
-        int metric;
-        unsigned short r2;
-        int enterprise, service_pack_1;
-    } cases[] = {
-        {5, 2, 0, 0x0002, 3, 1, 1, 1, 0}, {5, 2, 1, 0x0080, 1, 70000, 1, 1, 1},
-        {5, 2, 9, 0xFF7D, 3, 0, 0, 0, 1}, {5, 1, 1, 0x0082, 3, 1, 0, 1, 0},
-        {5, 3, 1, 0, 3, 1, 0, 0, 1},      {4, 9, 1, 0, 3, 1, 0, 0, 0},
-        {6, 0, 2, 0, 3, 1, 0, 0, 0},      {6, 1, 1, 0, 3, 0, 1, 0, 0},
-        {6, 1, 0, 0, 2, 0, 1, 0, 0},      {6, 1, 0, 0, 1, 1, 0, 0, 0},
-        {6, 2, 1, 0, 3, 1, 0, 0, 1},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);
-        run(c.major, c.minor, c.service_pack, c.type);
-        running.wSuiteMask = c.suite;
-        r2_metric = c.metric;
-        unsigned long major, minor;
-        unsigned short sp_major, sp_minor, type, r2;
-        EXPECT_EQ(UTIL_GetOsVersion(&major, &minor, &sp_major, &sp_minor, &type, &r2), 0);
-        EXPECT_TRUE(major == c.major && minor == c.minor && sp_major == c.service_pack &&
-                    sp_minor == 7 && type == c.type);
-        EXPECT_EQ(r2, c.r2);
-        EXPECT_EQ(UTIL_IsOSVersionEqualTo(major, minor, sp_major, sp_minor, type, r2), 1);
-        EXPECT_EQ(UTIL_IsEnterpriseEdition(), c.enterprise);
-        EXPECT_EQ(UTIL_IsWin2k3SP_1_Or_Later(), c.service_pack_1);
-        EXPECT_EQ(UTIL_IsVSSTransportableSupported(), c.enterprise || c.service_pack_1);
-    }
-    EXPECT_EQ(UTIL_GetOsVersion(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), 0);
-}
-
-TEST_F(ReplacedVersionTest, AtLeastIsUnsigned) {
-    const struct {
-        unsigned long major, minor;
-        int result;
-    } cases[] = {{4, 9, 1}, {5, 1, 1}, {5, 2, 1}, {5, 3, 0}, {6, 0, 0}, {~0ul, 0, 0}, {0, ~0ul, 1}};
-    run(5, 2);
-    for (const auto& c : cases)
-        EXPECT_EQ(UTIL_IsOSVersionAtLeast(c.major, c.minor), c.result) << c.major << "." << c.minor;
-}
-
-TEST_F(ReplacedVersionTest, EqualToComparesWhatIsAskedFor) {
-    constexpr unsigned short any = 0xFFFF;
-    const struct {
-        unsigned long major, minor;
-        unsigned short sp_major, sp_minor, type, r2;
-        int result;
-    } cases[] = {
-        {5, 2, any, any, any, any, 1}, {6, 2, any, any, any, any, 0}, {5, 1, any, any, any, any, 0},
-        {any, 2, 1, 7, 2, 1, 0},       {5, any, 1, 7, 2, 1, 0},  // no wildcard for the version
-        {5, 2, 0, any, any, any, 0},   {5, 2, 2, any, any, any, 0},   {5, 2, 1, any, any, any, 1},
-        {5, 2, any, 6, any, any, 0},   {5, 2, any, 8, any, any, 0},   {5, 2, any, 7, any, any, 1},
-        {5, 2, any, any, 1, any, 1},   {5, 2, any, any, 3, any, 0},  // the type is "at least"
-        {5, 2, any, any, any, 0, 0},   {5, 2, any, any, any, 1, 1},   {5, 2, any, any, any, 2, 0},
-    };
-    run(5, 2, 1, 2);
-    r2_metric = 1;
-    for (const auto& c : cases) {
-        EXPECT_EQ(UTIL_IsOSVersionEqualTo(c.major, c.minor, c.sp_major, c.sp_minor, c.type, c.r2),
-                  c.result)
-            << "case " << &c - cases;
-    }
-}
-
-TEST_F(ReplacedVersionTest, AQueryThatFails) {
-    answers = false;
-    unsigned long number = 77;
-    unsigned short word = 77;
-    EXPECT_EQ(UTIL_GetOsVersion(&number, &number, &word, &word, &word, &word), -1);
-    EXPECT_TRUE(number == 77 && word == 77);
-    EXPECT_EQ(UTIL_IsOSVersionAtLeast(0, 0), -1);
-    EXPECT_EQ(UTIL_IsOSVersionEqualTo(0, 0, 0, 0, 0, 0), -1);
-    EXPECT_EQ(UTIL_IsEnterpriseEdition(), -1);
-    EXPECT_EQ(UTIL_IsWin2k3SP_1_Or_Later(), -1);
-    EXPECT_FALSE(UTIL_IsVSSTransportableSupported());
-    String name = "before";
-    EXPECT_EQ(UTIL_getPlatform(name), 0);
-    EXPECT_EQ(name, "Windows");
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include "support/import_patch.h"
 #include "support/private_registry.h"
 #include "util/host/cifs_share.h"
-#include "util/host/database_info.h"
+#include "util/host/registry.h"
 // after the platform's header
 #include <winnetwk.h>
 

@@ -1,4 +1,4 @@
-#include "util/host/snapshot_tool.h"
+#include "util/host/installed_products.h"
 
 #include <gtest/gtest.h>
 

@@ -31,12 +31,14 @@ TEST(ScopedHandleTest, ClosesWhatItHoldsOnceAndKeepsBothErrors) {
         EXPECT_FALSE(a);
         Scoped b(3), c(std::move(b)), d(4);
         EXPECT_FALSE(b);
+        *b.receive() = 5;
+        *b.receive() = 6;
         d = std::move(c);
         Scoped& same = d;
         d = std::move(same);
         EXPECT_EQ(d.get(), 3) << "moved onto itself";
     }
-    EXPECT_EQ(closed, (Closed{1, 4, 3, 0}));
+    EXPECT_EQ(closed, (Closed{1, 5, 4, 3, 6, 0}));
     EXPECT_EQ(errno, 77);
     EXPECT_EQ(GetLastError(), 77u);
 }

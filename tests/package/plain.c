@@ -1,6 +1,5 @@
 // A C program of another compiler, without any runtime library: plain functions and data alone.
-#include "util/host/binary_equal.h"
-#include "util/host/clone_sync.h"
+#include "util/host/helpers.h"
 #include "util/portable/ksl_descriptor.h"
 #include "util/portable/ksl_string.h"
 

@@ -17,7 +17,8 @@ struct World : util_test::CaseWorld {
     // The result and the bytes written; "kept" if that is none of them.
     Words host_name(unsigned size) {
         std::string buffer(300, '#');
-        return said(errno_kept([&] { return ksl_gethostname(buffer.data(), size); }), of(buffer));
+        const int result = errno_kept([&] { return ksl_gethostname(buffer.data(), size); });
+        return said(result, of(buffer));
     }
     // Also the number of records. Of the NULs, 21 are [], a record without an address, and 14 are
     // -.

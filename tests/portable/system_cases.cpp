@@ -11,6 +11,7 @@
 #include "support/cases.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
+#include "support/units.h"
 #include "util/portable/portable.h"
 // after the platform's header
 #include <comutil.h>
@@ -18,29 +19,12 @@
 using util_test::call;
 using util_test::ImportPatch;
 using util_test::said;
+using util_test::shown;
 using util_test::to_wide;
+using util_test::units_of;
 using util_test::Words;
 
 namespace {
-
-// UTF-16 as a word: what is not ASCII is <D83D>.
-std::string shown(const std::wstring& units) {
-    std::string result;
-    for (const wchar_t unit : units) {
-        char text[8];
-        std::snprintf(text, sizeof text, unit < 0x80 ? "%lc" : "<%04X>", unit);
-        result += text;
-    }
-    return result;
-}
-std::wstring units_of(const std::string& word) {
-    std::wstring result;
-    for (std::size_t i = 0; i < word.size(); ++i) {
-        result += word[i] == '<' ? wchar_t(std::stoi(word.substr(i + 1, 4), nullptr, 16)) : word[i];
-        if (word[i] == '<') i += 5;
-    }
-    return result;
-}
 
 // The result of a call. A failure is followed by errno, or the last error; both are 77 before.
 template <typename Call>

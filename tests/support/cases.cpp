@@ -1,12 +1,12 @@
 #include "support/cases.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <string_view>
 #include <utility>
 
@@ -15,27 +15,13 @@ namespace {
 
 // The words of a line as they are written, ";" and "=>" among them, without its comment.
 Words tokens(const std::string& line) {
+    static const std::regex token(R"re((#.*)| +|;|(?:[^ ;"{}]|"[^"]*"|\{[^}]*\})+|(.))re");
     Words result;
-    std::string token;
-    bool quoted = false, braced = false;
-    const auto finish = [&] {
-        if (!token.empty()) result.push_back(token);
-        token.clear();
-    };
-    for (const char c : line) {
-        const bool inside = quoted || braced;
-        if (!inside && token.empty() && c == '#') break;
-        if (!inside && (c == ' ' || c == ';')) {
-            finish();
-            if (c == ';') result.push_back(";");
-            continue;
-        }
-        token += c;
-        if (c == '"' && !braced) quoted = !quoted;
-        if (c == '{' || c == '}') braced = c == '{';
+    for (std::sregex_iterator at(line.begin(), line.end(), token), end; at != end; ++at) {
+        if ((*at)[1].matched) break;
+        if ((*at)[2].matched) throw CaseError("an open quote or brace");
+        if (at->str()[0] != ' ') result.push_back(at->str());
     }
-    if (quoted || braced) throw CaseError("an open quote or brace");
-    finish();
     return result;
 }
 
@@ -91,34 +77,24 @@ void read_tags(Block& block) {
 
 // The bytes that a word stands for.
 std::string meaning(const std::string& word, const CaseWorld& world) {
+    static const std::regex part(
+        R"re(\{((?:[0-9A-F]{2})+)\}|\{([^}]+)\*([0-9]+)\}|\$([A-Za-z0-9]+)|(\{)|"|[^{"$]+)re");
     std::string result;
-    for (std::size_t i = 0; i < word.size(); ++i) {
-        if (word[i] == '{') {
-            const std::size_t end = word.find('}', i);
-            const std::string inside = word.substr(i + 1, end - i - 1);
-            const std::size_t star = inside.rfind('*');
-            if (star != std::string::npos) {
-                for (int n = std::stoi(inside.substr(star + 1)); n > 0; --n)
-                    result += inside.substr(0, star);
-            } else if (inside.empty() || inside.size() % 2 != 0 ||
-                       inside.find_first_not_of("0123456789ABCDEF") != std::string::npos) {
-                throw CaseError("no bytes: " + word);
-            }
-            for (std::size_t n = 0; star == std::string::npos && n < inside.size(); n += 2)
-                result += static_cast<char>(std::stoi(inside.substr(n, 2), nullptr, 16));
-            i = end;
-        } else if (word[i] == '$') {
-            std::size_t end = i + 1;
-            while (end < word.size() && (std::isalnum(static_cast<unsigned char>(word[end])) != 0))
-                ++end;
-            const std::string name = word.substr(i + 1, end - i - 1);
-            const auto value = world.values.find(name);
-            if (name != "null" && value == world.values.end())
-                throw CaseError("no such value: $" + name);
-            result += name == "null" ? "$null" : value->second;
-            i = end - 1;
-        } else if (word[i] != '"') {
-            result += word[i];
+    for (std::sregex_iterator at(word.begin(), word.end(), part), end; at != end; ++at) {
+        const auto group = [&](int number) { return (*at)[std::size_t(number)].str(); };
+        if (group(5) == "{") throw CaseError("not bytes: " + word);
+        for (std::size_t i = 0; i < group(1).size(); i += 2)
+            result += static_cast<char>(std::stoi(group(1).substr(i, 2), nullptr, 16));
+        for (int n = group(2).empty() ? 0 : std::stoi(group(3)); n > 0; --n)
+            result += group(2);
+        if (group(4) == "null") {
+            result += "$null";
+        } else if (!group(4).empty()) {
+            const auto value = world.values.find(group(4));
+            if (value == world.values.end()) throw CaseError("no such value: $" + group(4));
+            result += value->second;
+        } else if (group(1).empty() && group(2).empty() && at->str() != "\"") {
+            result += at->str();
         }
     }
     return result;

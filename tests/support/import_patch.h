@@ -69,8 +69,8 @@ struct Forward<Lambda, R (Lambda::*)(A...) const> {
 class ImportPatch {
   public:
     template <typename Lambda, typename = decltype(&Lambda::operator())>
-    ImportPatch(const char* name, Lambda lambda)
-        : m_slot(import_slot("util.dll", name)),
+    ImportPatch(const char* name, Lambda lambda, const char* module = "util.dll")
+        : m_slot(import_slot(module, name)),
           m_original(*m_slot),
           m_lambda(std::make_shared<const Lambda>(std::move(lambda))) {
         Forward<Lambda>::current = static_cast<const Lambda*>(m_lambda.get());

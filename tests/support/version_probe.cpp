@@ -3,8 +3,8 @@
 // life.
 #include <cstdio>
 
+#include "util/host/installed_products.h"
 #include "util/host/os_version.h"
-#include "util/host/snapshot_tool.h"
 
 int main(int argc, char**) {
     String tool;

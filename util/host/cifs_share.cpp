@@ -7,9 +7,9 @@
 
 #include <cstring>
 #include <new>
-#include <string>
 
 #include "util/internal/encoding.h"
+#include "util/internal/guarded.h"
 #include "util/portable/utf8.h"
 #include "util/text/byte_string.h"
 
@@ -24,7 +24,8 @@ String plain_text(const char* call, DWORD code) {
     return String::format("%s failed (error code = %ld)", call, static_cast<long>(code));
 }
 
-// To be asked right after the call that failed: the provider's words are the thread's last ones.
+// Must be called right after the failed call: the platform keeps the provider's words of the
+// thread's last error only.
 String error_text(const char* call, DWORD code) {
     if (code != ERROR_EXTENDED_ERROR) return plain_text(call, code);
     DWORD provider_code = 0;
@@ -37,12 +38,12 @@ String error_text(const char* call, DWORD code) {
     return plain_text(call, provider_code) + ". " + String(util::words_to_utf8(description));
 }
 
-// A null text stays a null wide one, which has a meaning of its own to the network calls.
+// A null text becomes a null wide text: null has a meaning of its own in the network calls.
 bool to_wide(const char* text, _bstr_t& wide) {
     return !text || UTIL_Utf8ToWideChar(text, &wide);
 }
 
-// For a password: the temporary text of UTIL_Utf8ToWideChar is not cleared, the buffer is.
+// For the password: WideText clears its memory, and UTIL_Utf8ToWideChar does not.
 bool to_wide(const char* text, util::WideText& wide) {
     const util::Conversion result = util::utf8_to_wide(text, wide);
     if (result == util::Conversion::no_memory) throw std::bad_alloc();
@@ -50,7 +51,7 @@ bool to_wide(const char* text, util::WideText& wide) {
 }
 
 DWORD cancel(const char* share) {
-    if (!share) return ERROR_BAD_NET_NAME;  // not every platform looks
+    if (!share) return ERROR_BAD_NET_NAME;  // some platforms do not check for null
     _bstr_t wide;
     if (!to_wide(share, wide)) return ERROR_NO_UNICODE_TRANSLATION;
     return WNetCancelConnection2W(wide, CONNECT_UPDATE_PROFILE, FALSE);
@@ -80,7 +81,7 @@ bool disconnect(const char* share, String& failure) {
     return false;
 }
 
-// Takes a plain text, so that there is one way to fail that needs no memory.
+// Takes a C string, so that reporting a lack of memory needs no memory.
 int fail(char* message, const char* text) {
     if (message) std::memcpy(message, text, std::strlen(text) + 1);
     return -1;
@@ -89,26 +90,32 @@ int fail(char* message, const char* text) {
 }  // namespace
 
 int UTIL_ConnectCifsShare(char const* share, char const* user, char const* password,
-                          char* message) try {
-    String history;
-    DWORD result = connect(share, user, password);
-    for (int retry = 0; result == ERROR_SESSION_CREDENTIAL_CONFLICT && retry < most_retries;
-         ++retry) {
-        history = "Earlier attempt(s):" + error_text(add_call, result);
-        String failure;
-        if (!disconnect(share, failure)) history += "\n" + failure;
-        Sleep(pause_ms);
-        result = connect(share, user, password);
-    }
-    if (result == NO_ERROR) return 0;
-    return fail(message, error_text(add_call, result) + " \n " + history);
-} catch (...) {
-    return fail(message, "WNetAddConnection2 failed (error code = 14) \n ");
+                          char* message) {
+    const auto out_of_memory = [message] {
+        return fail(message, "WNetAddConnection2 failed (error code = 14) \n ");
+    };
+    return util::guarded(out_of_memory, [&] {
+        String history;
+        DWORD result = connect(share, user, password);
+        for (int retry = 0; result == ERROR_SESSION_CREDENTIAL_CONFLICT && retry < most_retries;
+             ++retry) {
+            history = "Earlier attempt(s):" + error_text(add_call, result);
+            String failure;
+            if (!disconnect(share, failure)) history += "\n" + failure;
+            Sleep(pause_ms);
+            result = connect(share, user, password);
+        }
+        if (result == NO_ERROR) return 0;
+        return fail(message, error_text(add_call, result) + " \n " + history);
+    });
 }
 
-int UTIL_DisconnectCifsShare(char const* share, char* message) try {
-    String failure;
-    return disconnect(share, failure) ? 0 : fail(message, failure);
-} catch (...) {
-    return fail(message, "WNetCancelConnection2 failed (error code = 14)");
+int UTIL_DisconnectCifsShare(char const* share, char* message) {
+    const auto out_of_memory = [message] {
+        return fail(message, "WNetCancelConnection2 failed (error code = 14)");
+    };
+    return util::guarded(out_of_memory, [&] {
+        String failure;
+        return disconnect(share, failure) ? 0 : fail(message, failure);
+    });
 }

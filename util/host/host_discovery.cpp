@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
+#include <iterator>
 #include <new>
 #include <string>
 #include <string_view>
@@ -19,53 +19,50 @@
 #include "util/host/host_line.h"
 #include "util/internal/ascii.h"
 #include "util/internal/encoding.h"
+#include "util/internal/fetch_text.h"
+#include "util/internal/guarded.h"
 #include "util/internal/registry.h"
+#include "util/internal/scoped_handle.h"
 #include "util/portable/ksl_string.h"
 
 namespace {
 
 constexpr char server_key[] = "SOFTWARE\\Vorn\\Vorn Quillmark Tessaron\\Server";
 constexpr char domain_value[] = "ComputerDomainName";
+constexpr DWORD usual_room = 1024;  // for the domain
 
-// The message when out of memory, by what was being allocated.
+// The messages when out of memory, by what was being allocated.
 constexpr char domain_failure[] = "Unable to allocate memory for the domain name";
 constexpr char long_domain_failure[] = "Unable to re-allocate memory for the domain name";
 constexpr char command_failure[] = "Unable to allocate memory for the nslookup command";
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
-// Not UTF8_open: it reports a lack of memory like a missing directory.
-File open_file(const String& path, int flags, const char* mode) {
-    const int descriptor = _wopen(util::wide_path(path).c_str(), flags | _O_BINARY | _O_NOINHERIT,
-                                  _S_IREAD | _S_IWRITE);
-    if (descriptor < 0 && errno == ENOMEM) throw std::bad_alloc();
-    if (descriptor < 0) return nullptr;
-    File file(_fdopen(descriptor, mode));
-    if (file) return file;
-    const bool out_of_memory = errno == ENOMEM;
-    _close(descriptor);
-    if (out_of_memory) throw std::bad_alloc();
-    return nullptr;
+// Does not use UTF8_open, which reports a lack of memory like a missing directory.
+util::ScopedStream open_file(const String& path, int flags, const char* mode) {
+    util::ScopedDescriptor descriptor(_wopen(
+        util::wide_path(path).c_str(), flags | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE));
+    util::ScopedStream file(descriptor ? _fdopen(descriptor.get(), mode) : nullptr);
+    if (!file && errno == ENOMEM) throw std::bad_alloc();
+    if (file) descriptor.release();  // the stream owns it now
+    return file;
 }
 
 bool write_file(const String& path, const String& text) {
-    File file = open_file(path, _O_WRONLY | _O_CREAT | _O_TRUNC, "wb");
+    util::ScopedStream file = open_file(path, _O_WRONLY | _O_CREAT | _O_TRUNC, "wb");
     if (!file) return false;
     const bool written = std::fputs(text, file.get()) >= 0;
     return std::fclose(file.release()) == 0 && written;
 }
 
-// Whether the command processor reads the path as one word between quotes. No directory on Windows
-// has a quote in its name, but a path can have one before a "..", where the platform never looks.
+// Returns whether the command processor reads the path as one word between quotes. No directory on
+// Windows has a quote in its name. But a path can have one before a "..", which the platform does
+// not check.
 bool can_be_quoted(std::string_view path) {
     return std::none_of(path.begin(), path.end(),
                         [](char c) { return util::is_control(c) || c == '"'; });
 }
 
-// Whether the command processor has a value for the name: from the environment or of its own.
+// Returns whether the command processor has a value for the name: from the environment or of its
+// own.
 bool is_variable(const std::string& ansi_name) {
     constexpr const char* dynamic[] = {"CD",     "CMDCMDLINE", "CMDEXTVERSION",
                                        "DATE",   "ERRORLEVEL", "HIGHESTNUMANODENUMBER",
@@ -77,71 +74,73 @@ bool is_variable(const std::string& ansi_name) {
            GetEnvironmentVariableA(ansi_name.c_str(), nullptr, 0) != 0;
 }
 
-// Whether the command processor replaces a part of the command by a variable's value. It does so
-// inside quotes, too, before it looks for quotes, and it has variables whose values contain quotes.
-// A percent sign without such a name after it stays as it is.
+// Returns whether the command processor replaces a part of the command by a variable's value. It
+// does so before it looks for quotes, so also inside them, and there are variables whose values
+// contain quotes. A percent sign without such a name after it is unchanged.
 bool has_variable(const std::string& ansi_command) {
     std::size_t begin = ansi_command.find('%');
     for (std::size_t end; begin != std::string::npos; begin = end) {
         end = ansi_command.find('%', begin + 1);
         if (end == std::string::npos) return false;
         const std::string name = ansi_command.substr(begin + 1, end - begin - 1);
-        // "%NAME:~1,2%" is a part of the value, "%NAME:A=B%" a changed one.
+        // "%NAME:~1,2%" is a part of the value. "%NAME:A=B%" is a changed value.
         if (is_variable(name) || is_variable(name.substr(0, name.find(':')))) return true;
     }
     return false;
 }
 
-// Which code page `system` reads a command in depends on the runtime. So the bytes must be the same
-// in both.
+// Converts the command for `system`. The runtime decides whether that reads the ANSI page or the
+// page of file calls, so the bytes must be the same in both. Otherwise returns false.
 bool to_command(const String& text, std::string& command) {
     std::string in_file_page;
     return util::utf8_to_ansi(text, command) &&
            util::utf8_to_ansi(text, in_file_page, util::Page::files) && command == in_file_page;
 }
 
-// Runs the command. Its exit code does not matter; the answer does.
+// Runs the command. Ignores its exit code: only the answer counts.
 void run(const std::string& ansi_command) {
     errno = 0;
     if (std::system(ansi_command.c_str()) == -1 && errno == ENOMEM) throw std::bad_alloc();
 }
 
-// The computer's own domain through the buffer, or "". failure follows what is allocated.
-std::string computer_domain(std::vector<char>& buffer, const char*& failure) {
-    auto size = static_cast<DWORD>(buffer.size());
-    BOOL known = GetComputerNameExA(ComputerNameDnsDomain, buffer.data(), &size);
-    if (!known && GetLastError() == ERROR_MORE_DATA) {
+// Returns the computer's own domain, or "". Sets `failure` before it allocates more room.
+std::string computer_domain(const char*& failure) {
+    const auto ask = [&](char* buffer, DWORD room) -> DWORD {
+        DWORD size = room;
+        if (GetComputerNameExA(ComputerNameDnsDomain, buffer, &size)) return size;
+        if (GetLastError() != ERROR_MORE_DATA) return 0;
         failure = long_domain_failure;
-        buffer.resize(++size);
-        known = GetComputerNameExA(ComputerNameDnsDomain, buffer.data(), &size);
-    }
-    std::string domain;
-    if (!known) return domain;
+        return size + 1;
+    };
+    const std::vector<char> ansi = util::fetch_text<char>(usual_room, ask);
+    if (ansi.front() == '\0') return {};
+    auto size = static_cast<DWORD>(ansi.size());
     util::WideText twin;
-    wchar_t* const room = twin.make_room(++size);  // a unit takes a byte at least
+    wchar_t* const room = twin.make_room(size);  // a unit takes a byte at least
     if (!room) throw std::bad_alloc();
     GetComputerNameExW(ComputerNameDnsDomain, room, &size);
-    util::ansi_to_utf8(buffer.data(), room, domain);
+    std::string domain;
+    util::ansi_to_utf8(ansi.data(), room, domain);
     return domain;
 }
 
-// False when there is neither a configured domain nor one of the computer's.
+// Returns false if there is neither a configured domain nor one of the computer's.
 bool find_domain(std::string& domain, const char*& failure) {
     failure = domain_failure;
-    std::vector<char> buffer(1024);
+    char buffer[usual_room];
     const util::ScopedKey key = util::open_machine_key(server_key, KEY_READ);
-    if (key && util::read_text(key, domain_value, util::EmptyText::accepted, buffer.data(),
-                               static_cast<DWORD>(buffer.size()), domain)) {
+    if (key && util::read_text(key, domain_value, util::EmptyText::accepted, buffer, sizeof buffer,
+                               domain)) {
         return true;
     }
-    domain = computer_domain(buffer, failure);
+    domain = computer_domain(failure);
     return !domain.empty();
 }
 
-// Runs the tool and returns its answer; null if there is none, or if the command processor would
-// not read the paths as they are. Both files are written first, so that a question or an answer of
-// an earlier call is never taken for this one's.
-File ask(const String& query, const String& work_directory) {
+// Runs the tool and returns its answer. Returns no stream if there is none, or if the command
+// processor would not read the paths as they are. Writes both files first, so that a query or an
+// answer of an earlier call is never taken for this one's.
+util::ScopedStream ask(const String& query, const String& work_directory) {
     const bool separated = !work_directory.empty() && work_directory.view().back() == '\\';
     const String prefix = work_directory + (separated ? "" : "\\");
     const String input = prefix + "nslookupInput.txt";
@@ -150,7 +149,7 @@ File ask(const String& query, const String& work_directory) {
     if (!can_be_quoted(work_directory.view()) ||
         !to_command("nslookup < \"" + input + "\" > \"" + output + "\"", command) ||
         has_variable(command) || !write_file(input, query + "exit") || !write_file(output, "")) {
-        return nullptr;
+        return util::ScopedStream();
     }
     run(command);
     return open_file(output, _O_RDONLY, "rb");
@@ -186,7 +185,7 @@ int enumerate(std::list<String>& hosts, const String& work_directory, String& me
     failure = command_failure;
     const String query = String::format("ls -t A %s\n", domain.c_str());
     std::list<String> found;
-    if (const File answer = ask(query, work_directory)) {
+    if (const util::ScopedStream answer = ask(query, work_directory)) {
         found = read_hosts(answer.get(), domain);
     }
     if (found.empty()) {
@@ -204,14 +203,14 @@ int enumerate(std::list<String>& hosts, const String& work_directory, String& me
 
 }  // namespace
 
-int UTIL_EnumHostsOnANetwork(std::list<String>& hosts, String const& workDir, String& message) try {
+int UTIL_EnumHostsOnANetwork(std::list<String>& hosts, String const& workDir, String& message) {
     const char* failure = nullptr;
-    try {
-        return enumerate(hosts, workDir, message, failure);
-    } catch (...) {
-        message = failure;
-        return -1;
-    }
-} catch (...) {
-    return -1;
+    const auto out_of_memory = [&] {
+        return util::guarded(-1, [&] {
+            message = failure;
+            return -1;
+        });
+    };
+    return util::guarded(out_of_memory,
+                         [&] { return enumerate(hosts, workDir, message, failure); });
 }

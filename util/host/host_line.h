@@ -1,4 +1,4 @@
-// One line of nslookup's answer to "ls -t A DOMAIN".
+// Reads one line of nslookup's answer to "ls -t A DOMAIN".
 #ifndef UTIL_HOST_HOST_LINE_H
 #define UTIL_HOST_HOST_LINE_H
 
@@ -6,10 +6,11 @@
 
 namespace util {
 
-// The host's name when the line is a host's address record: three words of which the second is "A"
-// and the third is four numbers with any single characters between them. Else the empty text. The
-// numbers may be of any size and have signs, as the runtime's %d reads them. The name is a part of
-// the line.
+// Returns the host's name if the line is an address record, and otherwise "". The name is a part of
+// `line`.
+//
+// An address record has three words. The second is "A". The third is four numbers with any single
+// characters between them. The numbers may have any size and signs, as the runtime's %d reads them.
 //     "host1   A   10.0.0.5"          // "host1"
 //     "host1   A   10.0.0.5   3600"   // ""
 std::string_view host_of_address_record(std::string_view line);

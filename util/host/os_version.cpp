@@ -1,16 +1,20 @@
 #include "util/host/os_version.h"
 
 #include <cstdio>
-#include <new>
+#include <cstdlib>
 #include <optional>
+#include <string>
 
+#include "util/internal/encoding.h"
+#include "util/internal/guarded.h"
+#include "util/internal/scoped_handle.h"
 #include "util/internal/windows.h"
 
 namespace {
 
 constexpr unsigned short any = 0xFFFF;
 
-// Record is the system's basic or its extended one; the size tells which.
+// `Record` is the system's basic or extended version record. Its size says which.
 template <typename Record>
 std::optional<Record> running_version() {
     Record record = {};
@@ -46,6 +50,52 @@ const char* nt_name(DWORD major, DWORD minor) {
         default:
             return "Windows 2003";
     }
+}
+
+template <typename Function>
+Function* entry(HMODULE module, const char* name) {
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
+using IsWow64 = BOOL WINAPI(HANDLE, BOOL*);
+
+IsWow64* is_wow64_entry() {
+    return entry<IsWow64>(GetModuleHandleA("kernel32"), "IsWow64Process");
+}
+
+bool is_emulated() {
+    BOOL emulated = FALSE;
+    IsWow64* ask = is_wow64_entry();
+    return ask && ask(GetCurrentProcess(), &emulated) && emulated;
+}
+
+template <typename State>
+int switch_redirection(const char* name, State state) {
+    if (!is_emulated()) return 1;
+    util::ScopedModule module(LoadLibraryA("Kernel32.dll"));
+    if (!module) return 0;
+    auto* call = entry<BOOL WINAPI(State)>(module.get(), name);
+    if (!call) return 0;
+    module.release();  // the reference to the module stays, as the header says
+    return call(state);
+}
+
+const char no_version[] = "";
+
+// Returns null if the module has no version. The version is part of a block that stays allocated,
+// as the header says.
+const VS_FIXEDFILEINFO* version_of(const char* ansi_path) {
+    DWORD unused;
+    const DWORD size = GetFileVersionInfoSizeA(ansi_path, &unused);
+    if (size == 0) return nullptr;
+    void* block = std::malloc(size);
+    void* root = nullptr;
+    UINT root_size = 0;
+    if (!block || !GetFileVersionInfoA(ansi_path, 0, size, block) ||
+        !VerQueryValueA(block, "\\", &root, &root_size) || root_size < sizeof(VS_FIXEDFILEINFO)) {
+        return nullptr;
+    }
+    return static_cast<const VS_FIXEDFILEINFO*>(root);
 }
 
 }  // namespace
@@ -119,9 +169,43 @@ int UTIL_getPlatform(String& out) {
                 break;
         }
     }
-    try {
+    // The result is 0 also when out of memory.
+    return util::guarded(0, [&] {
         out = name;
-    } catch (const std::bad_alloc&) {  // the result has no room for it
-    }
+        return 0;
+    });
+}
+
+unsigned long UTIL_getIsWow64(unsigned char* flag) {
+    if (!flag) return ERROR_INVALID_PARAMETER;
+    *flag = 0;
+    IsWow64* ask = is_wow64_entry();
+    if (!ask) return 0;
+    BOOL emulated = FALSE;
+    if (!ask(GetCurrentProcess(), &emulated)) return GetLastError();
+    if (emulated == TRUE) *flag = 1;
     return 0;
+}
+
+int UTIL_VornWow64DisableWow64FsRedirection(void** oldValue) {
+    return switch_redirection("Wow64DisableWow64FsRedirection", oldValue);
+}
+
+int UTIL_VornWow64RevertWow64FsRedirection(void* oldValue) {
+    return switch_redirection("Wow64RevertWow64FsRedirection", oldValue);
+}
+
+const char* UTIL_GetModuleVersion(const char* path, char* out) {
+    if (!path || !out) return nullptr;
+    *out = '\0';
+    const auto* version = util::guarded(nullptr, [&]() -> const VS_FIXEDFILEINFO* {
+        std::string ansi_path;
+        return util::utf8_to_ansi(path, ansi_path) ? version_of(ansi_path.c_str()) : nullptr;
+    });
+    if (!version) return no_version;
+    const DWORD high = version->dwFileVersionMS;
+    const DWORD low = version->dwFileVersionLS;
+    std::sprintf(out, "%d.%d.%d.%d", HIWORD(high), LOWORD(high), HIWORD(low),
+                 static_cast<int>(low & 0xFFFF0000));
+    return out;
 }

@@ -1,5 +1,5 @@
-// The runtime's character classes and case mapping in the "C" locale, spelled out so
-// that no setlocale() of the host program can change an answer. Bytes from 0x80 up are in no class.
+// Character classes and case mapping of the "C" locale. Does not use the runtime's functions, since
+// setlocale() in the host program changes their results. Bytes from 0x80 up are in no class.
 #ifndef UTIL_INTERNAL_ASCII_H
 #define UTIL_INTERNAL_ASCII_H
 
@@ -21,7 +21,7 @@ constexpr char to_lower(char c) {
     return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
 }
 
-static_assert(char(-1) < 0, "bytes from 0x80 up are negative, as the contract reads them");
+static_assert(char(-1) < 0, "bytes from 0x80 up are negative");
 
 }  // namespace util
 

@@ -1,5 +1,5 @@
-// The runtime's local-time conversions under one spelling. The native build answers
-// as the Windows runtime does but for the last hours of the year 3000, so that tests hold on both.
+// The runtime's local-time conversions under one name each. The native build returns the same as
+// the Windows runtime, except in the last hours of the year 3000. So the tests run on both.
 #ifndef UTIL_INTERNAL_CALENDAR_H
 #define UTIL_INTERNAL_CALENDAR_H
 
@@ -10,7 +10,7 @@
 
 namespace util {
 
-// Seconds since 1970-01-01 00:00:00 UTC.
+// Returns the seconds since 1970-01-01 00:00:00 UTC.
 inline std::int64_t current_time() {
 #ifdef _WIN32
     return _time64(nullptr);
@@ -19,8 +19,8 @@ inline std::int64_t current_time() {
 #endif
 }
 
-// Local time of t. Returns 0, or an errno code: for a null record, and for a time out of range,
-// whose fields are all -1.
+// Stores the local time of `t` in `fields` and returns 0. Returns an errno code if `fields` is null
+// or the time is out of range. In the latter case, all fields are -1.
 inline int local_time(std::int64_t t, std::tm* fields) {
     if (!fields) return EINVAL;
 #ifdef _WIN32
@@ -38,8 +38,8 @@ inline int local_time(std::int64_t t, std::tm* fields) {
 #endif
 }
 
-// The time of local fields, which are normalised; -1, with the fields left alone, when they form
-// none. Local times before 1970-01-01 00:00:00 UTC form none.
+// Returns the time of the local `fields` and normalises them. Returns -1, with `fields` unchanged,
+// if they form no time. Local times before 1970-01-01 00:00:00 UTC form none.
 inline std::int64_t make_time(std::tm* fields) {
     std::tm normal = *fields;  // the runtime may stop half way
 #ifdef _WIN32

@@ -1,4 +1,4 @@
-// Clears passwords before their memory is given back.
+// Clears passwords before their memory is freed.
 #ifndef UTIL_INTERNAL_CLEAR_AT_END_H
 #define UTIL_INTERNAL_CLEAR_AT_END_H
 
@@ -6,9 +6,9 @@
 
 namespace util {
 
-// Zeroes all memory that a std::string or std::wstring owns at the end of the scope, in a way that
-// the optimiser cannot drop. The string must not grow by reallocation before: a block that it has
-// left is not cleared. Works on a string that was moved from; its small buffer may hold the text.
+// Zeroes all memory of a std::string or std::wstring at the end of the scope. The optimiser cannot
+// remove this. The string must not reallocate before: a block that it has freed is not cleared. A
+// moved-from string is allowed. Its small buffer may still contain the text.
 template <typename Text>
 class ClearAtEnd {
   public:

@@ -1,5 +1,5 @@
-// Decimal text to number as the runtime's atoi reads it, in the "C" locale whatever
-// the host program has set.
+// Converts decimal text to a number like the runtime's atoi in the "C" locale. The locale of the
+// host program does not matter.
 #ifndef UTIL_INTERNAL_DECIMAL_H
 #define UTIL_INTERNAL_DECIMAL_H
 
@@ -9,9 +9,10 @@
 
 namespace util {
 
-// Takes a text byte by byte and keeps only its value, so that a text of any length costs nothing.
-// Leading white space, an optional sign, then digits; 0 when there are none. What follows the first
-// other byte does not count. Like the runtime's, it wraps modulo 2^32: "99999999999" is 1215752191.
+// Reads a text byte by byte and stores only its value, so it needs no buffer.
+//
+// Reads white space, an optional sign and digits. Ignores everything from the first other byte on.
+// Without digits, the value is 0. Wraps modulo 2^32 like the runtime: "99999999999" is 1215752191.
 class DecimalReader {
   public:
     void take(char c) {

@@ -1,19 +1,11 @@
 #include "util/internal/error_text.h"
 
-#include <memory>
-
 #include "util/internal/encoding.h"
 #include "util/internal/kept_errors.h"
+#include "util/internal/scoped_handle.h"
 #include "util/internal/windows.h"
 
 namespace util {
-namespace {
-
-struct LocalBlock {
-    void operator()(wchar_t* block) const { LocalFree(block); }
-};
-
-}  // namespace
 
 std::string error_text(unsigned long code) {
     constexpr DWORD flags =
@@ -21,10 +13,9 @@ std::string error_text(unsigned long code) {
     constexpr DWORD users_language = 0x400;
 
     const KeptErrors kept;
-    wchar_t* block = nullptr;
+    ScopedLocal<wchar_t> wide;
     const DWORD units = FormatMessageW(flags, nullptr, code, users_language,
-                                       reinterpret_cast<wchar_t*>(&block), 0, nullptr);
-    const std::unique_ptr<wchar_t, LocalBlock> wide(block);
+                                       reinterpret_cast<wchar_t*>(wide.receive()), 0, nullptr);
     return units > 0 ? wide_to_utf8(wide.get()) : std::string();
 }
 

@@ -1,4 +1,4 @@
-// The boundary that no exception passes.
+// The boundary that no exception crosses.
 #ifndef UTIL_INTERNAL_GUARDED_H
 #define UTIL_INTERNAL_GUARDED_H
 
@@ -6,11 +6,11 @@
 
 namespace util {
 
-// Returns what `body` returns, or `on_failure` when it throws. `on_failure` is a value, or a
-// function that is called then, for instance to set the error code. Example:
+// Returns what `body` returns, or `on_failure` if it throws. `on_failure` is a value, or a function
+// that is called then, for instance to set the error code. It must not throw. Example:
 //
 //   int UTIL_squeeze(const char* path) {
-//       return guarded(-1, [&] { return squeeze(String(path)); });  // -1 when memory runs out
+//       return guarded(-1, [&] { return squeeze(String(path)); });  // -1 when out of memory
 //   }
 template <class OnFailure, class Body>
 auto guarded(OnFailure&& on_failure, Body&& body) noexcept -> decltype(body()) {

@@ -1,4 +1,4 @@
-// Work that no caller can notice.
+// Preserves errno and the last error across clean-up.
 #ifndef UTIL_INTERNAL_KEPT_ERRORS_H
 #define UTIL_INTERNAL_KEPT_ERRORS_H
 
@@ -10,7 +10,7 @@
 
 namespace util {
 
-// Puts the last-error code back at the end of its scope.
+// Restores the last-error code at the end of its scope.
 class KeptLastError {
   public:
 #ifdef _WIN32
@@ -19,7 +19,7 @@ class KeptLastError {
         SetLastError(m_last_error);
     }
 #else
-    KeptLastError() {}  // not defaulted, lest an object be taken for unused
+    KeptLastError() {}  // not defaulted: compilers would warn of an unused object
 #endif
     KeptLastError(const KeptLastError&) = delete;
     KeptLastError& operator=(const KeptLastError&) = delete;
@@ -30,8 +30,7 @@ class KeptLastError {
 #endif
 };
 
-// Puts errno back, too, so that closing and freeing never replace what the call before has left for
-// the caller.
+// Restores errno as well. So closing and freeing do not change the codes that the caller is to see.
 class KeptErrors {
   public:
     KeptErrors() : m_errno(errno) {}

@@ -7,7 +7,7 @@
 
 namespace util {
 
-// The message is contract; the standard library's own differs between vendors.
+// Programs rely on the message. The standard library's own message differs between vendors.
 inline void require_position(std::uint64_t pos, std::uint64_t size) {
     if (pos > size) throw std::out_of_range("invalid string position");
 }

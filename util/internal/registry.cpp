@@ -8,7 +8,7 @@
 namespace util {
 namespace {
 
-// Converts the value's text up to its first NUL. The ANSI call has read it as `size` bytes.
+// Converts the value's text, up to its first NUL. The ANSI call read it as `size` bytes.
 bool to_utf8(const ScopedKey& key, const char* name, const char* ansi, DWORD size,
              std::string& out) {
     WideText wide_name;
@@ -25,23 +25,21 @@ bool to_utf8(const ScopedKey& key, const char* name, const char* ansi, DWORD siz
 
 ScopedKey open_machine_key(const char* path, REGSAM access) {
     std::string ansi_path;
-    HKEY key = nullptr;
-    if (!utf8_to_ansi(path, ansi_path) ||
-        RegOpenKeyExA(HKEY_LOCAL_MACHINE, ansi_path.c_str(), 0, access, &key) != ERROR_SUCCESS) {
-        return ScopedKey();
+    ScopedKey key;
+    if (utf8_to_ansi(path, ansi_path)) {
+        RegOpenKeyExA(HKEY_LOCAL_MACHINE, ansi_path.c_str(), 0, access, key.receive());
     }
-    return ScopedKey(key);
+    return key;
 }
 
 ScopedKey create_machine_key(const char* path, REGSAM access) {
     std::string ansi_path;
-    HKEY key = nullptr;
-    if (!utf8_to_ansi(path, ansi_path) ||
+    ScopedKey key;
+    if (utf8_to_ansi(path, ansi_path)) {
         RegCreateKeyExA(HKEY_LOCAL_MACHINE, ansi_path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                        access, nullptr, &key, nullptr) != ERROR_SUCCESS) {
-        return ScopedKey();
+                        access, nullptr, key.receive(), nullptr);
     }
-    return ScopedKey(key);
+    return key;
 }
 
 bool read_text(const ScopedKey& key, const char* name, EmptyText empty, char* buffer, DWORD size,
@@ -67,7 +65,7 @@ bool read_text(const ScopedKey& key, const char* name, EmptyText empty, char* bu
 LSTATUS read_any_type(const ScopedKey& key, const char* name, DWORD room, std::string& out) {
     std::string ansi_name;
     if (!utf8_to_ansi(name, ansi_name)) return ERROR_FILE_NOT_FOUND;
-    NarrowText buffer;  // has a NUL after the bytes, whatever the value ends in
+    NarrowText buffer;  // has a NUL after the bytes, even if the value has none
     char* const bytes = buffer.make_room(room);
     if (!bytes) throw std::bad_alloc();
     DWORD type = REG_NONE;
@@ -75,7 +73,7 @@ LSTATUS read_any_type(const ScopedKey& key, const char* name, DWORD room, std::s
                                             reinterpret_cast<BYTE*>(bytes), &room);
     if (result != ERROR_SUCCESS) return result;
     const bool is_text = type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
-    if (!is_text) {  // bytes that the platform has not recoded either
+    if (!is_text) {  // the platform has not converted these bytes either
         out = buffer.view();
         return ERROR_SUCCESS;
     }

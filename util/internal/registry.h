@@ -1,9 +1,10 @@
-// Reads single texts of the machine's registry. The rules that all readers share are
-// here once; what differs between them is a parameter.
+// Reads single texts from the machine's registry. The rules that all readers share are here. The
+// differences between them are parameters.
 //
-// Names and texts are UTF-8; the calls are the platform's ANSI ones. A name that the ANSI page
-// cannot hold names nothing. A text is the stored one, also where the ANSI call replaced characters
-// that the page lacks. Any thread may call these functions. They raise std::bad_alloc.
+// Names and texts are UTF-8. The calls are the platform's ANSI calls. A name that the ANSI page
+// cannot hold exactly is a missing one. A text is returned as it is stored, even if the ANSI call
+// replaced characters that the page lacks. Any thread may call these functions. They raise
+// std::bad_alloc.
 #ifndef UTIL_INTERNAL_REGISTRY_H
 #define UTIL_INTERNAL_REGISTRY_H
 
@@ -14,31 +15,24 @@
 
 namespace util {
 
-struct KeyTraits {
-    using Handle = HKEY;
-    static Handle invalid() { return nullptr; }
-    static void close(Handle key) { RegCloseKey(key); }
-};
-using ScopedKey = ScopedHandle<KeyTraits>;
-
-// The key under HKEY_LOCAL_MACHINE, opened with the access (KEY_READ, GENERIC_READ, ...); none when
-// the platform refuses.
+// Opens the key under HKEY_LOCAL_MACHINE with `access` (KEY_READ, GENERIC_READ, ...). Returns no
+// key if the platform refuses.
 ScopedKey open_machine_key(const char* path, REGSAM access);
 
-// The same, but a missing key is made first.
+// The same, but creates a missing key first.
 ScopedKey create_machine_key(const char* path, REGSAM access);
 
 enum class EmptyText { refused, accepted };
 
-// Reads a value through the caller's buffer of size bytes, its NUL included, and gives its text up
-// to the first NUL. False, with out untouched, unless the value exists, fits, is of type REG_SZ or
-// REG_EXPAND_SZ (which is not expanded) and its last stored byte is a NUL; a value of no bytes is
-// the empty text. Whether an empty text will do is the caller's choice.
+// Reads a value into the caller's `buffer` of `size` bytes, and stores its text up to the first NUL
+// in `out`. The value must fit with its NUL and be of type REG_SZ or REG_EXPAND_SZ, which is not
+// expanded. Its last stored byte must be a NUL. A value of no bytes is the empty text. `empty` says
+// whether an empty text is accepted. Returns false, with `out` unchanged, in all other cases.
 bool read_text(const ScopedKey& key, const char* name, EmptyText empty, char* buffer, DWORD size,
                std::string& out);
 
-// Reads the bytes of a value of any type as text up to their first NUL or their end: 0, or the
-// platform's error code with out untouched. room is how many bytes the value may take.
+// Reads the bytes of a value of any type as text, up to their first NUL or their end. The value may
+// take `room` bytes. Returns 0, or the platform's error code with `out` unchanged.
 LSTATUS read_any_type(const ScopedKey& key, const char* name, DWORD room, std::string& out);
 
 }  // namespace util

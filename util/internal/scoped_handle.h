@@ -1,7 +1,11 @@
-// One owner for anything that the platform opens and wants closed.
+// Owners of everything that the platform or the runtime opens or allocates.
 #ifndef UTIL_INTERNAL_SCOPED_HANDLE_H
 #define UTIL_INTERNAL_SCOPED_HANDLE_H
 
+#include <io.h>
+
+#include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 #include "util/internal/kept_errors.h"
@@ -9,8 +13,8 @@
 
 namespace util {
 
-// Traits name the Handle type, its invalid() value and how to close() it. Move-only; closing
-// leaves errno and the last error as they were.
+// Owns one handle. Traits name the Handle type, its invalid() value and how to close() it.
+// Move-only. Closing preserves errno and the last error.
 template <typename Traits>
 class ScopedHandle {
   public:
@@ -20,7 +24,7 @@ class ScopedHandle {
     ~ScopedHandle() { reset(); }
     ScopedHandle(ScopedHandle&& other) noexcept : m_handle(other.release()) {}
     ScopedHandle& operator=(ScopedHandle&& other) noexcept {
-        reset(other.release());  // right for itself too: released first, then put back
+        reset(other.release());  // correct for self-move: releases first, then stores again
         return *this;
     }
 
@@ -35,11 +39,41 @@ class ScopedHandle {
         Traits::close(held);
     }
 
+    // Closes the handle and returns where a call can store another one. Example:
+    //     ScopedKey key;
+    //     RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, access, key.receive());
+    Handle* receive() {
+        reset();
+        return &m_handle;
+    }
+
   private:
     Handle m_handle;
 };
 
-// FindFirstFile's handle.
+// Base of the traits whose invalid value is null.
+template <typename Type>
+struct NullWhenInvalid {
+    using Handle = Type;
+    static Handle invalid() { return nullptr; }
+};
+
+// A process, thread, token or event. Null when there is none.
+struct WinHandleTraits : NullWhenInvalid<HANDLE> {
+    static void close(Handle handle) { CloseHandle(handle); }
+};
+using WinHandle = ScopedHandle<WinHandleTraits>;
+
+// The result of CreateFile. INVALID_HANDLE_VALUE when there is none.
+struct FileHandleTraits {
+    using Handle = HANDLE;
+    static Handle invalid() { return INVALID_HANDLE_VALUE; }
+    static void close(Handle handle) { CloseHandle(handle); }
+};
+using FileHandle = ScopedHandle<FileHandleTraits>;
+using KernelHandle = FileHandle;  // the former name
+
+// The result of FindFirstFile. INVALID_HANDLE_VALUE when there is none.
 struct SearchTraits {
     using Handle = HANDLE;
     static Handle invalid() { return INVALID_HANDLE_VALUE; }
@@ -47,13 +81,53 @@ struct SearchTraits {
 };
 using ScopedSearch = ScopedHandle<SearchTraits>;
 
-// CreateFile's handle.
-struct KernelTraits {
-    using Handle = HANDLE;
-    static Handle invalid() { return INVALID_HANDLE_VALUE; }
-    static void close(Handle handle) { CloseHandle(handle); }
+// A key of the registry.
+struct KeyTraits : NullWhenInvalid<HKEY> {
+    static void close(Handle key) { RegCloseKey(key); }
 };
-using KernelHandle = ScopedHandle<KernelTraits>;
+using ScopedKey = ScopedHandle<KeyTraits>;
+
+// The service manager, or a service.
+struct ServiceTraits : NullWhenInvalid<SC_HANDLE> {
+    static void close(Handle handle) { CloseServiceHandle(handle); }
+};
+using ScopedService = ScopedHandle<ServiceTraits>;
+
+// One reference to a loaded module.
+struct ModuleTraits : NullWhenInvalid<HMODULE> {
+    static void close(Handle module) { FreeLibrary(module); }
+};
+using ScopedModule = ScopedHandle<ModuleTraits>;
+
+// A file descriptor of the runtime. -1 when there is none; 0 is a valid one.
+struct DescriptorTraits {
+    using Handle = int;
+    static Handle invalid() { return -1; }
+    static void close(Handle descriptor) { _close(descriptor); }
+};
+using ScopedDescriptor = ScopedHandle<DescriptorTraits>;
+
+// A stream of the runtime. To learn whether closing succeeded, release() it and call fclose.
+struct StreamTraits : NullWhenInvalid<std::FILE*> {
+    static void close(Handle stream) { std::fclose(stream); }
+};
+using ScopedStream = ScopedHandle<StreamTraits>;
+
+// A block from malloc.
+template <typename Type>
+struct MallocTraits : NullWhenInvalid<Type*> {
+    static void close(Type* block) { std::free(block); }
+};
+template <typename Type>
+using ScopedMalloc = ScopedHandle<MallocTraits<Type>>;
+
+// A block from LocalAlloc. FormatMessage returns such blocks.
+template <typename Type>
+struct LocalTraits : NullWhenInvalid<Type*> {
+    static void close(Type* block) { LocalFree(block); }
+};
+template <typename Type>
+using ScopedLocal = ScopedHandle<LocalTraits<Type>>;
 
 }  // namespace util
 

@@ -10,14 +10,6 @@
 
 namespace util {
 
-// A handle of the service manager, or of a service.
-struct ServiceTraits {
-    using Handle = SC_HANDLE;
-    static Handle invalid() { return nullptr; }
-    static void close(Handle handle) { CloseServiceHandle(handle); }
-};
-using ScopedService = ScopedHandle<ServiceTraits>;
-
 // The manager's database (null: the default one), and the access to it and to the service in it.
 struct ServiceAccess {
     const char* database;

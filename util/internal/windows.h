@@ -1,6 +1,5 @@
-// The only place that includes the platform's headers, so that their macros are the
-// same everywhere: wide and narrow calls are always named with their suffix, min and max stay the
-// standard library's.
+// The only place that includes the platform's headers. So their macros are the same everywhere:
+// wide and narrow calls are named with their suffix, and min and max are the standard library's.
 #ifndef UTIL_INTERNAL_WINDOWS_H
 #define UTIL_INTERNAL_WINDOWS_H
 

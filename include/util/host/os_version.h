@@ -1,7 +1,9 @@
-// Which Windows this is: version, service pack, edition and a coarse name.
-//
-// The system is asked afresh at each call, and it answers what it lets this program see: without a
-// manifest that names them, Windows 8.1 and later call themselves 6.2. Any thread may call these.
+/// @file
+/// Which Windows this is: version, edition, coarse name, emulation. Also the version of a module.
+///
+/// Each call asks the system, which reports the version that it shows to this program. Windows 8.1
+/// and later report 6.2 to a program whose manifest does not name them. Any thread may call these
+/// functions.
 #ifndef UTIL_HOST_OS_VERSION_H
 #define UTIL_HOST_OS_VERSION_H
 
@@ -12,50 +14,126 @@
 
 UTIL_EXTERN_C_BEGIN
 
-// Stores the version, the service pack, the product type (1 workstation, 2 domain controller,
-// 3 server) and the R2 flag: 1 on 5.2 with the R2 update and on 6.1 that is not a workstation,
-// else 0. A null pointer is a number not wanted. 0, or -1 with nothing stored when the system does
-// not answer.
-//     unsigned long major, minor;
-//     UTIL_GetOsVersion(&major, &minor, nullptr, nullptr, nullptr, nullptr)   // 0; 6 and 1
+/// @name Version and edition
+/// @{
+
+/// Stores the version, the service pack, the product type and the R2 flag.
+///
+/// The product type is 1 for a workstation, 2 for a domain controller and 3 for a server. The R2
+/// flag is 1 on 5.2 with the R2 update, and on 6.1 unless it is a workstation. Otherwise it is 0.
+///
+/// A null pointer skips that number. Returns 0, or -1 with nothing stored if the system does not
+/// answer. Example:
+///
+///     unsigned long major, minor;
+///     UTIL_GetOsVersion(&major, &minor, NULL, NULL, NULL, NULL)   // 0; 6 and 1
 UTIL_API int UTIL_GetOsVersion(unsigned long* major, unsigned long* minor, unsigned short* spMajor,
                                unsigned short* spMinor, unsigned short* productType,
                                unsigned short* r2);
 
-// Whether the version is major.minor or later: 1 or 0; -1 when the system does not answer.
-//     UTIL_IsOSVersionAtLeast(5, 2)   // 1 on 6.1
+/// Returns 1 if the version is `major.minor` or later, and 0 if it is not. Returns -1 if the
+/// system does not answer. Example:
+///
+///     UTIL_IsOSVersionAtLeast(5, 2)   // 1 on 6.1
 UTIL_API int UTIL_IsOSVersionAtLeast(unsigned long major, unsigned long minor);
 
-// Whether this is exactly that Windows: 1 or 0; -1 when the system does not answer. Major and
-// minor version are always compared; each other argument may be 0xFFFF for "any". Meant as it is:
-// the product type need only be reached, so that asking for 2 also holds on a server, 3.
-//     UTIL_IsOSVersionEqualTo(5, 2, 0xFFFF, 0xFFFF, 0xFFFF, 1)   // 1 on Windows Server 2003 R2
+/// Returns 1 if the system matches all arguments, and 0 if it does not. Returns -1 if the system
+/// does not answer.
+///
+/// The major and minor version are always compared. Each other argument may be 0xFFFF for "any". By
+/// design, a product type matches if the system's is the same or higher: 2 also matches a server,
+/// which is 3. Example:
+///
+///     UTIL_IsOSVersionEqualTo(5, 2, 0xFFFF, 0xFFFF, 0xFFFF, 1)   // 1 on Windows Server 2003 R2
 UTIL_API int UTIL_IsOSVersionEqualTo(unsigned long major, unsigned long minor,
                                      unsigned short spMajor, unsigned short spMinor,
                                      unsigned short productType, unsigned short r2);
 
-// Whether this is an Enterprise or Datacenter edition: 1 or 0; -1 when the system does not answer.
+/// Returns 1 if this is an Enterprise or Datacenter edition, and 0 if it is not. Returns -1 if the
+/// system does not answer.
 UTIL_API int UTIL_IsEnterpriseEdition(void);
 
-// 1 when the major version is at least 5, the minor version at least 2 and there is a service pack,
-// else 0; -1 when the system does not answer. Meant as it is: the minor version counts whatever the
-// major version is, so 6.0 and 6.1 give 0.
+/// Returns 1 if the major version is at least 5, the minor version is at least 2 and there is a
+/// service pack. Otherwise returns 0. Returns -1 if the system does not answer.
+///
+/// By design, the minor version is compared whatever the major version is: 6.0 and 6.1 give 0.
 UTIL_API int UTIL_IsWin2k3SP_1_Or_Later(void);
 
-// Whether shadow copies can be moved to another host: true when either of the two above gives 1.
+/// Returns whether shadow copies can be moved to another host. True if UTIL_IsEnterpriseEdition or
+/// UTIL_IsWin2k3SP_1_Or_Later returns 1.
 UTIL_API bool UTIL_IsVSSTransportableSupported(void);
 
-// Always 1: all features are there.
+/// Returns 1: all features are present.
 UTIL_API int UTIL_getFeatureSet(void);
 
 #ifdef __cplusplus
-// A name for the platform; always returns 0. "Windows 3.1 " and the major version, "Windows95",
-// "Windows98", "Windows NT" (up to 4), "Windows 2000", "Windows XP", "Windows 2003" (5.2); and
-// "Windows" for everything else, 6.0 and later among it, and when the system does not answer.
-//     String name;
-//     UTIL_getPlatform(name);   // "Windows" on 6.1
+/// Stores a name for the platform in `out` and returns 0.
+///
+/// The names are "Windows 3.1 " with the major version, "Windows95", "Windows98", "Windows NT" (up
+/// to 4), "Windows 2000" (5.0), "Windows XP" (5.1) and "Windows 2003" (5.2). All others are
+/// "Windows": 6.0 and later, and a system that does not answer. `out` is unchanged when out of
+/// memory. Example:
+///
+///     String name;
+///     UTIL_getPlatform(name);   // "Windows" on 6.1
 UTIL_API int UTIL_getPlatform(String& out);
 #endif
+
+/// @}
+/// @name 32-bit emulation on 64-bit Windows
+/// @{
+
+/// Sets `*flag` to 1 if this process runs under 32-bit emulation, and otherwise to 0.
+///
+/// Returns 0, or the system's error code if the query fails. Returns 87 if `flag` is null. On a
+/// system without emulation, it stores 0 and returns 0. Example:
+///
+///     unsigned char emulated;
+///     UTIL_getIsWow64(&emulated)   // 0; emulated is 0 in a 64-bit program
+UTIL_API unsigned long UTIL_getIsWow64(unsigned char* flag);
+
+/// Turns the redirection of the system directory off for the calling thread, and stores the former
+/// state in `*oldValue`.
+///
+/// Returns 0, with the platform's last error, if the switch fails or the system lacks it. Otherwise
+/// returns another number. If the process is not emulated, or if this cannot be found out, there is
+/// nothing to do: `*oldValue` is then unchanged, and the result is 1.
+///
+/// By design, a call that reaches the switch keeps one more reference to kernel32.dll. That module
+/// never leaves a process. Example:
+///
+///     void* state = NULL;
+///     if (UTIL_VornWow64DisableWow64FsRedirection(&state)) {
+///         // C:\Windows\System32 is the 64-bit one
+///         UTIL_VornWow64RevertWow64FsRedirection(state);
+///     }
+UTIL_API int UTIL_VornWow64DisableWow64FsRedirection(void** oldValue);
+
+/// Turns the redirection back on with the state that UTIL_VornWow64DisableWow64FsRedirection
+/// stored. The result and the reference to kernel32.dll are as there.
+UTIL_API int UTIL_VornWow64RevertWow64FsRedirection(void* oldValue);
+
+/// @}
+/// @name Version of a module
+/// @{
+
+/// Writes the file version of the module at the UTF-8 `path` into `out` and returns `out`, which
+/// must have room for 30 bytes.
+///
+/// If the module does not exist or has no version, sets `out` to "" and returns an empty text that
+/// the library owns. Returns null if an argument is null. The file is found through the ANSI code
+/// page: a path that the page cannot hold exactly, or in 32,766 bytes, is a missing file. So is any
+/// path when out of memory.
+///
+/// By design, since callers compare these texts: the fourth number is the third part of the version
+/// times 65536, as a signed number. The fourth part does not appear. Also by design, each call for
+/// a module with a version resource leaves the block for it allocated. Example:
+///
+///     char text[30];
+///     UTIL_GetModuleVersion("C:\\agent\\util.dll", text)   // "1.2.3.196608" for 1.2.3.4
+UTIL_API const char* UTIL_GetModuleVersion(const char* path, char* out);
+
+/// @}
 
 UTIL_EXTERN_C_END
 

@@ -1,0 +1,166 @@
+#include "util/host/system.h"
+
+#include <cstring>
+#include <cwchar>
+#include <optional>
+
+#include "support/built_file.h"
+#include "support/cases.h"
+#include "support/environment_change.h"
+#include "support/handle_count.h"
+#include "support/import_patch.h"
+#include "support/scratch_directory.h"
+#include "util/host/os_version.h"
+// after the platform's header
+#include <cfgmgr32.h>
+
+using util_test::call;
+using util_test::EnvironmentChange;
+using util_test::handle_count;
+using util_test::ImportPatch;
+using util_test::said;
+using util_test::to_wide;
+using util_test::Words;
+
+namespace {
+
+bool is_enabled(const char* name) {
+    PRIVILEGE_SET wanted = {};
+    wanted.PrivilegeCount = 1;
+    LookupPrivilegeValueA(nullptr, name, &wanted.Privilege[0].Luid);
+    HANDLE token = nullptr;
+    BOOL enabled = FALSE;
+    OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token);
+    EXPECT_TRUE(PrivilegeCheck(token, &wanted, &enabled)) << GetLastError();
+    CloseHandle(token);
+    return enabled;
+}
+
+// A function of the platform's returns this, with the last error 77. Also the handles kept open.
+Words privilege_when(const char* function, int result) {
+    UTIL_ModifyPrivilege(SE_BACKUP_NAME, 1);
+    const long handles = handle_count();
+    const ImportPatch patch(function, [=] {
+        SetLastError(77);
+        return result;
+    });
+    const unsigned long code = UTIL_ModifyPrivilege(SE_BACKUP_NAME, 1);
+    return said(code, handle_count() - handles);
+}
+
+// The codes of the two steps; the last error is 70 after the first and 4294967295 after the second.
+Words rescan(CONFIGRET located, CONFIGRET rescanned) {
+    const ImportPatch locate("CM_Locate_DevNode_ExA",
+                             [=](PDEVINST node, DEVINSTID_A id, ULONG flags, HMACHINE machine) {
+                                 EXPECT_TRUE(!id && flags == 0 && !machine);
+                                 *node = 42;
+                                 SetLastError(70);
+                                 return located;
+                             });
+    const ImportPatch reenumerate("CM_Reenumerate_DevNode_Ex",
+                                  [=](DEVINST node, ULONG flags, HMACHINE machine) {
+                                      EXPECT_TRUE(node == 42 && flags == 1 && !machine);
+                                      SetLastError(0xFFFFFFFF);
+                                      return rescanned;
+                                  });
+    String message = "before";
+    const int result = UTIL_SetupPnPRescan(message);
+    return said(result, message);
+}
+
+// The text of the last error, which stays.
+std::string message_of(DWORD code) {
+    String text = "before";
+    SetLastError(code);
+    UTIL_FormatMessage(text);
+    EXPECT_EQ(GetLastError(), code);
+    return text.str();
+}
+// From a platform whose texts are these, and that changes the last error when one is freed.
+std::string message_with(const std::string& text) {
+    const std::wstring words = to_wide(text);
+    const ImportPatch format("FormatMessageW", [&](DWORD flags, LPCVOID, DWORD code, DWORD language,
+                                                   LPWSTR buffer, DWORD, void*) {
+        EXPECT_EQ(flags, 0x1300u) << "allocate, from system, ignore inserts";
+        EXPECT_TRUE(code == 5 && language == 0x400);
+        const std::size_t size = (words.size() + 1) * sizeof(wchar_t);
+        *reinterpret_cast<void**>(buffer) = std::memcpy(LocalAlloc(0, size), words.c_str(), size);
+        return static_cast<DWORD>(words.size());
+    });
+    const ImportPatch release("LocalFree", [](HLOCAL block) {
+        SetLastError(88);
+        return LocalFree(block);
+    });
+    return message_of(5);
+}
+
+Words time_of_day() {
+    const ImportPatch patch("GetSystemTime",
+                            [](SYSTEMTIME* time) { *time = {2011, 5, 2, 17, 12, 34, 56, 789}; });
+    UTIL_TimeOfDay now;
+    const int result = UTIL_GetTimeOfDay(&now);
+    return said(result, now.seconds, now.microseconds, UTIL_GetTimeOfDay(nullptr));
+}
+
+// "none" for the library's own empty text, which goes with an emptied buffer.
+std::string module_version(const char* path) {
+    char out[30] = "before";
+    const char* const text = UTIL_GetModuleVersion(path, out);
+    EXPECT_STREQ(text, out);
+    return text == out ? out : std::string("none") + text;
+}
+Words no_module_version(const char* path) {
+    char out[30] = "before";
+    return said(UTIL_GetModuleVersion(nullptr, out), UTIL_GetModuleVersion(path, nullptr), out);
+}
+
+struct World : util_test::CaseWorld {
+    World() {
+        values["d"] = scratch.path();
+        values["here"] = util_test::built_file("");
+        values["here"].pop_back();
+    }
+    util_test::ScratchDirectory scratch;
+    std::optional<EnvironmentChange> root, temp;
+    std::optional<ImportPatch> patch;
+};
+
+const util_test::Cases<World> cases(
+    "host/system.cases",
+    {
+        call("directory", [](World& w, const std::string& name) { w.scratch.directory(name); }),
+        call("file", [](World& w, const std::string& name) { w.scratch.file(name); }),
+        call("copy",
+             [](const std::string& from, const std::string& to) {
+                 CopyFileW(to_wide(from).c_str(), to_wide(to).c_str(), TRUE);
+             }),
+        call("set_root",
+             [](World& w, const std::string& path) {
+                 w.root.emplace(L"SystemRoot", path == "$null" ? nullptr : to_wide(path).c_str());
+             }),
+        call("set_temp",
+             [](World& w, const std::string& path) {
+                 w.temp.emplace(L"TMP", to_wide(path).c_str());
+             }),
+        call("no_temp_path",
+             [](World& w) { w.patch.emplace("GetTempPathA", util_test::fails<0>); }),
+
+        call("temp_directory", "D:\\root", UTIL_GetTempDirectory),
+        call("time_of_day", time_of_day),
+        call("message_start", "\"\"", [](DWORD code) { return message_of(code).substr(0, 6); }),
+        call("message_with", message_with),
+        call("privilege", "...", UTIL_ModifyPrivilege),
+        call("is_enabled", is_enabled),
+        call("privilege_when", privilege_when),
+        call("rescan", rescan),
+        call("is_wow64", "0 0",
+             [] {
+                 unsigned char flag = 7;
+                 const unsigned long result = UTIL_getIsWow64(&flag);
+                 return said(result, int(flag));
+             }),
+        call("module_version", "none", module_version),
+        call("no_module_version", no_module_version),
+    });
+
+}  // namespace

@@ -1,3 +1,0 @@
-#include "util/host/clone_sync.h"
-
-bool g_bCloneSyncSerialized = false;
