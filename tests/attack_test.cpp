@@ -247,14 +247,17 @@ const char* huge_text(const std::string& head) {
     return begin;
 }
 
-int private_reads;
-
-int read_privately(int descriptor, void* buffer, unsigned int size) {
-    DWORD flags = HANDLE_FLAG_INHERIT;
-    GetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(descriptor)), &flags);
-    EXPECT_EQ(flags & HANDLE_FLAG_INHERIT, 0u) << "child processes can read the file";
-    ++private_reads;
-    return _read(descriptor, buffer, size);
+TEST(HardeningDeathTest, ADamagedStackEndsTheProcess) {
+    const auto overflow = [] {
+        const ImportPatch patch("gethostname", [](char* name, int size) {
+            std::memset(name, 'x', static_cast<std::size_t>(size) + 1000);
+            return -1;
+        });
+        char name[8];
+        ksl_gethostname(name, sizeof name);
+    };
+    const auto fails_fast = [](int code) { return static_cast<DWORD>(code) == 0xC0000409; };
+    EXPECT_EXIT(overflow(), fails_fast, "");
 }
 
 void add_attacks() {
@@ -299,9 +302,16 @@ void add_attacks() {
     });
     attack("files of UTIL_copy in child processes", [] {
         const World world;
-        const ImportPatch patch("_read", read_privately);
+        int reads = 0;
+        const ImportPatch patch("_read", [&](int descriptor, void* buffer, unsigned int size) {
+            DWORD flags = HANDLE_FLAG_INHERIT;
+            GetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(descriptor)), &flags);
+            EXPECT_EQ(flags & HANDLE_FLAG_INHERIT, 0u) << "child processes can read the file";
+            ++reads;
+            return _read(descriptor, buffer, size);
+        });
         EXPECT_EQ(UTIL_copy("f", "n", 0), 0);
-        EXPECT_GT(private_reads, 0);
+        EXPECT_GT(reads, 0);
     });
     attack("a link below the directory of UTIL_cleanupDir", [] {
         const World world;

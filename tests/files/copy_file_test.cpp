@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <functional>
 
 #include "support/built_file.h"
 #include "support/handle_count.h"
@@ -31,23 +30,6 @@ std::string bytes(size_t count) {
     return result.substr(0, count);
 }
 
-std::vector<unsigned> reads;
-int recording_read(int descriptor, void* buffer, unsigned count) {
-    reads.push_back(count);
-    return _read(descriptor, buffer, count);
-}
-
-std::function<__int64(int)> length_of;  // asked for before the first read
-__int64 scripted_length(int descriptor) {
-    return length_of(descriptor);
-}
-
-int write_result, write_error;
-int scripted_write(int, const void*, unsigned) {
-    errno = write_error;
-    return write_result;
-}
-
 class CopyFileTest : public testing::Test {
   protected:
     int copy(char keep_mode = 0) const {
@@ -59,7 +41,11 @@ class CopyFileTest : public testing::Test {
 };
 
 TEST_F(CopyFileTest, MovesChunksOf256KiB) {
-    const ImportPatch patch("_read", recording_read);
+    std::vector<unsigned> reads;
+    const ImportPatch patch("_read", [&](int descriptor, void* buffer, unsigned count) {
+        reads.push_back(count);
+        return _read(descriptor, buffer, count);
+    });
     copy();
     const long handles = util_test::handle_count();
     for (const size_t size : {0u, 5u, chunk, 3 * chunk + 5}) {
@@ -74,14 +60,14 @@ TEST_F(CopyFileTest, MovesChunksOf256KiB) {
 }
 
 TEST_F(CopyFileTest, ASourceThatChangesMeanwhile) {
-    const ImportPatch patch("_filelengthi64", scripted_length);
     const size_t size = chunk + 100;
     for (const size_t changed : {2 * size, size - 1, size_t{chunk}, size_t{0}}) {
         m_scratch.file(source_name, bytes(size));
-        length_of = [&](int) {
+        // The length is asked for before the first read.
+        const ImportPatch patch("_filelengthi64", [&](int) {
             std::filesystem::resize_file(std::filesystem::u8path(m_source), changed);
             return static_cast<__int64>(size);
-        };
+        });
         EXPECT_EQ(copy(), changed > size ? 0 : -1) << changed;
         EXPECT_TRUE(m_scratch.read("target") == bytes(std::min(size, changed))) << changed;
     }
@@ -98,8 +84,7 @@ TEST_F(CopyFileTest, RefusalsAndACopyOntoItself) {
         EXPECT_EQ(UTIL_copy(place, m_target.c_str(), 0), -1);
     }
     {
-        const ImportPatch patch("_filelengthi64", scripted_length);
-        length_of = [](int) { return 0x100000005; };
+        const ImportPatch patch("_filelengthi64", [](int) { return 0x100000005; });
         EXPECT_EQ(copy(), -1) << "5 of 2^32 + 5 bytes are not the whole";
     }
     EXPECT_EQ(UTIL_copy(m_source.c_str(), m_source.c_str(), 1), 0);
@@ -108,11 +93,14 @@ TEST_F(CopyFileTest, RefusalsAndACopyOntoItself) {
 
 TEST_F(CopyFileTest, NoRoomAtTheDestination) {
     m_scratch.file(source_name, bytes(10));
-    const ImportPatch patch("_write", scripted_write);
-    for (const auto& [result, error] : {std::pair{-1, ENOSPC}, {9, ENOSPC}, {9, 0}, {0, 0}}) {
-        write_result = result;
-        write_error = error;
-        EXPECT_EQ(copy(), -1) << result << " " << error;
+    for (const int error : {ENOSPC, 0}) {
+        for (const int written : {-1, 0, 9}) {
+            const ImportPatch patch("_write", [=] {
+                errno = error;
+                return written;
+            });
+            EXPECT_EQ(copy(), -1) << written << " " << error;
+        }
     }
 }
 
@@ -132,11 +120,10 @@ TEST_F(CopyFileTest, ChildrenInheritTheDescriptorsOfXrFileAlone) {
     m_scratch.file(source_name, "x");
     const std::string command = "\"" + util_test::built_file("child.exe") + "\" open 3";
     int during_copy = -1;
-    length_of = [&](int descriptor) {
+    const ImportPatch patch("_filelengthi64", [&](int descriptor) {
         during_copy = ksl_system(command.c_str());
         return _filelengthi64(descriptor);
-    };
-    const ImportPatch patch("_filelengthi64", scripted_length);
+    });
     const int before = ksl_system(command.c_str());
     EXPECT_EQ(copy(), 0);
     EXPECT_EQ(during_copy, before);

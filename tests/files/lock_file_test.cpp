@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <random>
 
 #include "support/handle_count.h"
 #include "support/import_patch.h"
@@ -18,20 +17,6 @@ using util_test::SecondProcess;
 using util_test::Signal;
 
 namespace {
-
-std::vector<DWORD> pauses;
-void WINAPI recorded_pause(DWORD ms) {
-    pauses.push_back(ms);
-}
-
-int locks_to_fail;
-BOOL WINAPI failing_lock(HANDLE file, DWORD flags, DWORD, DWORD low, DWORD high, OVERLAPPED* at) {
-    const OVERLAPPED zero = {};
-    EXPECT_EQ(flags, DWORD(LOCKFILE_EXCLUSIVE_LOCK)) << "waits";
-    EXPECT_TRUE(low == 1 && high == 0 && std::memcmp(at, &zero, sizeof zero) == 0);
-    at->Offset = 5;  // to be cleared for the next attempt
-    return --locks_to_fail < 0 && (at->Offset = 0, LockFileEx(file, flags, 0, low, high, at));
-}
 
 class LockFileTest : public testing::Test {
   protected:
@@ -62,15 +47,27 @@ TEST_F(LockFileTest, CreatesTheFileAndGivesTheHandleBack) {
 }
 
 TEST_F(LockFileTest, FiveAttemptsWithFourPauses) {
-    const ImportPatch pause("Sleep", recorded_pause);
+    std::vector<DWORD> pauses;
+    const ImportPatch pause("Sleep", [&](DWORD ms) { pauses.push_back(ms); });
     EXPECT_FALSE(UTIL_LockFilePrivate(m_scratch / "missing", &m_handle, &m_record));
     EXPECT_EQ(pauses, std::vector<DWORD>(4, 1000000));
     EXPECT_EQ(m_handle, INVALID_HANDLE_VALUE);
 
-    const ImportPatch patch("LockFileEx", failing_lock);
+    int left_to_fail = 0;
+    const ImportPatch patch(
+        "LockFileEx", [&](HANDLE file, DWORD flags, DWORD, DWORD low, DWORD high, OVERLAPPED* at) {
+            const OVERLAPPED zero = {};
+            EXPECT_EQ(flags, DWORD(LOCKFILE_EXCLUSIVE_LOCK)) << "waits";
+            EXPECT_EQ(low, 1u);
+            EXPECT_EQ(high, 0u);
+            EXPECT_EQ(std::memcmp(at, &zero, sizeof zero), 0) << "cleared for each attempt";
+            if (left_to_fail-- == 0) return LockFileEx(file, flags, 0, low, high, at);
+            at->Offset = 5;
+            return FALSE;
+        });
     for (int failures = 0; failures <= 5; ++failures) {
         pauses.clear();
-        locks_to_fail = failures;
+        left_to_fail = failures;
         EXPECT_EQ(lock(), failures < 5) << failures;
         EXPECT_EQ(pauses.size(), static_cast<size_t>(std::min(failures, 4)));
         EXPECT_EQ(m_handle == INVALID_HANDLE_VALUE, failures == 5);
@@ -95,39 +92,30 @@ TEST_F(LockFileTest, TheSecondProcessWaitsForTheFirstToReleaseOrDie) {
     }
 }
 
-int number_in(const std::string& path) {
-    int number = -1;  // stays when there is none
-    XrFile(path.c_str(), "r") >> number;
-    return number;
-}
-
 TEST_F(LockFileTest, KilledHoldersLeaveTheLockToTheNextAtOnce) {
     constexpr int rounds = 30;
-    const unsigned seed = std::random_device()();
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
     int while_held = 0, losses = 0;
     ULONGLONG longest = 0;
-    for (int round = 0; round < rounds; ++round) {
-        const std::string file = m_scratch.file("n", std::string(1, '\0'));
-        Signal go;
-        SecondProcess victim("count", m_scratch.path() + " " + file + " 1000000000", go);
-        ASSERT_TRUE(victim.ready.wait());
-        go.set();
-        Sleep(random() % 20);
-        victim.kill();
-        if (number_in(file) % 2 != 0) ++while_held;
-
+    util_test::Kills kills = {"count", 20, {}, {}, {}};
+    kills.arguments = [&](int) {
+        return m_scratch.path() + " " + m_scratch.file("n", std::string(1, '\0'));
+    };
+    kills.watch = [] { Sleep(1); };
+    kills.check = [&](int) {
+        int number = -1;  // stays when there is none
+        XrFile((m_scratch / "n").c_str(), "r") >> number;
+        if (number % 2 != 0) ++while_held;
         const ULONGLONG asked = GetTickCount64();
         const bool locked = lock();
         const ULONGLONG wait = GetTickCount64() - asked;
         longest = std::max(longest, wait);
         if (!locked || wait > 1000) ++losses;
         EXPECT_TRUE(unlock());
-    }
+    };
+    kills.run(rounds);
     std::printf("kill test, locking: %d rounds, %d hit a holder, longest wait %llu ms, %d losses\n",
                 rounds, while_held, longest, losses);
-    EXPECT_EQ(losses, 0);
+    EXPECT_EQ(losses, 0) << "seed " << kills.seed;
     EXPECT_GE(while_held, rounds / 10);
 }
 

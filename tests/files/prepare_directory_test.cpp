@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
+#include <cstring>
 #include <set>
 
 #include "support/import_patch.h"
@@ -30,14 +30,6 @@ Names records(const std::string& tracking_file) {
     return result;
 }
 
-// Says which code it was asked for, and needs UTF-8 to say it.
-DWORD WINAPI system_text(DWORD flags, LPCVOID, DWORD code, DWORD, LPWSTR buffer, DWORD, va_list*) {
-    if (flags != 0x1300) return 0;  // allocate, from the system, ignore inserts
-    const std::wstring text = L"\u6587" + std::to_wstring(code) + L"\r\n";
-    auto* block = static_cast<wchar_t*>(LocalAlloc(LPTR, (text.size() + 1) * sizeof(wchar_t)));
-    *reinterpret_cast<wchar_t**>(buffer) = text.copy(block, text.size()) ? block : nullptr;
-    return static_cast<DWORD>(text.size());
-}
 String text_of(int code) {
     return String("\xE6\x96\x87") + String(code) + "\r\n";
 }
@@ -110,7 +102,16 @@ TEST_F(PrepareDirectoryTest, SaysWhatWhereAndWhy) {
         {"Q:\\a", ".", 3, 1, ".", warning + text_of(3)},
         {"b<", ".", 123, 3, "b<\\", start + "b<\\" + not_made + text_of(123)},
     };
-    const ImportPatch patch("FormatMessageW", system_text);
+    // The system's text says which code it was asked for, and needs UTF-8 to say it.
+    const ImportPatch patch(
+        "FormatMessageW", [](DWORD flags, LPCVOID, DWORD code, DWORD, wchar_t* buffer) -> DWORD {
+            if (flags != 0x1300) return 0;  // allocate, from the system, ignore inserts
+            const std::wstring text = L"\u6587" + std::to_wstring(code) + L"\r\n";
+            auto* const block = LocalAlloc(LPTR, (text.size() + 1) * sizeof(wchar_t));
+            std::memcpy(block, text.data(), text.size() * sizeof(wchar_t));
+            *reinterpret_cast<void**>(buffer) = block;
+            return static_cast<DWORD>(text.size());
+        });
     for (const auto& c : cases) {
         EXPECT_EQ(prepare(c.path, c.tracking), c.result) << c.path;
         EXPECT_EQ(m_kind, c.kind) << c.path;
@@ -125,44 +126,20 @@ TEST_F(PrepareDirectoryTest, SaysWhatWhereAndWhy) {
     EXPECT_TRUE(XrDirectory::IsDirectory("in-out")) << "read before it is told";
 }
 
-// What becomes of the next writes: how many bytes are moved, and with which code. Later ones are
-// real, each right after another process has appended a byte.
-struct Write {
-    DWORD moved, code;
-};
-std::vector<Write> writes;
-util::FileHandle rival;
-BOOL WINAPI write_as_told(HANDLE file, const void* data, DWORD size, DWORD* moved, OVERLAPPED* at) {
-    if (writes.empty()) {
-        WriteFile(rival.get(), "!", 1, moved, nullptr);
-        return WriteFile(file, data, size, moved, at);
-    }
-    const Write told = writes.front();
-    writes.erase(writes.begin());
-    WriteFile(file, data, told.moved, moved, at);
-    SetLastError(told.code);
-    return told.code == 0;
-}
-
 HANDLE open_shared(const std::string& path, DWORD access) {
     return CreateFileA(path.c_str(), access, 7, nullptr, OPEN_EXISTING, 0, nullptr);
-}
-
-// Locks the whole tracking file, as anyone may who can read it, until that many pauses were made.
-util::FileHandle reader;
-int pauses, pauses_to_release;
-void WINAPI release_later(DWORD milliseconds) {
-    EXPECT_EQ(milliseconds, 10u);
-    if (++pauses == pauses_to_release) reader.reset();
 }
 
 TEST_F(PrepareDirectoryTest, RecordsWhatItCanAndWaitsForLocksOnlySoLong) {
     const std::string y = "!5\0x\\y\\\0"s, z = "!7\0x\\y\\z\\\0"s;
     const std::string all = "!3\0x\\\0"s + y + z, torn = "3\0x"s;
+    struct Write {
+        DWORD moved, code;
+    };
     const Write locked = {0, ERROR_LOCK_VIOLATION};
     const struct {
-        std::vector<Write> writes;
-        int release;  // the reader's lock goes after so many pauses; 0: it takes none
+        std::vector<Write> writes;  // the first ones; later ones are real
+        int release;                // the reader's lock goes after so many pauses; 0: it takes none
         std::string recorded;
         int pauses;
     } cases[] = {
@@ -176,7 +153,27 @@ TEST_F(PrepareDirectoryTest, RecordsWhatItCanAndWaitsForLocksOnlySoLong) {
         {{}, 1000, all, 200},
         {{locked}, 1000, y + z, 200},
     };
-    const ImportPatch write("WriteFile", write_as_told), sleep("Sleep", release_later);
+    std::vector<Write> writes;
+    // The first locks the whole file, as anyone may who can read it, until it is released. The
+    // other appends a byte before each real write.
+    util::KernelHandle reader, rival;
+    const ImportPatch write(
+        "WriteFile", [&](HANDLE file, const void* data, DWORD size, DWORD* moved, OVERLAPPED* at) {
+            if (writes.empty()) {
+                WriteFile(rival.get(), "!", 1, moved, nullptr);
+                return WriteFile(file, data, size, moved, at);
+            }
+            const Write told = writes.front();
+            writes.erase(writes.begin());
+            WriteFile(file, data, told.moved, moved, at);
+            SetLastError(told.code);
+            return BOOL(told.code == 0);
+        });
+    int pauses = 0, pauses_to_release = 0;
+    const ImportPatch sleep("Sleep", [&](DWORD milliseconds) {
+        EXPECT_EQ(milliseconds, 10u);
+        if (++pauses == pauses_to_release) reader.reset();
+    });
     int number = 0;
     for (const auto& c : cases) {
         const std::string name = "record" + std::to_string(number);
@@ -218,35 +215,29 @@ TEST_F(PrepareDirectoryTest, KilledProcessesLeaveAtMostOneDirectoryUnrecorded) {
     std::string below;
     for (int i = 1; i < depth; ++i)
         below += "\\d";
-    const unsigned seed = std::random_device()();
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
     int in_the_middle = 0, unrecorded = 0, losses = 0;
-    for (int round = 0; round < rounds; ++round) {
-        const std::string top = "killed" + std::to_string(round) + "-";
-        Signal go;
-        SecondProcess victim("prepare", top + "rec " + top + " 1 " + below, go);
-        ASSERT_TRUE(victim.ready.wait());
-        go.set();
-        Sleep(random() % 60);
-        victim.kill();
-
+    const auto top = [](int round) { return "killed" + std::to_string(round) + "-"; };
+    util_test::Kills kills = {"prepare", 60, {}, {}, {}};
+    kills.arguments = [&](int round) { return top(round) + "rec " + top(round) + " 1 " + below; };
+    kills.watch = [] { Sleep(1); };
+    kills.check = [&](int round) {
         Names made;
-        for (std::string next = top + "0\\"; XrDirectory::IsDirectory(next); next += "d\\")
+        for (std::string next = top(round) + "0\\"; XrDirectory::IsDirectory(next); next += "d\\")
             made.push_back(next);
         if (!made.empty() && made.size() < depth) ++in_the_middle;
-        const Names recorded = records(top + "rec");
+        const Names recorded = records(top(round) + "rec");
         if (recorded.size() < made.size()) {
             ++unrecorded;
             made.pop_back();
         }
         if (recorded != made) ++losses;
-    }
+    };
+    kills.run(rounds);
     std::printf(
         "kill test, preparing: %d rounds, %d hit the middle, %d lacked the last record, "
         "%d lost more\n",
         rounds, in_the_middle, unrecorded, losses);
-    EXPECT_EQ(losses, 0);
+    EXPECT_EQ(losses, 0) << "seed " << kills.seed;
     EXPECT_GE(in_the_middle, rounds / 10);
 }
 

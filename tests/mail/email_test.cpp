@@ -125,22 +125,9 @@ TEST_F(SendMailTest, DirectoriesMayHaveNamesOfTheAnsiPage) {
 
 // --- where the messages go ----------------------------------------------------------------------
 
-std::vector<std::string> keys_opened, directories_used;
-
-LSTATUS WINAPI noting_open(HKEY root, const char* path, DWORD options, REGSAM access, HKEY* key) {
-    EXPECT_EQ(access, REGSAM{GENERIC_READ});
-    keys_opened.push_back(path);
-    return RegOpenKeyExA(root, path, options, access, key);
-}
-UINT WINAPI noting_name(const char* directory, const char* prefix, UINT number, char* name) {
-    EXPECT_EQ(prefix + std::to_string(number), "tsr0");
-    directories_used.push_back(directory);
-    return GetTempFileNameA(directory, prefix, number, name);
-}
-
 TEST_F(SendMailTest, ThePickupDirectoryIsTheFirstThatIsSet) {
     using namespace util_test;
-    const std::string root = scratch.path();
+    const std::string own = scratch / "own", web = scratch / "web", exchange = scratch / "ex";
     scratch.directory("own");
     scratch.directory("ex\\Mailroot\\vsi 1\\Pickup");
     scratch.directory("web\\wwwroot2\\mailroot\\Pickup");
@@ -150,14 +137,26 @@ TEST_F(SendMailTest, ThePickupDirectoryIsTheFirstThatIsSet) {
         std::string own, exchange, web, directory;
         std::size_t keys;
     } cases[] = {
-        {root + "\\own", root + "\\ex", root + "\\web", root + "\\own", 1},
-        {"", root + "\\ex", root + "\\web", root + "\\ex\\\\Mailroot\\vsi 1\\Pickup", 2},
-        {"", "", root + "\\wwwroot\\web\\wwwroot", root + "\\web\\\\mailroot\\Pickup\\", 3},
-        {"", "", root + "\\web\\wwwroot2", root + "\\web2\\\\mailroot\\Pickup\\", 3},
-        {"", "", root + "\\web\\WWWroot", root + "\\web\\WWWroot\\\\mailroot\\Pickup\\", 3},
+        {own, exchange, web, own, 1},
+        {"", exchange, web, exchange + "\\\\Mailroot\\vsi 1\\Pickup", 2},
+        {"", "", scratch / "wwwroot\\web\\wwwroot", web + "\\\\mailroot\\Pickup\\", 3},
+        {"", "", web + "\\wwwroot2", web + "2\\\\mailroot\\Pickup\\", 3},
+        {"", "", web + "\\WWWroot", web + "\\WWWroot\\\\mailroot\\Pickup\\", 3},
         {"", "", "", "", 3},
     };
-    const ImportPatch open("RegOpenKeyExA", noting_open), name("GetTempFileNameA", noting_name);
+    std::vector<std::string> keys_opened, directories_used;
+    const ImportPatch open(
+        "RegOpenKeyExA", [&](HKEY root, const char* path, DWORD options, REGSAM access, HKEY* key) {
+            EXPECT_EQ(access, REGSAM{GENERIC_READ});
+            keys_opened.push_back(path);
+            return RegOpenKeyExA(root, path, options, access, key);
+        });
+    const ImportPatch temp_name("GetTempFileNameA", [&](const char* directory, const char* prefix,
+                                                        UINT number, char* name) {
+        EXPECT_EQ(prefix + std::to_string(number), "tsr0");
+        directories_used.push_back(directory);
+        return GetTempFileNameA(directory, prefix, number, name);
+    });
     for (const auto& c : cases) {
         registry.set_text(server_key, "EmailPickupDir", c.own);
         registry.set_text(exchange_key, "ExchangeServerAdmin", c.exchange);
@@ -174,17 +173,15 @@ TEST_F(SendMailTest, ThePickupDirectoryIsTheFirstThatIsSet) {
     }
 }
 
-UINT WINAPI name_in_current_directory(const char* directory, const char* prefix, UINT number,
-                                      char* name) {
-    return GetTempFileNameA(*directory ? directory : ".", prefix, number, name);
-}
-
 TEST_F(SendMailTest, WithoutAPickupDirectoryThePlatformDecides) {
     registry.remove_value(util_test::server_key, "EmailPickupDir");
     send("a;b", -1, "Win32 API GetTempFileName returned bad name, GetLastError = 267");
     EXPECT_EQ(contents("temp"), messages_to({"a"}));
 
-    const ImportPatch patch("GetTempFileNameA", name_in_current_directory);
+    const ImportPatch patch(
+        "GetTempFileNameA", [](const char* directory, const char* prefix, UINT number, char* name) {
+            return GetTempFileNameA(*directory ? directory : ".", prefix, number, name);
+        });
     SetCurrentDirectoryA(pickup.c_str());
     send("a;b", 0, "Unable to query the registry for the pickup directory");
     EXPECT_EQ(contents("pickup"), messages_to({"a", "b"}));
@@ -192,12 +189,6 @@ TEST_F(SendMailTest, WithoutAPickupDirectoryThePlatformDecides) {
 }
 
 // --- failures -----------------------------------------------------------------------------------
-
-// Wants more room; what stands in the buffer means nothing then.
-DWORD WINAPI long_temporary_path(DWORD, char* buffer) {
-    std::strcpy(buffer, "C:\\");
-    return 256;
-}
 
 TEST_F(SendMailTest, ADirectoryThatTakesNoFileEndsIt) {
     const std::string bad_name = "Win32 API GetTempFileName returned bad name, GetLastError = ";
@@ -219,7 +210,11 @@ TEST_F(SendMailTest, ADirectoryThatTakesNoFileEndsIt) {
         send("a;b", -1, c.error);
     }
     {
-        const ImportPatch patch("GetTempPathA", long_temporary_path);
+        // Needs more room. The buffer means nothing then.
+        const ImportPatch patch("GetTempPathA", [](DWORD, char* buffer) {
+            std::strcpy(buffer, "C:\\");
+            return DWORD{256};
+        });
         send("a", -1, bad_name + "267");
     }
     for (const std::string& missing : {scratch / "missing", with_length(247)}) {
@@ -231,64 +226,61 @@ TEST_F(SendMailTest, ADirectoryThatTakesNoFileEndsIt) {
     EXPECT_EQ(contents("pickup"), Texts());
 }
 
-// Replacements that fail on their second use.
-int uses;
-
-bool fails() {
-    return ++uses == 2;
-}
-int second_write(int fd, const void* bytes, unsigned count) {
-    if (!fails()) return _write(fd, bytes, count);
-    _write(fd, bytes, count / 2);  // the disk is full
-    errno = ENOSPC;
-    return -1;
-}
-int short_write(int fd, const void* bytes, unsigned count) {
-    return _write(fd, bytes, fails() ? count / 2 : count);  // and errno tells nothing
-}
-int second_close(int fd) {
-    const int result = _close(fd);
-    if (!fails()) return result;
-    errno = ENOSPC;  // some disks find out here
-    return -1;
-}
-int second_rename(const char* from, const char* to) {
-    if (!fails()) return std::rename(from, to);
-    errno = EACCES;
-    return -1;
-}
-
-TEST_F(SendMailTest, ARecipientsFailureCountsOnlyWhenItIsTheLast) {
-    using Function = void (*)();
-    const std::string whole = message("f", "b", "s", "b");
-    const struct {
-        const char* call;
-        Function replacement;
-        std::string error, left;
-    } failures[] = {
-        {"_write", reinterpret_cast<Function>(second_write), "Unable to open the file ",
-         whole.substr(0, whole.size() / 2)},
-        {"_write", reinterpret_cast<Function>(short_write), "Unable to open the file ",
-         whole.substr(0, whole.size() / 2)},
-        {"_close", reinterpret_cast<Function>(second_close), "Unable to open the file ", whole},
-        {"rename", reinterpret_cast<Function>(second_rename), "", whole},
-    };
-    for (const auto& f : failures) {
-        const ImportPatch patch(f.call, f.replacement);
-        for (const bool is_last : {false, true}) {
-            uses = 0;
+// Sends to two and to three. What fails is the call for the second, of which `left` stays.
+class SecondFailsTest : public SendMailTest {
+  protected:
+    bool fails() { return ++m_uses == 2; }
+    void expect_failure(const std::string& error, const std::string& left) {
+        for (const bool is_last : {true, false}) {
+            m_uses = 0;
             email notice("f", is_last ? "a;b" : "a;b;c", "s", "b");
-            EXPECT_EQ(notice.send(), is_last ? -1 : 0) << f.call;
-            const auto left = files("temp");
-            ASSERT_EQ(left.size(), 1u) << f.call;
-            EXPECT_EQ(left.begin()->second, f.left) << f.call;
+            EXPECT_EQ(notice.send(), is_last ? -1 : 0);
+            const auto in_temp = files("temp");
+            ASSERT_EQ(in_temp.size(), 1u);
+            EXPECT_EQ(in_temp.begin()->second, left);
             EXPECT_EQ(notice.GetLastErrorMessage(),
-                      f.error.empty() ? "" : f.error + temp + "\\" + left.begin()->first);
+                      error.empty() ? "" : error + temp + "\\" + in_temp.begin()->first);
             EXPECT_EQ(contents("pickup"), is_last ? messages_to({"a"}) : messages_to({"a", "c"}));
             empty("temp");
             empty("pickup");
         }
     }
+    const std::string m_whole = message("f", "b", "s", "b");
+
+  private:
+    int m_uses = 0;
+};
+
+TEST_F(SecondFailsTest, Write) {
+    const std::string half = m_whole.substr(0, m_whole.size() / 2);
+    for (const int code : {ENOSPC, 0}) {  // a failure, and a short write
+        const ImportPatch patch("_write", [&](int fd, const void* bytes, unsigned count) {
+            if (!fails()) return _write(fd, bytes, count);
+            const int written = _write(fd, bytes, count / 2);
+            if (code != 0) errno = code;
+            return code != 0 ? -1 : written;
+        });
+        expect_failure("Unable to open the file ", half);
+    }
+}
+
+TEST_F(SecondFailsTest, Close) {  // some disks find out here that they are full
+    const ImportPatch patch("_close", [&](int fd) {
+        const int result = _close(fd);
+        if (!fails()) return result;
+        errno = ENOSPC;
+        return -1;
+    });
+    expect_failure("Unable to open the file ", m_whole);
+}
+
+TEST_F(SecondFailsTest, Rename) {
+    const ImportPatch patch("rename", [&](const char* from, const char* to) {
+        if (!fails()) return std::rename(from, to);
+        errno = EACCES;
+        return -1;
+    });
+    expect_failure("", m_whole);
 }
 
 TEST_F(SendMailTest, MessagesWaitForAServiceThatIsNotThere) {

@@ -28,7 +28,7 @@ class MailService {
         : m_manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ALL_ACCESS)) {
         m_service.reset(OpenServiceA(m_manager.get(), name, SERVICE_ALL_ACCESS));
         if (m_service) remove();
-        const std::string command = "\"" + built_file("mail_child.exe") + "\" service";
+        const std::string command = "\"" + built_file("child.exe") + "\" service";
         // One that was deleted goes when its process has ended.
         for (int tries = 0; tries < 500 && !m_service; ++tries, Sleep(10)) {
             m_service.reset(CreateServiceA(m_manager.get(), name, name, SERVICE_ALL_ACCESS,

@@ -59,28 +59,28 @@ TEST_F(MailServiceTest, RunningInThatStateOnly) {
     EXPECT_TRUE(MailRunning());
 }
 
-std::vector<SC_HANDLE> opened, closed;
-
-SC_HANDLE WINAPI open_manager(const char* machine, const char* database, DWORD access) {
-    EXPECT_TRUE(!machine && !database && access == 0xF003F);
-    opened.push_back(OpenSCManagerA(machine, database, access));
-    return opened.back();
-}
-SC_HANDLE WINAPI open_service(SC_HANDLE manager, const char* name, DWORD access) {
-    EXPECT_TRUE(name == "IISADMIN"s && access == 0xF01FF);
-    opened.insert(opened.begin(), OpenServiceA(manager, name, access));
-    return opened.front();
-}
-BOOL WINAPI close_handle(SC_HANDLE handle) {
-    closed.push_back(handle);
-    return CloseServiceHandle(handle);
-}
-
 TEST_F(MailServiceTest, AskingNeedsFullAccessAndClosesTheServiceFirst) {
-    const ImportPatch manager("OpenSCManagerA", open_manager),
-        service_patch("OpenServiceA", open_service), close("CloseServiceHandle", close_handle);
+    SC_HANDLE manager = nullptr, iis = nullptr;
+    std::vector<SC_HANDLE> closed;
+    const ImportPatch open_manager("OpenSCManagerA",
+                                   [&](const char* machine, const char* database, DWORD access) {
+                                       EXPECT_EQ(machine, nullptr);
+                                       EXPECT_EQ(database, nullptr);
+                                       EXPECT_EQ(access, 0xF003Fu);
+                                       return manager = OpenSCManagerA(machine, database, access);
+                                   });
+    const ImportPatch open_service("OpenServiceA",
+                                   [&](SC_HANDLE from, const char* name, DWORD access) {
+                                       EXPECT_STREQ(name, "IISADMIN");
+                                       EXPECT_EQ(access, 0xF01FFu);
+                                       return iis = OpenServiceA(from, name, access);
+                                   });
+    const ImportPatch close("CloseServiceHandle", [&](SC_HANDLE handle) {
+        closed.push_back(handle);
+        return CloseServiceHandle(handle);
+    });
     EXPECT_TRUE(MailRunning());
-    EXPECT_EQ(closed, opened);
+    EXPECT_EQ(closed, (std::vector<SC_HANDLE>{iis, manager}));
 }
 
 }  // namespace

@@ -1,10 +1,7 @@
 // How messages get into the pickup directory: whole, and none at another's cost.
 #include "util/mail/email.h"
 
-#include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <random>
 #include <set>
 #include <thread>
 #include <vector>
@@ -58,39 +55,32 @@ TEST_F(MessageDropTest, ANameThatIsTakenIsPassedOver) {
     EXPECT_EQ(files("temp"), Files());
 }
 
-int faster_senders;
-
-int rename_too_late(const char* from, const char* to) {
-    if (faster_senders-- > 0) {
-        EXPECT_EQ(GetFileAttributesA(std::string(to, std::strlen(to) - 1).c_str()),
-                  INVALID_FILE_ATTRIBUTES)
-            << "the placeholder goes before the move";
-        CloseHandle(CreateFileA(to, GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
-    }
-    return std::rename(from, to);
-}
-
 TEST_F(MessageDropTest, ANameThatAnotherSenderTakesMeanwhileIsPassedOver) {
     const ImportPatch names("GetTempFileNameA", first_free_name);
-    const ImportPatch move("rename", rename_too_late);
-    faster_senders = 2;
+    int faster_senders = 2;
+    const ImportPatch move("rename", [&](const char* from, const char* to) {
+        if (faster_senders-- > 0) {
+            const std::string placeholder(to, std::strlen(to) - 1);
+            EXPECT_FALSE(std::filesystem::exists(placeholder)) << "goes before the move";
+            CloseHandle(CreateFileA(to, GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+        }
+        return std::rename(from, to);
+    });
     EXPECT_EQ(send("a"), 0);
     EXPECT_EQ(files("pickup"), (Files{{"n11", ""}, {"n21", ""}, {"n31", message_to("a")}}));
 }
 
-int unlucky_draws;
-
-UINT WINAPI unlucky_name(const char* directory, const char* prefix, UINT number, char* name) {
-    if (!std::strstr(directory, "pickup") || unlucky_draws-- <= 0)
-        return first_free_name(directory, prefix, number, name);
-    std::strcpy(name, (std::string(directory) + "\\n1").c_str());
-    return 1;
-}
-
 TEST_F(MessageDropTest, TheSearchForANameEndsForItsRecipientAlone) {
     scratch.file("pickup\\n11", "old");
-    const ImportPatch names("GetTempFileNameA", unlucky_name);
-    unlucky_draws = 2 * 4096;
+    int unlucky_draws = 2 * 4096;
+    const ImportPatch names(
+        "GetTempFileNameA",
+        [&](const char* directory, const char* prefix, UINT number, char* name) -> UINT {
+            if (!std::strstr(directory, "pickup") || unlucky_draws-- <= 0)
+                return first_free_name(directory, prefix, number, name);
+            std::strcpy(name, (std::string(directory) + "\\n1").c_str());
+            return 1;
+        });
     EXPECT_EQ(send("a"), -1);
     EXPECT_EQ(send("b;c"), 0);
     EXPECT_EQ(mail.GetLastErrorMessage(), "");
@@ -147,26 +137,19 @@ class KillTest : public MessageDropTest {
 };
 
 TEST_F(KillTest, NothingHalfWrittenShowsWhenTheSenderIsKilledAndNothingSentIsLost) {
-    constexpr int most_rounds = 40;
-    const ULONGLONG deadline = GetTickCount64() + 8000;
-    constexpr unsigned seed = 20;
-    std::mt19937 random(seed);
-    int rounds = 0, in_the_middle = 0, lost = 0;
+    constexpr int rounds = 20;
+    int in_the_middle = 0, lost = 0;
     std::size_t dropped = 0;
-    for (; rounds < most_rounds && GetTickCount64() < deadline; ++rounds) {
-        std::set<std::string> seen;
+    std::set<std::string> seen;
+    util_test::Kills kills = {"drop", 30, {}, {}, {}};
+    kills.arguments = [&](int) {
+        seen.clear();
         names.clear();
-        const std::string progress = scratch.file("progress");
-        util_test::Signal unused;
-        util_test::SecondProcess dropper("drop", registry.path() + " " + progress, unused);
-        ASSERT_TRUE(dropper.ready.wait());
-        const ULONGLONG end = GetTickCount64() + random() % 30;
-        do {
-            look(seen, false);
-        } while (GetTickCount64() < end);
-        dropper.kill();
+        return registry.path() + " " + scratch.file("progress");
+    };
+    kills.watch = [&] { look(seen, false); };
+    kills.check = [&](int) {
         look(seen, true);
-
         const auto finished = static_cast<int>(scratch.read("progress").size());
         for (int n = 0; n < finished * util_test::drop_batch; ++n)
             lost += !seen.count("r" + std::to_string(n));
@@ -175,11 +158,12 @@ TEST_F(KillTest, NothingHalfWrittenShowsWhenTheSenderIsKilledAndNothingSentIsLos
         dropped += seen.size();
         empty("pickup");
         empty("temp");
-    }
+    };
+    kills.run(rounds);
     std::printf(
         "kill test, mailing: %d rounds, %d hit the middle of a message, %d dropped, %d lost\n",
         rounds, in_the_middle, int(dropped), lost);
-    EXPECT_EQ(lost, 0) << "seed " << seed;
+    EXPECT_EQ(lost, 0) << "seed " << kills.seed;
     EXPECT_GT(in_the_middle, 0) << "no kill hit";
 }
 

@@ -24,6 +24,9 @@ package_test(links-lead-somewhere "" links_lead_somewhere)
 package_test(names-no-folder-of-its-maker "" names_no_folder_of_its_maker)
 package_test(installs-what-util.h-reaches "" installs_what_util_h_reaches)
 package_test(util.def-lists-exported-names "" exports_the_plain_functions)
+package_test(exports-what-the-list-names "" exports_what_the_list_names)
+package_test(needs-no-other-library "" needs_no_other_library)
+package_test(asks-for-the-protections-of-the-system "" asks_for_the_protections_of_the_system)
 package_test(versions-agree "" versions_agree)
 
 # util.h in every way. Each header on its own in one way; in the others only when all is asked for.
@@ -77,4 +80,10 @@ foreach(name gives-the-same-zip builds-by-vcpkg)  # in the build folder of the f
     package_test(${name} thorough ${call})
     set_property(TEST package.${name} APPEND PROPERTY FIXTURES_REQUIRED rebuilt)
     set_property(TEST package.${name} PROPERTY RESOURCE_LOCK rebuilt)
+endforeach()
+
+# Each page of the guide shows a program and what it prints.
+package_test(guide.manifest "" shows_the_manifest)
+foreach(page c files host instance load log mail nightly poll portable readme serve service text)
+    package_run_test(guide.${page} shows ${page})
 endforeach()

@@ -2,6 +2,9 @@
 #ifndef UTIL_TESTS_SUPPORT_SECOND_PROCESS_H
 #define UTIL_TESTS_SUPPORT_SECOND_PROCESS_H
 
+#include <functional>
+#include <random>
+#include <stdexcept>
 #include <string>
 
 #include "support/process.h"
@@ -35,12 +38,12 @@ class Signal {
     util::WinHandle m_event;
 };
 
-// tests/support/files_child.cpp with a verb. It sets ready when it is about to begin (or holds the
-// lock) and waits for go. Killed with the object if it still runs.
+// tests/support/child.cpp with a verb. It sets ready when it is about to begin (or holds the lock)
+// and waits for go. Killed with the object if it still runs.
 class SecondProcess {
   public:
     SecondProcess(const std::string& verb, const std::string& arguments, const Signal& go)
-        : m_process(started({built_file("files_child.exe") + " " + verb + " " + ready.name() + " " +
+        : m_process(started({built_file("child.exe") + " " + verb + " " + ready.name() + " " +
                              go.name() + " " + arguments})) {}
     ~SecondProcess() { kill(); }
 
@@ -55,6 +58,34 @@ class SecondProcess {
 
   private:
     util::WinHandle m_process;
+};
+
+// Starts a second process and kills it at a random moment, round after round.
+struct Kills {
+    const char* verb;
+    unsigned longest_ms;
+    std::function<std::string(int round)> arguments;
+    std::function<void()> watch;           // again and again while it runs
+    std::function<void(int round)> check;  // what it left
+
+    unsigned seed = std::random_device()();
+
+    // Throws when a process does not get ready.
+    void run(int rounds) const {
+        std::mt19937 random(seed);
+        for (int round = 0; round < rounds; ++round) {
+            Signal go;
+            SecondProcess victim(verb, arguments(round), go);
+            if (!victim.ready.wait()) throw std::runtime_error("the child does not get ready");
+            go.set();
+            const ULONGLONG end = GetTickCount64() + random() % longest_ms;
+            do {
+                watch();
+            } while (GetTickCount64() < end);
+            victim.kill();
+            check(round);
+        }
+    }
 };
 
 }  // namespace util_test

@@ -19,7 +19,7 @@ enum How {
 };
 
 struct Failure {
-    const char* name;
+    std::string name;
     std::int64_t result;
     DWORD last_error;  // 0: left alone
     int error_number;  // of the runtime; 0: left alone

@@ -1,7 +1,7 @@
 #include "torture/gate.h"
 
+#include <algorithm>
 #include <cstring>
-#include <stdexcept>
 
 #include "util/internal/windows.h"
 
@@ -108,41 +108,40 @@ Gate& guard(void** slot, const char* name, int index) {
     return *gate;
 }
 
-bool is_code(const void* address) {
-    MEMORY_BASIC_INFORMATION information;
-    VirtualQuery(address, &information, sizeof information);
-    return (information.Protect & (PAGE_EXECUTE | PAGE_EXECUTE_READ | PAGE_EXECUTE_READWRITE |
-                                   PAGE_EXECUTE_WRITECOPY)) != 0;
-}
+namespace {
 
-std::vector<Export> exported(const char* module) {
-    auto* const base = reinterpret_cast<char*>(GetModuleHandleA(module));
-    auto* const dos = reinterpret_cast<IMAGE_DOS_HEADER*>(base);
-    auto* const nt = reinterpret_cast<IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-    auto& directory = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT];
-    auto* const table = reinterpret_cast<IMAGE_EXPORT_DIRECTORY*>(base + directory.VirtualAddress);
-    auto* const names = reinterpret_cast<DWORD*>(base + table->AddressOfNames);
-    std::vector<Export> result;
-    for (DWORD i = 0; i < table->NumberOfNames; ++i) {
-        const char* const name = base + names[i];
-        auto* const address =
-            reinterpret_cast<void*>(GetProcAddress(reinterpret_cast<HMODULE>(base), name));
-        result.push_back({name, address, is_code(address)});
+// The return addresses on the stack, innermost first, up to the outermost call of the module; none
+// when the module is not on the stack. Takes no memory, which may be what is failing.
+struct Frames {
+    explicit Frames(const void* module) {
+        const auto* const base = static_cast<const char*>(module);
+        const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+        const auto* const nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+        const char* const end = base + nt->OptionalHeader.SizeOfImage;
+        depth = RtlCaptureStackBackTrace(0, 60, addresses, nullptr);
+        for (int i = 0; i < depth; ++i) {
+            if (addresses[i] >= base && addresses[i] < end) count = std::min(i + 2, depth);
+        }
     }
-    return result;
-}
+    void* addresses[60];
+    int depth;
+    int count = 0;
+};
+
+}  // namespace
 
 bool called_from(const void* module) {
-    const auto* const base = static_cast<const char*>(module);
-    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-    const auto* const nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-    void* frames[60];
-    const USHORT depth = RtlCaptureStackBackTrace(0, 60, frames, nullptr);
-    for (USHORT i = 0; i < depth; ++i) {
-        const auto* const frame = static_cast<const char*>(frames[i]);
-        if (frame >= base && frame < base + nt->OptionalHeader.SizeOfImage) return true;
-    }
-    return false;
+    return Frames(module).count > 0;
+}
+
+std::uint64_t call_site(const void* module) {
+    const Frames frames(module);
+    // A module's function that ends in a jump is not on the stack.
+    const int count = frames.count > 0 ? frames.count : frames.depth;
+    std::uint64_t site = 0;
+    for (int i = 0; i < count; ++i)
+        site = site * 31 + reinterpret_cast<std::uintptr_t>(frames.addresses[i]);
+    return site;
 }
 
 }  // namespace torture

@@ -4,8 +4,6 @@
 #define UTIL_TESTS_TORTURE_GATE_H
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 namespace torture {
 
@@ -28,18 +26,12 @@ extern std::uint64_t (*after)(Gate& gate, std::uint64_t result);
 // Puts a gate into a slot of a table of functions. It stays until the process ends.
 Gate& guard(void** slot, const char* name, int index);
 
-// A function that a module exports, or data; in one order for all processes.
-struct Export {
-    std::string name;
-    void* address;
-    bool is_code;
-};
-std::vector<Export> exported(const char* module);
-
-bool is_code(const void* address);
-
 // Whether the code that is running was called, at whatever distance, by the module.
 bool called_from(const void* module);
+
+// A number for the way on which the module came to the code that is running. It is another for
+// another line of a test that calls the module.
+std::uint64_t call_site(const void* module);
 
 }  // namespace torture
 

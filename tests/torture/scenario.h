@@ -12,10 +12,13 @@
 
 #include <functional>
 #include <new>
+#include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "support/scratch_directory.h"
+#include "torture/resources.h"
 // after the platform's header
 #include <comutil.h>
 
@@ -64,10 +67,16 @@ class Run {
         outcome(!m_raised, m_raised);
         return !m_raised;
     }
+    // Lets calls fail until the object goes.
+    struct Armed {
+        Armed() { arm(true); }
+        ~Armed() { arm(false); }
+    };
     // Whether a fault has happened in this run so far, at least.
     static bool faulted();
-    // Whether it is this function that fails.
+    // Whether it is this function that fails, and with this result.
     static bool failing(const char* function);
+    static bool failing(const char* function, std::int64_t result);
     // Whether what fails does so ever after.
     static bool for_good();
 
@@ -77,9 +86,17 @@ class Run {
         if (!success && !(faulted() && failure)) violation(what);
     }
     // What holds in either case.
-    void always(bool holds, const char* what) {
+    void always(bool holds, const std::string& what) {
         if (!holds) violation(what);
     }
+
+    // This run keeps so many by design. docs/failure.md lists all of these leaks.
+    static void keeps(Resource resource, long number) { keeps(resource, number, number); }
+    // The same for a call that may fail before it takes them.
+    static void keeps_unless_failed(Resource resource, long number) {
+        keeps(resource, faulted() ? 0 : number, number);
+    }
+    static void keeps_at_most(Resource resource, long number) { keeps(resource, 0, number); }
 
     bool exists(const std::string& name) const {
         return GetFileAttributesA((scratch / name).c_str()) != INVALID_FILE_ATTRIBUTES;
@@ -89,7 +106,8 @@ class Run {
 
   private:
     static void arm(bool armed);
-    static void violation(const char* what);
+    static void violation(const std::string& what);
+    static void keeps(Resource resource, long least, long most);
     void caught(bool documented, const char* what) {
         m_raised = true;
         if (!documented || !faulted()) violation(what);
@@ -100,12 +118,20 @@ class Run {
 
 using Play = std::function<void(Run& run)>;
 struct Scenario {
-    const char* name;
+    std::string name;
     Play play;
+    bool shares_sites;  // a call site that failed in an earlier one of these is not failed again
+    bool fails_last;    // of each site the first and the last call fails; else only the first
 };
 
 // One list for each subsystem, added in its order.
-using Add = std::function<void(const char* name, Play play)>;
+struct Add {
+    std::vector<Scenario>& all;
+    void operator()(const std::string& name, Play play, bool shares_sites = false) const {
+        all.push_back({name, std::move(play), shares_sites, true});
+    }
+};
+void case_scenarios(const Add& scenario);
 void text_scenarios(const Add& scenario);
 void portable_scenarios(const Add& scenario);
 void file_scenarios(const Add& scenario);

@@ -64,6 +64,7 @@ BOOL WINAPI is_wow64(HANDLE, BOOL* answer) {
     return TRUE;
 }
 BOOL WINAPI switch_redirection(void*) {
+    ++stand_ins.switches;
     return TRUE;
 }
 decltype(GetProcAddress)* real_entry;

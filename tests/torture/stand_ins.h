@@ -14,6 +14,7 @@ struct StandIns {
     DWORD disconnect = 0;          // WNetCancelConnection2W's
     bool refuses_version = false;  // WSAStartup grants another
     bool is_old = false;           // GetVersionExA says 5.2
+    long switches = 0;             // calls that switched the redirection
 };
 extern StandIns stand_ins;
 

@@ -8,11 +8,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <map>
+#include <set>
 #include <stdexcept>
 #include <string>
 
 #include "support/import_patch.h"
-#include "torture/deliberate_leaks.h"
 #include "torture/failures.h"
 #include "torture/gate.h"
 #include "torture/resources.h"
@@ -24,7 +25,7 @@ using util_test::for_each_import;
 namespace torture {
 namespace {
 
-enum Kind { failing, allocating, counting, recording };
+enum Kind { failing, allocating };
 
 struct Gated {
     Gate* gate;
@@ -32,7 +33,6 @@ struct Gated {
     bool in_runtime;            // libstdc++'s import, which serves the test as well
     std::vector<int> failures;  // rows of the table
     const Taker* taker;         // when it is one
-    int number;                 // of an export
     int calls;                  // in this run
     bool usual;                 // called when nothing fails
     const Failure* injected;    // what this very call is to fail with
@@ -45,8 +45,7 @@ struct Target {
 };
 
 std::vector<Gated> gates;
-std::vector<Export> exports;
-void* library;
+const void* library;
 Figures figures;
 
 // The run that is going on.
@@ -59,11 +58,25 @@ struct {
     int call;              // which call of the target
     bool persistent;
     int seen;
+    const Target* watched;  // nothing fails, and the sites of its calls are collected
     volatile ULONGLONG started;
 } now;
 Resources counted = {};
 
-constexpr Failure no_memory = {"malloc", 0, 0, ENOMEM, instead};
+// The sites of the calls of what is watched, in their order. The room is here before a run begins.
+std::uint64_t sites[10000];
+std::size_t site_count;
+
+// What the run that is going on keeps by design.
+struct {
+    Resources least, most;
+} kept;
+
+const Failure no_memory = {"malloc", 0, 0, ENOMEM, instead};
+
+const Failure& failure_of(const Target& target) {
+    return target.gated < 0 ? no_memory : failures[std::size_t(target.failure)];
+}
 
 const char* target_name(const Target* target) {
     if (!target) return "nothing";
@@ -100,25 +113,19 @@ const Failure* injected(Gated& gated, int index) {
     const auto is = [&](const Target* target) {
         return target && (target->gated < 0 ? gated.kind == allocating : target->gated == index);
     };
-    const auto row = [](const Target& target) {
-        return target.gated < 0 ? &no_memory : &failures[std::size_t(target.failure)];
-    };
+    if (is(now.watched) && site_count < std::size(sites)) sites[site_count++] = call_site(library);
     if (is(now.target)) {
         ++now.seen;
         if (now.seen == now.call || (now.persistent && now.seen > now.call))
-            return row(*now.target);
+            return &failure_of(*now.target);
     }
-    return now.faulted && is(now.second) ? row(*now.second) : nullptr;
+    return now.faulted && is(now.second) ? &failure_of(*now.second) : nullptr;
 }
 
 Decision decide_call(Gate& gate) {
     Gated& gated = gates[std::size_t(gate.index)];
     gated.injected = nullptr;
     if (now.armed) {
-        if (gated.kind == recording) {
-            figures.called[std::size_t(gated.number)] = true;
-            return pass;
-        }
         if (!gated.in_runtime || called_from(library)) {
             ++gated.calls;
             gated.injected = injected(gated, gate.index);
@@ -145,10 +152,10 @@ std::uint64_t after_call(Gate& gate, std::uint64_t result) {
 
 // --- putting up the gates ---
 
-void put_up(void** slot, const char* name, Kind kind, int number = 0) {
-    Gated gated = {nullptr, kind, false, {}, nullptr, number, 0, false, nullptr};
+void put_up(void** slot, const char* name, Kind kind, bool in_runtime = false) {
+    Gated gated = {nullptr, kind, in_runtime, {}, nullptr, 0, false, nullptr};
     for (std::size_t i = 0; i < failures.size() && kind == failing; ++i) {
-        if (!std::strcmp(failures[i].name, name)) gated.failures.push_back(int(i));
+        if (failures[i].name == name) gated.failures.push_back(int(i));
     }
     for (const Taker& taker : takers) {
         if (!std::strcmp(taker.name, name)) gated.taker = &taker;
@@ -157,53 +164,24 @@ void put_up(void** slot, const char* name, Kind kind, int number = 0) {
     gates.back().gate = &guard(slot, name, int(gates.size()) - 1);
 }
 
-// The table of an exported class's virtual functions: behind two words, as long as it holds code.
-void put_up_virtual(void** entry) {
-    for (entry += 2; is_code(*entry); ++entry) {
-        for (std::size_t i = 0; i < exports.size(); ++i) {
-            if (exports[i].address != *entry) continue;
-            put_up(entry, exports[i].name.c_str(), recording, int(i));
-            break;
-        }
-    }
-}
-
 void put_up_all() {
-    exports = exported("util.dll");
     library = GetModuleHandleA("util.dll");
     // Before there are gates: this may be called by the ones that are being put up.
-    std::vector<std::pair<void**, const char*>> imports, runtime, own;
+    std::vector<std::pair<void**, const char*>> imports, runtime;
     for_each_import("util.dll", [&](const char*, const char* name, void** slot) {
         imports.emplace_back(slot, name);
     });
     for_each_import("libstdc++-6.dll", [&](const char*, const char* name, void** slot) {
         if (is_allocation(name)) runtime.emplace_back(slot, name);
     });
-    for_each_import(nullptr, [&](const char* from, const char* name, void** slot) {
-        if (!_stricmp(from, "util.dll") && is_code(*slot)) own.emplace_back(slot, name);
-    });
     for (const auto& [slot, name] : imports) {
-        const bool allocates = is_allocation(name);
-        if (!allocates && cannot_fail(name) && !stand_in(name, *slot)) continue;
-        if (void* const other = stand_in(name, *slot)) {
-            put_up(slot, name, failing);
-            gates.back().gate->original = other;
-        } else {
-            put_up(slot, name, allocates ? allocating : failing);
-        }
+        void* const other = stand_in(name, *slot);
+        if (!other && cannot_fail(name)) continue;
+        put_up(slot, name, is_allocation(name) ? allocating : failing);
+        if (other) gates.back().gate->original = other;
     }
-    for (const auto& [slot, name] : runtime) {
-        put_up(slot, name, allocating);
-        gates.back().in_runtime = true;
-    }
-    for (const auto& [slot, name] : own) {
-        for (std::size_t i = 0; i < exports.size(); ++i) {
-            if (exports[i].name == name) put_up(slot, name, recording, int(i));
-        }
-    }
-    for (const Export& one : exports) {
-        if (one.name.rfind("_ZTV", 0) == 0) put_up_virtual(static_cast<void**>(one.address));
-    }
+    for (const auto& [slot, name] : runtime)
+        put_up(slot, name, allocating, true);
     decide = decide_call;
     after = after_call;
 }
@@ -249,6 +227,7 @@ Resources play() {
     now.seen = 0;
     now.started = GetTickCount64();
     stand_ins = StandIns();
+    kept = {};
     for (Gated& gated : gates)
         gated.calls = 0;
     const Resources before = resources_now(counted);
@@ -258,10 +237,8 @@ Resources play() {
     }
     Resources surplus = resources_now(counted);
     for (int i = 0; i < resource_kinds; ++i) {
-        surplus[i] -= before[i];
-        if (surplus[i] > 0)
-            surplus[i] -= std::min(
-                surplus[i], most_left(now.scenario->name, target_name(now.target), Resource(i)));
+        const long more = surplus[i] - before[i];
+        surplus[i] = more - std::clamp(more, kept.least[i], kept.most[i]);
     }
     ++figures.runs;
     if (!formatter.answers()) remark("formatting hangs");
@@ -296,7 +273,7 @@ void fail_what_is_new() {
     }
     for (const int gated : called) {
         for (const int failure : gates[std::size_t(gated)].failures) {
-            if (failures[std::size_t(failure)].how == once) continue;
+            if (failure_of({gated, failure}).how == once) continue;
             const Target second = {gated, failure};
             now.second = &second;
             play_and_compare();
@@ -305,16 +282,39 @@ void fail_what_is_new() {
     }
 }
 
+// The numbers of the calls that are to fail: of each call site the first, and the last, which may
+// find something to undo.
+std::set<int> calls_to_fail(const Target& target) {
+    static std::set<std::pair<int, std::uint64_t>> shared;
+    site_count = 0;
+    now.watched = &target;
+    play();
+    now.watched = nullptr;
+    std::map<std::uint64_t, int> first, last;
+    for (std::size_t i = 0; i < site_count; ++i) {
+        first.emplace(sites[i], int(i) + 1);
+        last[sites[i]] = int(i) + 1;
+    }
+    std::set<int> calls;
+    for (const auto& [site, call] : first) {
+        if (now.scenario->shares_sites && !shared.emplace(target.gated, site).second) continue;
+        calls.insert(call);
+        if (now.scenario->fails_last) calls.insert(last[site]);
+    }
+    return calls;
+}
+
 // Once each, then for good from each on.
-void fail_each_call(const Target& target) {
-    const bool for_good = target.gated < 0 || failures[std::size_t(target.failure)].how != once;
+void fail_each_call(const Target& target, const std::set<int>& calls) {
+    const bool for_good = failure_of(target).how != once;
     now.target = &target;
     for (const bool persistent : {false, true}) {
         if (persistent && !for_good) break;
         now.persistent = persistent;
-        for (now.call = 1;; ++now.call) {
+        for (const int call : calls) {
+            now.call = call;
             play_and_compare();
-            if (!now.faulted) break;
+            if (!now.faulted) remark("is not called again");
             fail_what_is_new();
         }
     }
@@ -334,21 +334,30 @@ bool Run::failing(const char* function) {
     return !std::strcmp(target_name(now.target), function) ||
            !std::strcmp(target_name(now.second), function);
 }
+bool Run::failing(const char* function, std::int64_t result) {
+    const auto gives = [&](const Target* target) {
+        return target && target->gated >= 0 && failure_of(*target).name == function &&
+               failure_of(*target).result == result;
+    };
+    return gives(now.target) || gives(now.second);
+}
 bool Run::for_good() {
     return now.persistent;
 }
-void Run::violation(const char* what) {
-    remark(what);
+void Run::violation(const std::string& what) {
+    remark(what.c_str());
+}
+void Run::keeps(Resource resource, long least, long most) {
+    kept.least[resource] = least;
+    kept.most[resource] = most;
 }
 
 const std::vector<Scenario>& all_scenarios() {
     static const std::vector<Scenario> all = [] {
         std::vector<Scenario> scenarios;
-        for (auto* list : {text_scenarios, portable_scenarios, file_scenarios, system_scenarios}) {
-            list([&](const char* name, Play play) {
-                scenarios.push_back({name, std::move(play)});
-            });
-        }
+        for (auto* list :
+             {case_scenarios, text_scenarios, portable_scenarios, file_scenarios, system_scenarios})
+            list({scenarios});
         return scenarios;
     }();
     return all;
@@ -358,7 +367,6 @@ void begin_sweeps() {
     error_output = reinterpret_cast<HANDLE>(_get_osfhandle(_dup(2)));
     registry();
     put_up_all();
-    figures.called.resize(exports.size());
     figures.failed.resize(failures.size());
     SetUnhandledExceptionFilter([](EXCEPTION_POINTERS*) -> LONG { give_up("crashes"); });
     std::signal(SIGABRT, [](int) { give_up("aborts"); });
@@ -376,15 +384,16 @@ std::string sweep(const Scenario& scenario) {
     now.scenario = &scenario;
     play();  // the platform keeps some things from first use on
     play_and_compare();
-    std::vector<Target> targets = {{-1, -1}};
+    for (Gated& gated : gates)
+        gated.usual = gated.calls > 0;
+    const Target memory = {-1, -1};
+    fail_each_call(memory, calls_to_fail(memory));
     for (std::size_t g = 0; g < gates.size(); ++g) {
-        gates[g].usual = gates[g].calls > 0;
         if (!gates[g].usual || gates[g].kind != failing) continue;
+        const std::set<int> calls = calls_to_fail({int(g), -1});
         for (const int failure : gates[g].failures)
-            targets.push_back({int(g), failure});
+            fail_each_call({int(g), failure}, calls);
     }
-    for (const Target& target : targets)
-        fail_each_call(target);
     now.scenario = nullptr;
     return {remarks, remarks_size};
 }

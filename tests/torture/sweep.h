@@ -12,7 +12,6 @@ namespace torture {
 
 struct Figures {
     long runs = 0, faults = 0, allocations = 0;
-    std::vector<bool> called;  // the exports that were, in the order of exported()
     std::vector<bool> failed;  // the failures that happened, in their table's order
 };
 

@@ -89,20 +89,6 @@ void text_scenarios(const Add& scenario) {
         });
         run.outcome(right, run.raised() || Run::failing("_vsnprintf_s_l"));
     });
-    scenario("String, parts", [](Run& run) {
-        run.completes(memory, [&] {
-            const String parts[] = {text.substr(2),  text.substr(2, 30), text.to_lower(),
-                                    text.to_upper(), text.trim("a"),     text.replace("a", "and")};
-            const ExtString& base = text;
-            ExtString other = base.substr(1, 30);
-            other.upper();
-            other.lower();
-            other += base;
-            ExtString assigned;
-            assigned = other;
-            assigned = ExtString(std::move(other));
-        });
-    });
     const struct {
         const char* name;
         String result;
@@ -126,24 +112,6 @@ void text_scenarios(const Add& scenario) {
             run.outcome(target == c.result, run.raised() && target == text, "the text");
         });
     }
-    scenario("String, XML", [](Run& run) {
-        run.completes(memory, [&] {
-            String escaped("<" + text + ">");
-            escaped.replaceXML();
-            escaped.placeXML();
-        });
-    });
-    scenario("String, split", [](Run& run) {
-        std::vector<String> fields, pieces, read;
-        String joined;
-        run.completes(memory, [&] {
-            fields = text.split(" ", true);
-            pieces = text.split_by_tag(" ");
-            joined = serializeStrArray(fields);
-            read = deserializeStrArray(joined);
-        });
-        run.outcome(fields.size() == 8 && pieces == fields && read == fields, run.raised());
-    });
     scenario("String, printed", [](Run& run) {
         std::ostringstream stream;
         run.call(memory, [&] { stream << text; });
@@ -213,7 +181,8 @@ void text_scenarios(const Add& scenario) {
             shown = static_cast<const ExtDate&>(copy).toString();
             owned->toString();
         });
-        run.outcome(shown.str() == "2010 05 17 12:30:45", true);
+        run.outcome(shown.str() == "2010 05 17 12:30:45",
+                    run.raised() || Run::failing("strftime") || Run::failing("_mktime64"));
     });
 }
 

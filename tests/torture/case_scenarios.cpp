@@ -1,0 +1,70 @@
+// The case files of the suites as scenarios: each block is played with every fault. Up to the first
+// call that comes to something else, all is as the case says. That call comes to its documented
+// failure, and only after a fault.
+#include "support/cases.h"
+#include "support/matches.h"
+#include "torture/scenario.h"
+
+using util_test::Block;
+using util_test::CaseFile;
+using util_test::Step;
+using util_test::Words;
+
+namespace {
+
+std::vector<const Block*>& blocks() {
+    static std::vector<const Block*> all;
+    return all;
+}
+
+Words result_of(const Step& step) {
+    const torture::Run::Armed armed;
+    try {
+        return step.make();
+    } catch (const _com_error& error) {
+        return {"raises", error.Error() == E_OUTOFMEMORY ? "_com_error" : "another _com_error"};
+    }
+}
+
+// Alternatives are separated by " | ". Patterns that say nothing about raising let the call raise
+// that it is out of memory.
+bool is_documented(const std::string& result, std::string patterns) {
+    constexpr char separator[] = " | ";
+    if (patterns.find("raises") == std::string::npos)
+        patterns += " | raises std::bad_alloc | raises _com_error";
+    for (std::size_t end; (end = patterns.find(separator)) != std::string::npos;) {
+        if (util_test::matches(result, patterns.substr(0, end))) return true;
+        patterns.erase(0, end + sizeof separator - 1);
+    }
+    return util_test::matches(result, patterns);
+}
+
+void play(const Block& block, torture::Run& run) {
+    // A path that is too long, which leaks by design.
+    if (torture::Run::failing("GetCurrentDirectoryA", 300))
+        torture::Run::keeps_at_most(torture::heap_blocks, 9);
+    block.play([&](const Step& step) {
+        const Words actual = result_of(step);
+        if (actual == step.expected) return true;
+        const std::string result = util_test::written(actual, step.world);
+        if (!torture::Run::faulted() || !is_documented(result, step.call.failure))
+            run.always(false, "line " + std::to_string(step.line) + ", " + step.call.name + " => " +
+                                  result);
+        return false;
+    });
+}
+
+}  // namespace
+
+void util_test::add_cases(const CaseFile& file) {
+    for (const Block& block : file.blocks) {
+        if (!block.plain) blocks().push_back(&block);
+    }
+}
+
+void torture::case_scenarios(const Add& scenario) {
+    for (const Block* const block : blocks()) {
+        scenario.all.push_back({block->file->stem + ": " + block->title,
+                                [=](Run& run) { play(*block, run); }, true, false});
+    }
+}
