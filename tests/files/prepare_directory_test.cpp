@@ -156,7 +156,7 @@ TEST_F(PrepareDirectoryTest, RecordsWhatItCanAndWaitsForLocksOnlySoLong) {
     std::vector<Write> writes;
     // The first locks the whole file, as anyone may who can read it, until it is released. The
     // other appends a byte before each real write.
-    util::KernelHandle reader, rival;
+    util::FileHandle reader, rival;
     const ImportPatch write(
         "WriteFile", [&](HANDLE file, const void* data, DWORD size, DWORD* moved, OVERLAPPED* at) {
             if (writes.empty()) {
