@@ -37,6 +37,12 @@ bool copy_bytes(int from, int to, std::int64_t count) {
     return true;
 }
 
+// By design, descriptor 0 stays open, as for XrFile.
+struct CopyTraits : util::DescriptorTraits {
+    static void close(int descriptor) { ksl_close(descriptor); }
+};
+using Descriptor = util::ScopedHandle<CopyTraits>;
+
 }  // namespace
 
 int UTIL_copy(const char* source, const char* destination, char keepMode) {
@@ -45,8 +51,8 @@ int UTIL_copy(const char* source, const char* destination, char keepMode) {
     constexpr int reading = _O_RDONLY | internal;
     constexpr int overwriting = _O_WRONLY | _O_CREAT | _O_TRUNC | internal;
     return util::guarded(-1, [&] {
-        const util::ScopedDescriptor from(util::open_descriptor(source, reading).descriptor);
-        const util::ScopedDescriptor to(util::open_descriptor(destination, overwriting).descriptor);
+        const Descriptor from(util::open_descriptor(source, reading).descriptor);
+        const Descriptor to(util::open_descriptor(destination, overwriting).descriptor);
         struct _stat64i32 status;  // its size has only 32 bits
         if (!from || !to || UTF8_stat(source, &status) != 0 ||
             !copy_bytes(from.get(), to.get(), _filelengthi64(from.get()))) {

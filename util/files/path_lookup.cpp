@@ -26,7 +26,7 @@ String search(const String& name, const std::vector<String>& directories, String
     for (std::size_t i = 0; i < directories.size(); ++i) {
         const String& directory = directories[i];  // never empty: the split drops those
         if (directory.view().front() == '%') continue;
-        String candidate = util::join_unless_separated(directory.view(), name.c_str());
+        String candidate = util::join_unless_separated(directory.view(), name.view());
         if (!Tools::fileExists(candidate)) continue;
         if (search_list) {
             String rest;

@@ -111,7 +111,7 @@ std::string computer_domain(const char*& failure) {
         if (GetComputerNameExA(ComputerNameDnsDomain, buffer, &size)) return size;
         if (GetLastError() != ERROR_MORE_DATA) return 0;
         failure = long_domain_failure;
-        return size + 1;
+        return std::max(size + 1, room);  // room or more asks again
     };
     const std::vector<char> ansi = util::fetch_text<char>(usual_room, ask);
     if (ansi.front() == '\0') return {};

@@ -30,7 +30,7 @@ String find_beside_program() {
 }
 
 String find_snapshot_tool() {
-    // A failure there does not end the search.
+    // Running out of memory beside the program must not end the search.
     String beside = util::guarded([] { return String(); }, find_beside_program);
     if (!beside.empty()) return beside;
     for (const char* installed :

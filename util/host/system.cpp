@@ -18,12 +18,15 @@ static_assert(sizeof(UTIL_TimeOfDay) == 8, "two numbers of 32 bits");
 
 namespace {
 
-// Returns 0, or the system's error code.
-DWORD look_up_privilege(const char* name, LUID& luid) {
-    return util::guarded(DWORD{ERROR_NOT_ENOUGH_MEMORY}, [&]() -> DWORD {
+// On failure, `code` is the system's error code.
+bool look_up_privilege(const char* name, LUID& luid, DWORD& code) {
+    code = ERROR_NOT_ENOUGH_MEMORY;
+    return util::guarded(false, [&] {
         std::string ansi_name;
-        if (!util::utf8_to_ansi(name, ansi_name)) return ERROR_NO_SUCH_PRIVILEGE;
-        return LookupPrivilegeValueA(nullptr, ansi_name.c_str(), &luid) ? 0 : GetLastError();
+        const bool is_name = util::utf8_to_ansi(name, ansi_name);
+        if (is_name && LookupPrivilegeValueA(nullptr, ansi_name.c_str(), &luid)) return true;
+        code = is_name ? GetLastError() : ERROR_NO_SUCH_PRIVILEGE;
+        return false;
     });
 }
 
@@ -70,8 +73,8 @@ unsigned long UTIL_ModifyPrivilege(const char* name, int enable) {
     TOKEN_PRIVILEGES request = {};
     request.PrivilegeCount = 1;
     request.Privileges[0].Attributes = enable ? SE_PRIVILEGE_ENABLED : 0;
-    const DWORD code = look_up_privilege(name, request.Privileges[0].Luid);
-    if (code != 0) return code;
+    DWORD code;
+    if (!look_up_privilege(name, request.Privileges[0].Luid, code)) return code;
     if (!AdjustTokenPrivileges(token.get(), FALSE, &request, 0, nullptr, nullptr)) {
         token.release();  // stays open, as the header says
         return GetLastError();

@@ -1,4 +1,5 @@
 // Separators in paths. The contract has several rules for them, so each rule has a function here.
+// UTIL_basename and UTIL_CDPbasename have a rule of their own: they cut at "/" alone.
 #ifndef UTIL_INTERNAL_PATH_H
 #define UTIL_INTERNAL_PATH_H
 

@@ -26,8 +26,9 @@ bool to_utf8(const ScopedKey& key, const char* name, const char* ansi, DWORD siz
 ScopedKey open_machine_key(const char* path, REGSAM access) {
     std::string ansi_path;
     ScopedKey key;
-    if (utf8_to_ansi(path, ansi_path)) {
-        RegOpenKeyExA(HKEY_LOCAL_MACHINE, ansi_path.c_str(), 0, access, key.receive());
+    if (utf8_to_ansi(path, ansi_path) && RegOpenKeyExA(HKEY_LOCAL_MACHINE, ansi_path.c_str(), 0,
+                                                       access, key.receive()) != ERROR_SUCCESS) {
+        key.release();  // what a failed call stores is not a key
     }
     return key;
 }
@@ -35,9 +36,10 @@ ScopedKey open_machine_key(const char* path, REGSAM access) {
 ScopedKey create_machine_key(const char* path, REGSAM access) {
     std::string ansi_path;
     ScopedKey key;
-    if (utf8_to_ansi(path, ansi_path)) {
+    if (utf8_to_ansi(path, ansi_path) &&
         RegCreateKeyExA(HKEY_LOCAL_MACHINE, ansi_path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                        access, nullptr, key.receive(), nullptr);
+                        access, nullptr, key.receive(), nullptr) != ERROR_SUCCESS) {
+        key.release();
     }
     return key;
 }

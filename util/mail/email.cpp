@@ -151,6 +151,14 @@ Outcome write_whole(const std::string& utf8_path, const std::string& text) {
     });
 }
 
+// Converts the path for XrFile.
+Outcome convert(const std::string& path, std::string& utf8_path) {
+    return util::guarded(Outcome::no_memory, [&] {
+        const bool converted = util::ansi_to_utf8(path.c_str(), L"", utf8_path, Page::files);
+        return converted ? Outcome::done : Outcome::failed;
+    });
+}
+
 // Moves `file` into `directory`, under a new name there with "1" at its end. Never replaces a file:
 // a name that is taken, by an old message or by another sender at the same moment, is skipped. An
 // empty placeholder keeps the name (without its "1") until just before the move.
@@ -253,8 +261,10 @@ int email::send_mail(String const& from, String const& to, String const& subject
         const std::string file = create_file(temporary);
         if (file.empty()) return fail(bad_name);
         std::string utf8_file;
-        if (!util::ansi_to_utf8(file.c_str(), L"", utf8_file, Page::files)) {
+        const Outcome named = convert(file, utf8_file);
+        if (named != Outcome::done) {
             DeleteFileA(file.c_str());
+            if (named == Outcome::no_memory) throw std::bad_alloc();
             SetLastError(ERROR_DIRECTORY);
             return fail(bad_name);
         }

@@ -20,15 +20,13 @@ static_assert(offsetof(ksl_mount_record, type) == 1040);
 
 namespace {
 
-using RootList = std::unique_ptr<char[]>;
-
 // Returns the root paths of the drives, each with its NUL, and another NUL after the last. Returns
 // null on failure. The list may grow between the call for its size and the call that fetches it.
-RootList root_list() {
+std::unique_ptr<char[]> root_list() {
     DWORD room = GetLogicalDriveStringsA(0, nullptr);
     if (room == 0) return nullptr;
     for (;;) {
-        RootList list(new (std::nothrow) char[std::size_t{room} + 2]);
+        std::unique_ptr<char[]> list(new (std::nothrow) char[std::size_t{room} + 2]);
         if (!list) return nullptr;
         const DWORD length = GetLogicalDriveStringsA(room, list.get());
         if (length == 0 && room > 1) return nullptr;  // 1 is the size of an empty list
@@ -131,7 +129,7 @@ int ksl_getMntData(char* records, int* capacity) {
     }
     if (!records) return -1;
 
-    const RootList roots = root_list();
+    const std::unique_ptr<char[]> roots = root_list();
     if (!roots) return -1;
     const NoInsertDiskBox no_box;
     int written = 0;

@@ -44,7 +44,7 @@ bool UTIL_Utf8ToWideChar(const char* utf8, _bstr_t* out) {
         return true;
     });
     if (!assigned) _com_issue_error(E_OUTOFMEMORY);  // the exception that the header promises
-    return assigned;
+    return true;
 }
 
 bool UTIL_Utf8ToMultiByte(const char* utf8, String* out) {

@@ -64,9 +64,11 @@ UTIL_EXTERN_C_BEGIN
 ///
 ///     String message, failed;
 ///     int kind = 0;
-///     UTIL_prepareAndCreateDir("C:\\mnt\\r1", message, "C:\\agent\\made.rec", failed, &kind)   //
-///     0 XrFile record("C:\\agent\\made.rec", "r"); String directory; record >> directory;   //
-///     "C:\mnt\r1\", if C:\mnt existed before
+///     // returns 0
+///     UTIL_prepareAndCreateDir("C:\\mnt\\r1", message, "C:\\agent\\made.rec", failed, &kind);
+///     XrFile record("C:\\agent\\made.rec", "r");
+///     String directory;
+///     record >> directory;  // "C:\mnt\r1\", if C:\mnt existed before
 UTIL_API unsigned long UTIL_prepareAndCreateDir(const String& path, String& message,
                                                 const String& trackingFile, String& failedPath,
                                                 int* kind);

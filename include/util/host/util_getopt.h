@@ -24,9 +24,8 @@ UTIL_EXTERN_C_BEGIN
 /// By design:
 /// - The first character need not be a dash.
 /// - An option that is not in `letters` is returned like any other.
-/// - A missing argument is read from behind the last one. So `args` must have a null entry after
-/// its
-///   `count` entries, as those of `main` have.
+/// - A missing argument is read from behind the last one. So `args` must end in a null entry, as
+///   the arguments of `main` do.
 ///
 /// Any thread may call it. It keeps no state. Example:
 ///

@@ -61,15 +61,15 @@ class UTIL_API Poll {
         /// - The peer sends data and then resets the connection.
         /// - This end called `shutdown(SD_SEND)`, and the peer answers with data and a close.
         ///
-        /// Any callback may miss an end or an empty datagram that arrives at the very moment in
-        /// which an event without data is reset. Close a connection that is idle for too long.
+        /// Any callback may miss an end or an empty datagram that arrives while run() resets an
+        /// event that came without data. Close a connection that is idle for too long.
         ///
         /// After the end, call remove() and close the socket. Otherwise some platforms report the
         /// end again and again, and run() never times out. The same happens with an empty datagram
         /// that is not read.
         ///
-        /// May register and remove any source, this one included. May call run(). Must not destroy
-        /// the poller. An exception leaves run(), and the poller stays usable.
+        /// The callback may register and remove any source, this one included. It may call run().
+        /// It must not destroy the poller. An exception leaves run(), and the poller stays usable.
         virtual void ready(int fd, int events) = 0;
     };
 
@@ -89,9 +89,9 @@ class UTIL_API Poll {
     /// discards its pending input.
     ///
     /// A source that cannot be waited for is registered but never served. Examples are a socket
-    /// whose event could not be created, and standard input that is closed, as long as its number
-    /// is not in use again. Standard input that is not a console (a file or a pipe) is always
-    /// ready, so run() never times out.
+    /// whose event could not be created, and closed standard input. But if other code of the
+    /// process has reused the number of that closed handle, the new handle is waited for. Standard
+    /// input that is not a console (a file or a pipe) is always ready, so run() never times out.
     void append(int fd, Callback* callback);
 
     /// Unregisters source `fd`. A socket stays open and non-blocking. If `fd` is not registered,
@@ -101,7 +101,7 @@ class UTIL_API Poll {
 
     /// Serves the sources until one wait takes `timeout` milliseconds. With Infinite, serves as
     /// long as there are sources. If there is nothing to wait for, sleeps for `timeout` and
-    /// returns. With Infinite it then returns at once.
+    /// returns, or returns at once with Infinite.
     ///
     /// Repeats a wait that fails, without the handles that cannot be waited for. An event without
     /// anything to read causes no callback. Discards console input that the callback did not read.

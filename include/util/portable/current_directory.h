@@ -9,11 +9,11 @@
 UTIL_EXTERN_C_BEGIN
 
 /// Returns the current directory in UTF-8. It has no trailing backslash, unless it is a drive's
-/// root. Returns `""` if the platform cannot tell the directory, or if out of memory.
+/// root. Returns `""` if the platform's call fails, or if out of memory.
 ///
-/// The library makes the platform's ANSI call. If that call replaced characters that its code page
-/// lacks, the result is the true name, which the wide call returns. Returns `""` for a name that is
-/// not valid Unicode (an unpaired surrogate).
+/// Calls the platform's ANSI function. If that replaces characters that its code page lacks, the
+/// result is the true name, which the wide function returns. Returns `""` for a name that is not
+/// valid Unicode (an unpaired surrogate).
 ///
 /// Any thread may call this function, but the directory belongs to the whole process. By design,
 /// each call leaks one block if the directory has 260 bytes or more in the code page: the block

@@ -12,7 +12,7 @@
 UTIL_EXTERN_C_BEGIN
 
 /// Closes a descriptor, as `_close` does. Returns 0, or -1 with errno. By design, descriptor 0 is
-/// never closed and gives 0 at once: a stray zero cannot close standard input of the process.
+/// never closed and the call returns 0 at once: a stray zero cannot close standard input.
 UTIL_API int ksl_close(int descriptor);
 
 /// Writes or reads `count` bytes, as `_write` and `_read` do. Returns the number of bytes moved,

@@ -21,12 +21,12 @@ UTIL_EXTERN_C_BEGIN
 /// So pass a zeroed buffer.
 ///
 /// By design, the bytes of the socket library are passed on unconverted. Host names are ASCII by
-/// the rules of DNS. Any other name is in the process's ANSI code page, not in UTF-8. It has
-/// similar characters or "?" for those that the page lacks. Do not use it as UTF-8, and do not tell
-/// machines apart by it. Calls of the socket library find the machine by these bytes.
+/// the rules of DNS. Any other name is in the process's ANSI code page, not in UTF-8. Characters
+/// that the page lacks are replaced by similar ones or by "?". Do not use such a name as UTF-8, and
+/// do not tell machines apart by it. Calls of the socket library find the machine by these bytes.
 ///
 /// Returns 0. Returns -1, with `buf` unchanged, if `size` is too small, if the socket library does
-/// not start with version 2.0, or if it has no name. A null `buf` gives -1 with errno 22 before
+/// not start with version 2.0, or if it returns no name. A null `buf` gives -1 with errno 22 before
 /// anything is started. Other failures do not set errno.
 ///
 ///     char name[256] = "";
@@ -42,9 +42,9 @@ UTIL_API int ksl_gethostname(char* buf, unsigned int size);
 /// `records` must hold `max` * 21 bytes. All of them are zeroed first. `*count` is set to the
 /// number of records written. Addresses beyond `max` are skipped.
 ///
-/// Returns 0. Returns -1, with `*count` 0 and zeroed records, if there is no name, if the lookup
-/// fails, or if it returns anything but IPv4 addresses. A null `count` or `records`, or a negative
-/// `max`, gives -1 with errno 22 and writes nothing. Other failures do not set errno.
+/// Returns 0. Returns -1, with `*count` 0 and zeroed records, if ksl_gethostname fails, if the
+/// lookup fails, or if the lookup returns anything but IPv4 addresses. A null `count` or `records`,
+/// or a negative `max`, gives -1 with errno 22 and writes nothing. Other failures do not set errno.
 ///
 ///     char records[4 * 21];
 ///     int count;

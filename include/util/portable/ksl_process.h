@@ -32,24 +32,25 @@ UTIL_EXTERN_C_BEGIN
 UTIL_API int ksl_system(const char* command);
 
 /// Runs a program without the interpreter (no redirection, no built-in commands) and waits for it
-/// without a limit. `command` is the program and its arguments in UTF-8. Paths with blanks are
-/// quoted. The child gets the caller's environment and current directory. It inherits no handle.
+/// without a limit. `command` is the program and its arguments in UTF-8. Put double quotes around a
+/// path with blanks. The child gets the caller's environment and current directory. It inherits no
+/// handle.
 ///
 /// Returns the child's exit code, all 32 bits as a signed number. Returns -1 on failure. A child
-/// that exits with -1 gives the same result. The last error is the cause: no such program, wait
-/// failed, or exit code unreadable. errno is 12 if out of memory, and 22 for a null command.
+/// that exits with -1 gives the same result. After a failure, the last error is the cause: no such
+/// program, wait failed, or exit code unreadable. errno is 12 if out of memory, and 22 for a null
+/// command.
 ///
 /// A command fails like a missing program, with last error 2, if the code page of file calls cannot
-/// hold it exactly, or not in 32,766 bytes. That page is the ANSI page, or the OEM page after the
-/// platform's `SetFileApisToOEM`.
+/// represent it exactly, or if it has more than 32,766 bytes in that page. That page is the ANSI
+/// page, or the OEM page after the platform's `SetFileApisToOEM`.
 ///
 ///     ksl_system2("\"C:\\Program Files\\Agent\\check.exe\" --quick")   // exit code of check.exe
 UTIL_API int ksl_system2(const char* command);
 
 /// Starts `command` with the command interpreter and a pipe to it. This is the runtime's `_popen`:
 /// its result and errno are unchanged. With `mode` `"r"` the stream reads what the command prints.
-/// With
-/// `"w"` it writes what the command reads. A `"b"` or `"t"` after that selects binary or text.
+/// With `"w"` it writes what the command reads. A `"b"` or `"t"` after that selects binary or text.
 ///
 /// Returns the stream. Close it with ksl_pclose. A command that the interpreter does not find also
 /// gives a stream. Returns null with errno on failure: 22 for a bad mode and for null arguments.

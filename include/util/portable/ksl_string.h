@@ -2,8 +2,9 @@
 /// Functions for NUL-terminated byte strings, with the same results on every platform.
 ///
 /// Letters and white space are those of ASCII, whatever the locale: bytes from 0x80 up are neither.
-/// A status is 0, or -1 for failure. A text that a function returns or stores comes from `malloc`.
-/// The caller frees it with `free`. Any thread may call these functions.
+/// A status is 0, or -1 for failure. Texts and bytes from ksl_strdup, ksl_unicode2CodedChar and
+/// ksl_codedChar2Unicode come from `malloc`, and the caller frees them with `free`. Any thread may
+/// call these functions.
 ///
 /// Diagnostics go to standard output. Each is one line: the message, a colon, a blank and the
 /// number 3, for example "NULL s1 passed to ksl_strcasecmp: 3".
@@ -39,8 +40,8 @@ UTIL_API char* ksl_strdup(const char* s);
 ///     ksl_strcasecmp("b", "A")      // 1
 ///     ksl_strcasecmp("[", "a")      // -6
 ///
-/// A null argument prints "NULL s1 passed to ksl_strcasecmp" (or s2), then is dereferenced (access
-/// violation). By design.
+/// For a null argument, prints "NULL s1 passed to ksl_strcasecmp" (or s2), then dereferences null
+/// (access violation). By design.
 UTIL_API int ksl_strcasecmp(const char* s1, const char* s2);
 
 /// Changes `s` to upper or lower case in place. Returns `s`, which may be null.
@@ -51,8 +52,7 @@ UTIL_API char* ksl_str2lower(char* s);
 
 /// Changes the one byte at `pos` to upper case in place. Returns `s`, or null if `s` is null or
 /// `pos` is not below the length. By design, a negative `pos` is not refused: it changes a byte
-/// before `s`.
-/// `"abc"` with `pos` 1 becomes `"aBc"`.
+/// before `s`. `"abc"` with `pos` 1 becomes `"aBc"`.
 UTIL_API char* ksl_char2upper(char* s, int pos);
 
 /// Encodes bytes that may contain NUL as a text without NUL. Stores the text, on the heap, in
@@ -67,8 +67,7 @@ UTIL_API char* ksl_char2upper(char* s, int pos);
 /// - "NULL pwch passed to ksl_unicode2CodedChar"
 /// - "Invalid length for ksl_unicode2CodedChar": `len` is below 1.
 /// - "Error allocating memory for ksl_unicode2CodedChar": out of memory, or 16 * `len` + 24 exceeds
-/// an
-///   int.
+///   an int.
 ///
 /// A null `out` gives -1 without a message.
 UTIL_API int ksl_unicode2CodedChar(const void* pwch, int len, char** out);
@@ -84,7 +83,7 @@ UTIL_API int ksl_unicode2CodedChar(const void* pwch, int len, char** out);
 /// - "NULL pwch passed to ksl_codedChar2Unicode"
 /// - "Invalid length for ksl_codedChar2Unicode": `len` is below 1.
 /// - "Error allocating memory for ksl_codedChar2Unicode": out of memory, or 8 * `len` exceeds an
-/// int.
+///   int.
 /// - "Invalid format for ksl_codedChar2Unicode": neither 01 nor 02 follows a 02.
 ///
 /// A null `out` gives -1 without a message.
@@ -94,13 +93,12 @@ UTIL_API int ksl_codedChar2Unicode(const void* coded, int len, char** out);
 ///
 /// Words are separated by any number of the bytes in `delimits`. They are never empty. A word
 /// matches byte by byte as a whole: `"b"` is a word of `"a, b,c"` with the delimiters `", "`, but
-/// `"B"` and
-/// `""` are not. The list is searched in place: the function allocates nothing, and leaves the
-/// hidden state of `strtok` unchanged.
+/// `"B"` and `""` are not. The list is searched in place: the function allocates nothing, and
+/// leaves the hidden state of `strtok` unchanged.
 ///
-/// A null argument prints "NULL token_str passed to ksl_match_token_str", "NULL token passed to
-/// ksl_match_token_str_aux" or "NULL delimits passed to ksl_match_token_str_aux", then is
-/// dereferenced (access violation). By design. If the list has no words, a null `token` is not
+/// For a null argument, prints "NULL token_str passed to ksl_match_token_str", "NULL token passed
+/// to ksl_match_token_str_aux" or "NULL delimits passed to ksl_match_token_str_aux", then
+/// dereferences null (access violation). By design. If the list has no words, a null `token` is not
 /// dereferenced, and the result is 0.
 UTIL_API int ksl_match_token_str(const char* token_str, const char* token, const char* delimits);
 

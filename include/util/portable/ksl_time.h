@@ -19,7 +19,7 @@
 UTIL_EXTERN_C_BEGIN
 
 /// Reads the 24 characters of the runtime's `ctime` from `text` into `*out`. Columns count from 0.
-/// With "Wed Mar 03 10:11:12 2010":
+/// For example, in "Wed Mar 03 10:11:12 2010":
 ///
 ///     column  characters                              field
 ///     0       day name, one of "Sun" to "Sat"         tm_wday
@@ -39,16 +39,16 @@ UTIL_EXTERN_C_BEGIN
 /// - 1900 (0) and 2300 (400) count one day more in every month.
 /// - Other leap years count it from March on.
 ///
-/// The text above gives `tm_yday` 61. 1 March gives 60 in 2024, and 59 in 2000. A `tm_mon` below 0
-/// counts no months before the day, and one above 11 counts all twelve.
+/// The text above gives `tm_yday` 61. 1 March gives 60 in 2024, and 59 in 2000. If `tm_mon` is
+/// below 0, no months are counted before the day. If it is above 11, all twelve are.
 UTIL_API void ksl_strptime(const char* text, struct tm* out);
 
 /// Stores the local broken-down time of `*t` in `*out`. Returns 0, or the runtime's error code: 22
 /// (EINVAL) for a time before 1970 or after the year 3000, and for null arguments.
 UTIL_API int ksl_localtime(const int64_t* t, struct tm* out);
 
-/// Writes the local time of `*t` to `buf`, of `size` bytes, in the format "%Y %m %d %H:%M:%S".
-/// Example: "2010 03 07 14:05:09".
+/// Writes the local time of `*t` to `buf`, of `size` bytes, in the format `"%Y %m %d %H:%M:%S"`.
+/// Example: `"2010 03 07 14:05:09"`.
 ///
 /// Returns the length without the NUL, which is 19. Returns 0 if `size` is below 20 or `buf` is
 /// null. Returns the error code of ksl_localtime if that fails. By design, the length and the code

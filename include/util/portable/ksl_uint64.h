@@ -26,7 +26,7 @@ struct u_hyper {
 ///
 /// Status: status() returns one word of the whole process. 0 is no error. Only construction from
 /// text sets another code. "Status 0" below means that the operation resets it. Every other
-/// operation leaves it unchanged. A compound assignment sets what its operator sets.
+/// operation leaves it unchanged. A compound assignment sets the status as its plain operator does.
 ///
 /// Threads: Different threads may use different objects. All threads share the status word and the
 /// buffers of to_hex and to_decimal, so these may contain what another thread wrote. to_hex_r and
@@ -41,7 +41,7 @@ class UTIL_API ksl_uint64_c {
     /// Takes the low half FIRST: `ksl_uint64_c(5, 1)` is 4294967301. Status 0.
     ksl_uint64_c(util::ulong32 low, util::ulong32 high);
 
-    /// Extends the sign of 32 bits: `ksl_uint64_c(-1)` is 2^64-1. Status 0.
+    /// Takes a signed 32-bit number and extends its sign: `ksl_uint64_c(-1)` is 2^64-1. Status 0.
     /// @{
     ksl_uint64_c(int v);
     ksl_uint64_c(long v);
@@ -59,8 +59,8 @@ class UTIL_API ksl_uint64_c {
 
     /// Computes each half on its own: the high half from `v` / 2^32, the low half from `v`.
     /// Truncates that number to a signed 64-bit integer and keeps the low 32 bits. By design, -1.0
-    /// gives 0x00000000FFFFFFFF, unlike -1. A half is 0 if its number fits no such integer: 1e300
-    /// and NaN give 0, and 2^63 keeps its high half. The status is unchanged.
+    /// gives 0x00000000FFFFFFFF, unlike -1. If the number does not fit, that half is 0: 1e300 and
+    /// NaN give 0, and 2^63 keeps its high half. The status is unchanged.
     ksl_uint64_c(double v);
 
     ksl_uint64_c(u_hyper h);  ///< Takes both halves. The status is unchanged.

@@ -1,6 +1,6 @@
 /// @file
 /// Converts text between UTF-8, the platform's wide (UTF-16) strings and the process's ANSI code
-/// page. The library keeps every text in UTF-8. It converts all its texts by the code of these four
+/// page. The library keeps every text in UTF-8. All its conversions use the code of these four
 /// functions.
 ///
 /// Any thread may call these functions. They share no state. An input ends at its NUL. Invalid
@@ -25,9 +25,8 @@ UTIL_EXTERN_C_BEGIN
 UTIL_API bool UTIL_WideCharToUtf8(const wchar_t* wide, String* out);
 
 /// Converts `wide` to the process's ANSI code page. Returns true on success. Returns false and
-/// leaves
-/// `*out` unchanged on failure. Always fails in a process whose ANSI page is UTF-8: the platform
-/// refuses the flags of this conversion for that page.
+/// leaves `*out` unchanged on failure. Always fails in a process whose ANSI page is UTF-8: the
+/// platform refuses the flags of this conversion for that page.
 ///
 /// The platform replaces a character that the page lacks. It takes the page's best fit, such as "A"
 /// for a fullwidth A. Without a best fit it takes the page's default character, usually "?". So

@@ -5,8 +5,7 @@
 /// Any thread may call these functions. They share no state. A path ends at its NUL. A path cannot
 /// be converted if it is null, has 2,147,483,647 bytes or more, or if out of memory for the
 /// conversion. Invalid UTF-8 becomes U+FFFD. If out of memory for the wide path, the functions
-/// raise the platform's
-/// `_com_error`, as UTIL_Utf8ToWideChar does.
+/// raise the platform's `_com_error`, as UTIL_Utf8ToWideChar does.
 #ifndef UTIL_PORTABLE_UTF8_FILES_H
 #define UTIL_PORTABLE_UTF8_FILES_H
 
@@ -75,7 +74,7 @@ UTIL_API int UTF8_stat(const char* path, struct _stat64i32* record);
 /// `data` receives the platform's record unchanged. `name` receives the name of the found file in
 /// UTF-8 with its NUL. The platform's names have up to 259 units, so `name` needs room for 778
 /// bytes. `name` may be null. If the path or the name cannot be converted, or `data` is null,
-/// nothing stays open and the last error is 123.
+/// returns the invalid handle with last error 123 and leaves nothing open.
 UTIL_API void* UTF8_FindFirstFile(const char* path, struct _WIN32_FIND_DATAW* data, char* name);
 
 /// Continues a search with `FindNextFileW`. Returns 1 with `data` and `name` filled, or 0. The last

@@ -42,8 +42,8 @@ class ExtTime;  // util/text/date.h
 ///   `replaceXML` and `placeXML` use the NUL-terminated view. They drop what follows an embedded
 ///   NUL.
 /// - Construction from a `String`, comparison, `hash`, `trim`, `substr`, `first`, `last`,
-/// `prepend`,
-///   `split`, `hasUnprintable`, the version tests and `toDate` use the full stored length.
+///   `prepend`, `split`, `hasUnprintable`, the version tests and `toDate` use the full stored
+///   length.
 class UTIL_API String : public extstl::ExtString {
   public:
     /// A single line feed on every platform. Exists while the library is loaded.
@@ -152,9 +152,9 @@ class UTIL_API String : public extstl::ExtString {
     /// `String("a-b").replace("-", "")` is `"ab"`.
     [[nodiscard]] String replace(const char* from, const char* to) const;
 
-    /// Escapes `&`, `<`, `>`, `"` and the apostrophe as `&amp;`, `&lt;`, `&gt;`, `&quot;` and
-    /// `&apos;` in this object, up to its first NUL. Returns a copy. If out of memory, this object
-    /// is unchanged.
+    /// Escapes `&`, `<`, `>`, the double quote and the apostrophe as `"&amp;"`, `"&lt;"`,
+    /// `"&gt;"`, `"&quot;"` and `"&apos;"` in this object, up to its first NUL. Returns a copy. If
+    /// out of memory, this object is unchanged.
     ///
     /// By design, double quotes around a whole text of two bytes or more are unchanged. By design,
     /// a tab is not escaped, although `placeXML` reads `"&#x9;"`.
@@ -243,9 +243,9 @@ class UTIL_API String : public extstl::ExtString {
     /// Returns the fields between separators. Every byte of `separators` is a separator on its own.
     /// The empty string has no fields. Without separators the whole string is one field.
     ///
-    /// If `skipEmpty` is true, returns only the fields that are not empty. Otherwise returns one
-    /// field before, between and after separators, empty or not. By design, a text of nothing but
-    /// separators then raises `std::bad_alloc`.
+    /// If `skipEmpty` is true, returns only the fields that are not empty. If it is false, returns
+    /// one field before, between and after separators, empty or not. By design, a text of nothing
+    /// but separators raises `std::bad_alloc` if `skipEmpty` is false.
     ///
     ///     String(" a  b ").split(" ", true)    // {"a", "b"}
     ///     String(" a  b ").split(" ", false)   // {"", "a", "", "b", ""}
@@ -262,9 +262,9 @@ class UTIL_API String : public extstl::ExtString {
     /// Normalises white space in this object, up to its first NUL. Returns a copy. If out of
     /// memory, this object is unchanged.
     ///
-    /// A white-space or control byte is dropped at the start and after white space. It becomes a
-    /// blank elsewhere. Bytes from 0x80 up are ordinary. A control byte is not white space, so two
-    /// blanks can remain:
+    /// A white-space or control byte is dropped if it is the first byte or comes after white space.
+    /// Otherwise it becomes a blank. Bytes from 0x80 up are ordinary. A control byte such as 0x01
+    /// is not white space, so a blank after it is kept:
     ///
     ///     String("  a \t b  ").squeeze_spaces()   // "a b "
     ///     String("a\x01 b").squeeze_spaces()      // "a  b"

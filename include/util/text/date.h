@@ -40,11 +40,11 @@ class UTIL_API ExtDate {
     ExtDate& operator=(const ExtDate& other);
     /// @}
 
-    /// Returns whether the fields form a time.
+    /// Returns whether the date is valid (see the comment of ExtDate).
     bool isValid() const;
 
-    /// Returns the fields in the format of the runtime's `strftime`. Returns `""` if the date is
-    /// not valid, if the pattern is null or rejected, or if the text has more than 127 bytes.
+    /// Returns the fields formatted by the runtime's `strftime`. Returns `""` if the date is not
+    /// valid, if `pattern` is null or rejected, or if the text has more than 127 bytes.
     /// `ExtDate(5, 3, 7).text("%d.%m.%y")` is `"05.03.07"`.
     ///
     /// Names and orders are those of the "C" locale, whatever locale the host program sets: `"%c"`
@@ -77,9 +77,8 @@ class UTIL_API ExtTime : public ExtDate {
     ~ExtTime() override;
 
     /// Returns the text of the date, a blank, and the time of day as `"%H:%M:%S"`. By design,
-    /// returns
-    /// `""` for the time 1. By design, returns a blank and the time of day for a date that is not
-    /// valid.
+    /// returns `""` for the time 1. By design, returns a blank and the time of day for a date that
+    /// is not valid.
     ExtString toString() const override;
 
     ExtTime();  ///< Now, with an empty label.

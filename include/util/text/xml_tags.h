@@ -19,16 +19,15 @@
 UTIL_API int UTIL_addTag(String& document, const String& tag, const String& value);
 
 /// Stores the text of the first element `tag` in `value`, decoded as by `String::placeXML`, and
-/// returns 0. The text begins after the first escaped tag that is directly followed by `">"`. It
-/// ends before the next `"<"`.
+/// returns 0. Searches for `tag` escaped as by `String::replaceXML`. The text begins after the
+/// first place where `">"` directly follows the escaped tag. It ends before the next `"<"`.
 ///
 /// Returns -1, with `value` unchanged, if either is missing, if the text is a double quote alone,
 /// or if out of memory. Raises nothing.
 ///
 /// By design, the bytes before the tag are ignored, so `"</k>"` and `"<disk>"` also begin an
-/// element
-/// `"k"`. By design, a start tag with attributes does not begin one, and nested elements are not
-/// supported. Choose names of which none is the end of another.
+/// element `"k"`. By design, a start tag with attributes does not begin one, and nested elements
+/// are not supported. Choose names so that no name ends with another.
 ///
 ///     UTIL_extractTag("<k>1&lt;2</k>", "k", value)   // 0, and value is 1<2
 UTIL_API int UTIL_extractTag(const String& document, const String& tag, String& value);
