@@ -81,6 +81,9 @@ foreach(name gives-the-same-zip builds-by-vcpkg)  # in the build folder of the f
     set_property(TEST package.${name} APPEND PROPERTY FIXTURES_REQUIRED rebuilt)
     set_property(TEST package.${name} PROPERTY RESOURCE_LOCK rebuilt)
 endforeach()
+package_run_test(deploys-without-runtime-dlls deploys_without_runtime_dlls)
+set_property(TEST package.deploys-without-runtime-dlls APPEND PROPERTY LABELS thorough)
+set_property(TEST package.deploys-without-runtime-dlls APPEND PROPERTY FIXTURES_REQUIRED rebuilt)
 
 # Each page of the guide shows a program and what it prints.
 package_test(guide.manifest "" shows_the_manifest)

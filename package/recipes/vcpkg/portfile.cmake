@@ -1,5 +1,7 @@
 # An overlay port that builds the tree it lies in:
-#     vcpkg install util --triplet x64-mingw-dynamic --overlay-ports=package/recipes/vcpkg
+#     vcpkg install util --triplet x64-mingw-dynamic --overlay-ports=package/recipes/vcpkg --no-binarycaching
+# On Windows also: --host-triplet x64-mingw-dynamic
+# vcpkg's cache does not see a change of the sources, because they lie outside the port's folder.
 # The compiler must be the one of MSYS2's MINGW64 environment. The tests run this file on Debian, with
 # stand-ins for vcpkg's functions. vcpkg itself has not been run.
 vcpkg_check_linkage(ONLY_DYNAMIC_LIBRARY)
