@@ -110,13 +110,13 @@ bool XrFile::read_number(int& value) {
 }
 
 XrFile& XrFile::operator>>(long& value) {
-    int number;
+    int number = 0;
     if (read_number(number)) value = number;
     return *this;
 }
 
 XrFile& XrFile::operator>>(unsigned short& value) {
-    int number;
+    int number = 0;
     if (read_number(number)) value = static_cast<unsigned short>(number);
     return *this;
 }
