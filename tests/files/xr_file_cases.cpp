@@ -95,7 +95,7 @@ struct World : util_test::CaseWorld {
             return -1;
         });
     }
-    // The flags and the permission that Open() hands on; with a code, what it comes to when the
+    // The flags and the permission that Open() hands on; with a code, the result when the
     // platform fails with it, and the number of attempts.
     Words open_flags(const char* mode) {
         int flags = 0, permission = 0;

@@ -28,7 +28,7 @@ const std::string no_domain =
     "list of hosts.\nResolution:\n If you know the domain name this computer should query for a "
     "list of hosts, create a String value in the registry key HKLM\\SOFTWARE\\Vorn\\Vorn Quillmark "
     "Tessaron\\Server called ComputerDomainName and specify the correct domain name";
-// Before and behind the domain.
+// Before and after the domain.
 const std::string no_hosts[] = {
     "No valid 'A' host entries were returned while executing the following nslookup "
     "command:\nls -t A ",

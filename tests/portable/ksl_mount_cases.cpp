@@ -12,7 +12,7 @@ using util_test::Words;
 
 namespace {
 
-constexpr std::size_t record_size = 1056, kind_size = 8;  // with a NUL behind the kind
+constexpr std::size_t record_size = 1056, kind_size = 8;  // with a NUL after the kind
 
 struct Drive {
     int serial;
@@ -20,10 +20,10 @@ struct Drive {
     UINT type;
 };
 
-// A machine made of drives, from C: on, behind the calls through which the library sees them.
+// A machine with made-up drives, from C: on. The calls that the library makes see them.
 struct World : util_test::CaseWorld {
     // The number of records; of each, the serial number, the root, the file system and the kind.
-    // Nothing else may be written: not behind the texts, nor into one record more.
+    // Nothing else may be written: not after the texts, nor in one record more.
     Words records(int capacity) {
         const int given = capacity;
         std::string bytes(record_size * std::size_t(capacity + 1), '\xA5');
@@ -40,7 +40,7 @@ struct World : util_test::CaseWorld {
                 std::memset(record + field, '\xA5', text.size() + nul);
             }
             record[1048] = record[1048] == '\0' ? '\xA5' : '!';
-            // "removable" is cut by that NUL, and has its own behind it.
+            // "removable" is cut by that NUL, and has its own after it.
             if (words.back() == "removabl") record[1049] = record[1049] == '\0' ? '\xA5' : '!';
         }
         EXPECT_EQ(bytes.find_first_not_of('\xA5'), std::string::npos);

@@ -1,4 +1,4 @@
-// Cases as text: a file of calls with their results, and the C++ function behind the name of each
+// Cases as text: a file of calls with their results, and the C++ function for the name of each
 // call. docs/testing.md describes the format.
 //
 //     struct World : util_test::CaseWorld {
@@ -35,7 +35,7 @@ struct CaseWorld {
     std::map<std::string, std::string> values;  // what $name stands for
 };
 
-// A call's name in case files and the function behind it.
+// A call's name in case files, and its function.
 struct Call {
     std::string name;
     std::size_t arguments;

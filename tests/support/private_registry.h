@@ -50,7 +50,7 @@ class PrivateRegistry {
     void create(const std::string& key) { Key(HKEY_LOCAL_MACHINE, key); }
 
     // Stores exactly these bytes, in the ANSI code page when the type is a text's. (The platform
-    // would add a NUL that it finds behind the bytes; so it finds something else.)
+    // would add a NUL that it finds after the bytes; so it finds something else.)
     void set(const std::string& key, const char* name, DWORD type, const std::string& bytes) {
         const std::string guarded = bytes + "X";
         require(RegSetValueExA(Key(HKEY_LOCAL_MACHINE, key).get(), name, 0, type,
@@ -80,7 +80,7 @@ class PrivateRegistry {
     Key m_root;
 };
 
-// While it lives the key lets everybody in as far as `access` says: nobody with 0.
+// While the object exists, `access` is what everybody may do with the key. 0 is nothing.
 class AccessLimit {
   public:
     AccessLimit(const std::string& key, DWORD access) : m_key(HKEY_LOCAL_MACHINE, key) {

@@ -24,7 +24,7 @@ void set_zone(const std::string& zone) {
 #endif
 }
 
-// What a call comes to in each of three time zones; in one word list if it is the same.
+// The results of a call in each of three time zones, or one result if all are the same.
 template <typename Call>
 Words in_zones(Call make) {
     Words results;

@@ -65,7 +65,7 @@ struct World : util_test::CaseWorld {
     }
 };
 
-// A call that changes the object and comes to it.
+// A call that changes the object. Its result is the object.
 template <typename... Arguments>
 util_test::Call changing(const char* name, void (*change)(String& s, Arguments... arguments)) {
     return call(name, no_memory, [change](World& w, Arguments... arguments) {

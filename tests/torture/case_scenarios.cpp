@@ -1,5 +1,5 @@
-// The case files of the suites as scenarios: each block is played with every fault. Up to the first
-// call that comes to something else, all is as the case says. That call comes to its documented
+// The case files of the suites as scenarios: each block is played with every fault. Every result up
+// to the first one that differs must be as written. The first that differs must be the documented
 // failure, and only after a fault.
 #include "support/cases.h"
 #include "support/matches.h"

@@ -29,7 +29,7 @@ std::vector<String> String::split(const String& separators, bool skipEmpty) cons
     std::vector<String> fields;
     if (empty()) return fields;
 
-    // Counting first lets the list be allocated once, at its size.
+    // Counting first: the list is allocated once, at its size.
     const util::Places marks(view(), util::kernels::Members(separators.view()));
     const std::size_t filled = count_filled(marks, size());
     // A text of separators alone: the described count of its empty fields wraps around and exhausts

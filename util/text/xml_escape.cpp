@@ -136,7 +136,7 @@ String String::replaceXML() {
     const std::size_t visible_size = inside.size() + 2 * quotes;
     if (places.empty() && visible_size == size()) return *this;
 
-    // Counting first lets the result be allocated once, at its size.
+    // Counting first: the result is allocated once, at its size.
     std::size_t escaped_size = visible_size;
     places.for_each(
         [&](std::size_t at) { escaped_size += (written_as(inside[at]) >> size_shift) - 1; });

@@ -1,6 +1,6 @@
 /// @file
 /// Prepares the directory tree on which a replica is mounted. A record of the created directories
-/// lets a later clean-up remove exactly those.
+/// allows a later clean-up to remove exactly those.
 #ifndef UTIL_FILES_PREPARE_DIRECTORY_H
 #define UTIL_FILES_PREPARE_DIRECTORY_H
 

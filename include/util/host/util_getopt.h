@@ -24,7 +24,7 @@ UTIL_EXTERN_C_BEGIN
 /// By design:
 /// - The first character need not be a dash.
 /// - An option that is not in `letters` is returned like any other.
-/// - A missing argument is read from behind the last one. So `args` must end in a null entry, as
+/// - A missing argument is read from after the last one. So `args` must end in a null entry, as
 ///   the arguments of `main` do.
 ///
 /// Any thread may call it. It keeps no state. Example:
