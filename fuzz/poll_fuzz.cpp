@@ -90,7 +90,7 @@ class World {
             if (s) expected.push_back(s->event);
         }
         require(handles == expected, "a wait for all events, in the order of the slots");
-        require(++m_waits < 1000, "run comes to rest");
+        require(++m_waits < 1000, "run ends");
         for (const Source& s : m_sources)
             await_event(s);
     }

@@ -206,7 +206,7 @@ class Side {
 
     // Takes a step and returns what the operation returns and stores. C constructs, K copies, A
     // assigns, s seeks, e asks IsEmpty, E asks Eof. I L U T S read a value, i l u t p g write one.
-    // P and O open a pipe and a file in text mode behind the objects' backs, Q closes them.
+    // P and O open a pipe and a file in text mode without the objects, Q closes them.
     std::string perform(char verb, int at, int number) {
         constexpr const char* modes[] = {"r", "r+", "rt", "w", "a+", "w+t", "rw", "t", "", nullptr};
         const char* const mode = modes[number % std::size(modes)];

@@ -12,7 +12,7 @@ using util_test::Words;
 
 namespace {
 
-// A Windows as a case wants it: editions and versions that no setting brings about.
+// Replaces the calls for the version, so that a case can choose any edition and version.
 struct World : util_test::CaseWorld {
     World() {
         values["any"] = "65535";

@@ -20,8 +20,8 @@ inline std::string drop_body() {
     return body + "end";
 }
 
-// A service IISADMIN, or of another name, for as long as this lives, stopped at first. One that a
-// test left behind when it died is removed.
+// A service IISADMIN, or of another name, that exists as long as this object. It is stopped at
+// first. A service that a killed test did not remove is removed first.
 class MailService {
   public:
     explicit MailService(const char* name = "IISADMIN")

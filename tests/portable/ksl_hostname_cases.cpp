@@ -12,7 +12,7 @@ using util_test::Words;
 
 namespace {
 
-// The socket library as a case wants it: what it grants and answers.
+// Replaces the socket library, so that a case can choose its version and answers.
 struct World : util_test::CaseWorld {
     // The result and the bytes written; "kept" if that is none of them.
     Words host_name(unsigned size) {
