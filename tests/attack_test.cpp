@@ -1,11 +1,7 @@
 // Hostile input for every exported function that takes a text or a path, and attacks that once got
 // through. Each is a test of its own; one that never returns is ended by the suite's time limit.
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <climits>
-#include <cstring>
-#include <functional>
 #include <new>
 #include <tuple>
 #include <unordered_set>
@@ -15,6 +11,7 @@
 #include "support/import_patch.h"
 #include "support/private_registry.h"
 #include "support/scratch_directory.h"
+#include "support/test.h"
 #include "util/util.h"
 // after the platform's header
 #include <comutil.h>

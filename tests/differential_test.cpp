@@ -1,14 +1,12 @@
 // Every family of the fuzz targets, which compare the library with plain models, over its kept
 // inputs and over random ones. A property that does not hold names itself and ends the process.
-#include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <ostream>
 #include <random>
 
 #include "fuzz/fuzz.h"
+#include "support/test.h"
 
 namespace {
 

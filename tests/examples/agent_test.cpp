@@ -1,14 +1,9 @@
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <deque>
-#include <filesystem>
-#include <fstream>
 #include <iomanip>
 #include <regex>
-#include <sstream>
 #include <thread>
-#include <vector>
 
 #include "support/built_file.h"
 #include "support/loopback.h"
@@ -16,6 +11,7 @@
 #include "support/private_registry.h"
 #include "support/process.h"
 #include "support/scratch_directory.h"
+#include "support/test.h"
 #include "util/internal/windows.h"
 #include "util/util.h"
 

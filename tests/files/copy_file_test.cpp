@@ -1,17 +1,13 @@
 #include "util/files/copy_file.h"
 
-#include <gtest/gtest.h>
 #include <io.h>
 #include <sys/stat.h>
-
-#include <algorithm>
-#include <cerrno>
-#include <filesystem>
 
 #include "support/built_file.h"
 #include "support/handle_count.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
+#include "support/test.h"
 #include "util/files/xr_file.h"
 #include "util/portable/ksl_process.h"
 

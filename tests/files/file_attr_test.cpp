@@ -1,8 +1,5 @@
 #include "util/files/file_attr.h"
-
-#include <gtest/gtest.h>
-
-#include <cstring>
+#include "support/test.h"
 
 using Tools::FileAttr;
 

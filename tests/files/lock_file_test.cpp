@@ -1,14 +1,10 @@
 #include "util/files/lock_file.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstring>
-
 #include "support/handle_count.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
 #include "support/second_process.h"
+#include "support/test.h"
 #include "util/files/xr_file.h"
 
 using util_test::handle_count;

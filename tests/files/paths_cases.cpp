@@ -1,6 +1,3 @@
-#include <cerrno>
-#include <filesystem>
-#include <optional>
 
 #include "support/built_file.h"
 #include "support/cases.h"

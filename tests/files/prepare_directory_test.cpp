@@ -1,13 +1,9 @@
 #include "util/files/prepare_directory.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <set>
-
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
 #include "support/second_process.h"
+#include "support/test.h"
 #include "util/files/xr_directory.h"
 #include "util/files/xr_file.h"
 

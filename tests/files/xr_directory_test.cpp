@@ -2,10 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <memory>
-
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
 #include "support/test.h"

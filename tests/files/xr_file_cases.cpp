@@ -2,10 +2,6 @@
 #include <io.h>
 #include <sys/utime.h>
 
-#include <cerrno>
-#include <optional>
-#include <sstream>
-
 #include "support/cases.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"

@@ -2,7 +2,6 @@
 
 #include <io.h>
 
-#include <algorithm>
 #include <new>
 
 #include "support/import_patch.h"

@@ -1,10 +1,5 @@
 #include "util/host/cifs_share.h"
 
-#include <algorithm>
-#include <cstring>
-#include <optional>
-#include <sstream>
-
 #include "support/cases.h"
 #include "support/import_patch.h"
 #include "util/portable/utf8.h"

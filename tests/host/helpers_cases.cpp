@@ -1,9 +1,5 @@
 #include "util/host/helpers.h"
 
-#include <algorithm>
-#include <memory>
-#include <sstream>
-
 #include "support/cases.h"
 #include "util/host/util_getopt.h"
 

@@ -2,9 +2,7 @@
 
 #include <io.h>
 
-#include <cstdlib>
 #include <new>
-#include <optional>
 
 #include "support/built_file.h"
 #include "support/cases.h"

@@ -1,9 +1,8 @@
 #include "util/host/installed_products.h"
 
-#include <gtest/gtest.h>
-
 #include "mail/mail_child.h"
 #include "support/import_patch.h"
+#include "support/test.h"
 
 namespace {
 

@@ -1,7 +1,5 @@
 #include "util/host/os_version.h"
 
-#include <cstring>
-
 #include "support/cases.h"
 #include "support/import_patch.h"
 

@@ -1,11 +1,7 @@
 #include "util/host/os_version.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <string>
-
 #include "support/process.h"
+#include "support/test.h"
 
 namespace {
 

@@ -1,10 +1,8 @@
 // What the library frees, whatever becomes of a call, holds no password that can be read.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 
 #include "support/import_patch.h"
 #include "support/private_registry.h"
+#include "support/test.h"
 #include "util/host/cifs_share.h"
 #include "util/host/registry.h"
 // after the platform's header

@@ -1,8 +1,5 @@
 #include "util/host/registry.h"
 
-#include <map>
-#include <optional>
-
 #include "support/cases.h"
 #include "support/handle_count.h"
 #include "support/import_patch.h"

@@ -1,15 +1,9 @@
 #include "util/host/installed_products.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-
 #include "support/built_file.h"
 #include "support/environment_change.h"
 #include "support/scratch_directory.h"
+#include "support/test.h"
 
 namespace {
 

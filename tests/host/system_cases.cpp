@@ -1,8 +1,6 @@
 #include "util/host/system.h"
 
-#include <cstring>
 #include <cwchar>
-#include <optional>
 
 #include "support/built_file.h"
 #include "support/cases.h"

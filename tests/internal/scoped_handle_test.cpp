@@ -1,9 +1,5 @@
 #include "util/internal/scoped_handle.h"
-
-#include <gtest/gtest.h>
-
-#include <utility>
-#include <vector>
+#include "support/test.h"
 
 namespace {
 

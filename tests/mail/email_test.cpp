@@ -2,10 +2,6 @@
 
 #include <io.h>
 
-#include <cerrno>
-#include <cstring>
-#include <vector>
-
 #include "mail/mail_test.h"
 #include "support/import_patch.h"
 

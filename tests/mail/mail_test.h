@@ -2,19 +2,12 @@
 #ifndef UTIL_TESTS_MAIL_MAIL_TEST_H
 #define UTIL_TESTS_MAIL_MAIL_TEST_H
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <map>
-#include <memory>
-#include <set>
-#include <string>
-
 #include "mail/mail_child.h"
 #include "support/environment_change.h"
 #include "support/handle_count.h"
 #include "support/private_registry.h"
 #include "support/scratch_directory.h"
+#include "support/test.h"
 #include "util/mail/mail.h"
 
 namespace util_test {

@@ -1,10 +1,7 @@
 // How messages get into the pickup directory: whole, and none at another's cost.
 #include "util/mail/email.h"
 
-#include <cstring>
-#include <set>
 #include <thread>
-#include <vector>
 
 #include "mail/mail_test.h"
 #include "support/import_patch.h"

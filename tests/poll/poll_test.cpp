@@ -1,16 +1,9 @@
 #include "util/poll/poll.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cerrno>
-#include <functional>
-#include <string>
-#include <vector>
-
 #include "support/import_patch.h"
 #include "support/loopback.h"
 #include "support/process.h"
+#include "support/test.h"
 
 using util_test::Connection;
 using util_test::ImportPatch;

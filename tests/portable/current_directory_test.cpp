@@ -1,8 +1,5 @@
 #include "util/portable/current_directory.h"
 
-#include <cstring>
-#include <string>
-
 #include "support/import_patch.h"
 #include "support/test.h"
 #include "torture/resources.h"

@@ -1,7 +1,5 @@
 #include "util/portable/ksl_hostname.h"
 
-#include <cerrno>
-
 #include "support/cases.h"
 #include "support/import_patch.h"
 

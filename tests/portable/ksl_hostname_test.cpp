@@ -1,7 +1,5 @@
 #include "util/portable/ksl_hostname.h"
 
-#include <cstring>
-
 #include "support/test.h"
 #include "util/internal/windows.h"
 

@@ -1,7 +1,5 @@
 #include "util/portable/ksl_mount.h"
 
-#include <cstring>
-
 #include "support/cases.h"
 #include "support/import_patch.h"
 

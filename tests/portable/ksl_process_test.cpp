@@ -1,12 +1,7 @@
 #include "util/portable/ksl_process.h"
 
-#include <gtest/gtest.h>
-
-#include <cerrno>
-#include <cstdlib>
-#include <string>
-
 #include "support/import_patch.h"
+#include "support/test.h"
 #include "util/internal/scoped_handle.h"
 
 using util_test::ImportPatch;

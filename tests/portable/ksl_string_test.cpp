@@ -1,8 +1,5 @@
 #include "util/portable/ksl_string.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdio>
+#include "support/test.h"
 
 #ifdef _WIN32
 #include <io.h>

@@ -1,8 +1,6 @@
 #include "util/portable/ksl_time.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdio>
 #include <ctime>
 
 TEST(KslCtimeTest, PrintedLocalTime_ReadsBack) {

@@ -1,14 +1,10 @@
 #include "util/portable/ksl_uint64.h"
-
-#include <gtest/gtest.h>
+#include "support/test.h"
 
 #include <climits>
 #include <cmath>
-#include <cstring>
-#include <functional>
 #include <limits>
 #include <thread>
-#include <vector>
 
 namespace {
 

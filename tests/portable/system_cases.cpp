@@ -2,12 +2,6 @@
 #include <io.h>
 #include <sys/stat.h>
 
-#include <algorithm>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
-#include <optional>
-
 #include "support/cases.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"

@@ -1,7 +1,5 @@
 #include "util/portable/utf8_files.h"
 
-#include <string>
-
 #include "support/handle_count.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"

@@ -1,14 +1,6 @@
 #include "support/cases.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <regex>
-#include <string_view>
-#include <utility>
 
 namespace util_test {
 namespace {

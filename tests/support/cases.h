@@ -10,16 +10,6 @@
 #ifndef UTIL_TESTS_SUPPORT_CASES_H
 #define UTIL_TESTS_SUPPORT_CASES_H
 
-#include <cstdlib>
-#include <functional>
-#include <map>
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <type_traits>
-#include <utility>
-#include <vector>
-
 #include "support/test.h"
 
 namespace util_test {

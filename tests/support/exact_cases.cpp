@@ -1,7 +1,4 @@
 // Plays the cases of a suite: each block is a test, and each result must be the written one.
-#include <fstream>
-#include <map>
-#include <sstream>
 
 #include "support/cases.h"
 

@@ -1,13 +1,30 @@
-// What most suites include: GoogleTest, and what a call came to as words.
+// What every test includes: GoogleTest, the common headers of the standard library, and the results
+// of a call as words. Tests do not repeat these includes.
 #ifndef UTIL_TESTS_SUPPORT_TEST_H
 #define UTIL_TESTS_SUPPORT_TEST_H
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
 #include <sstream>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace util_test {

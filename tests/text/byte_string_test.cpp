@@ -1,10 +1,7 @@
 #include "util/text/byte_string.h"
-
-#include <gtest/gtest.h>
+#include "support/test.h"
 
 #include <atomic>
-#include <set>
-#include <sstream>
 #include <thread>
 #include <unordered_set>
 

@@ -1,5 +1,4 @@
 #include <clocale>
-#include <cstdlib>
 #include <ctime>
 
 #include "support/cases.h"

@@ -1,18 +1,14 @@
 // Watches the one formatting buffer from a fresh start, so it runs in a process of its own and its
 // cases in the order they stand.
-#include <gtest/gtest.h>
 
-#include <cerrno>
 #include <climits>
 #include <clocale>
 #include <cstdarg>
-#include <cstring>
 #include <new>
-#include <stdexcept>
 #include <thread>
-#include <vector>
 
 #include "support/import_patch.h"
+#include "support/test.h"
 #include "torture/resources.h"
 #include "util/text/byte_string.h"
 

@@ -1,5 +1,5 @@
-#include <gtest/gtest.h>
 
+#include "support/test.h"
 #include "util/text/byte_string.h"
 
 namespace {

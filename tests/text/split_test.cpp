@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
 
 #include <new>
 
+#include "support/test.h"
 #include "util/text/byte_string.h"
 
 namespace {

@@ -1,5 +1,4 @@
 #include <new>
-#include <optional>
 
 #include "support/cases.h"
 #include "util/text/byte_string.h"

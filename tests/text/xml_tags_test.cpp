@@ -1,6 +1,5 @@
 #include "util/text/xml_tags.h"
-
-#include <gtest/gtest.h>
+#include "support/test.h"
 
 namespace {
 

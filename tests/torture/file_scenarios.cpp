@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <cerrno>
-#include <memory>
 
 #include "torture/scenario.h"
 #include "util/files/files.h"

@@ -2,10 +2,6 @@
 #include <io.h>
 #include <sys/stat.h>
 
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
-
 #include "support/built_file.h"
 #include "torture/scenario.h"
 #include "torture/stand_ins.h"

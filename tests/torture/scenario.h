@@ -10,14 +10,10 @@
 #ifndef UTIL_TESTS_TORTURE_SCENARIO_H
 #define UTIL_TESTS_TORTURE_SCENARIO_H
 
-#include <functional>
 #include <new>
-#include <string>
-#include <type_traits>
-#include <utility>
-#include <vector>
 
 #include "support/scratch_directory.h"
+#include "support/test.h"
 #include "torture/resources.h"
 // after the platform's header
 #include <comutil.h>

@@ -2,16 +2,7 @@
 
 #include <io.h>
 
-#include <algorithm>
-#include <cerrno>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <map>
-#include <set>
-#include <stdexcept>
-#include <string>
 
 #include "support/import_patch.h"
 #include "torture/failures.h"

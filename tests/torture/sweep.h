@@ -3,9 +3,6 @@
 #ifndef UTIL_TESTS_TORTURE_SWEEP_H
 #define UTIL_TESTS_TORTURE_SWEEP_H
 
-#include <string>
-#include <vector>
-
 #include "torture/scenario.h"
 
 namespace torture {

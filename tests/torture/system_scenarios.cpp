@@ -1,8 +1,5 @@
-#include <algorithm>
-#include <cstring>
 #include <initializer_list>
 #include <list>
-#include <set>
 
 #include "support/built_file.h"
 #include "support/environment_change.h"

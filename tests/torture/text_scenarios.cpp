@@ -1,7 +1,4 @@
-#include <cstdlib>
 #include <ctime>
-#include <memory>
-#include <sstream>
 
 #include "torture/scenario.h"
 #include "util/util.h"

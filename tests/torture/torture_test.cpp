@@ -1,14 +1,10 @@
 // Every call of the platform's fails once, and memory runs out at every allocation, in scenarios
 // that together call everything util.dll imports; each scenario is a test of its own. See
 // docs/failure.md for what is checked.
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <set>
-#include <string>
 
 #include "mail/mail_child.h"
 #include "support/import_patch.h"
+#include "support/test.h"
 #include "torture/failures.h"
 #include "torture/gate.h"
 #include "torture/sweep.h"
