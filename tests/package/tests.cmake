@@ -12,7 +12,7 @@ endfunction()
 function(package_run_test name)
     package_test(${name} "" ${ARGN})
     set_tests_properties(package.${name} PROPERTIES
-        FIXTURES_REQUIRED "package;wine" RESOURCE_LOCK windows)
+        FIXTURES_REQUIRED "package;wine" RESOURCE_LOCK wine)
 endfunction()
 
 add_test(NAME package.make COMMAND ${package_check} makes ${PROJECT_BINARY_DIR})
