@@ -1,21 +1,17 @@
 #include "torture/failures.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <iterator>
 #include <sstream>
+
+#include "support/matches.h"
 
 namespace torture {
 namespace {
 
 // Several rows of one function are several ways in which it fails.
-const struct {
-    const char* functions;
-    std::int64_t result;
-    DWORD last_error;
-    int error_number;
-    How how;
-} rows[] = {
+const Failure rows[] = {
+    // The runtime's allocating functions, in util.dll and in the C++ runtime.
+    {"malloc calloc realloc _strdup", 0, 0, ENOMEM, memory_runs_out},
     // Windows: false, zero or null is the failure.
     {"AdjustTokenPrivileges CopyFileW CreateDirectoryW CreateEventA CreateProcessA DeleteFileA "
      "DeleteFileW FindNextFileW FlushConsoleInputBuffer FormatMessageW GetComputerNameExA "
@@ -67,57 +63,46 @@ const struct {
     {"_wopen", -1, 0, EMFILE, instead},  // the runtime's own table is full
     {"_write", 0, ERROR_DISK_FULL, 0, instead},
     {"rename", -1, ERROR_ALREADY_EXISTS, EEXIST, once},
+    {// The C++ runtime: what it allocates comes from malloc, which is failed there.
+     "_Z... __cxa_... __gxx_... _Unwind_... "
+     // They return what the process has at hand,
+     "AreFileApisANSI GetACP GetCurrentProcess GetLastError GetModuleHandleW GetOEMCP "
+     "GetSystemTime IsDBCSLeadByteEx SetLastError SetThreadErrorMode Sleep TlsGetValue "
+     "___lc_codepage_func ___mb_cur_max_func __iob_func _errno localeconv strerror "
+     // or look at memory, move it, or give it back,
+     "SysFreeString __WSAFDIsSet _wcsicmp free memchr memcmp memcpy memmove memset strchr strlen "
+     "strncmp strstr wcscmp wcslen wcsrchr "
+     // or are for locks and events: a failure would be a mistake in using them,
+     "AcquireSRWLockExclusive DeleteCriticalSection EnterCriticalSection "
+     "InitializeCriticalSection LeaveCriticalSection ReleaseSRWLockExclusive SetEvent _lock "
+     "_unlock "
+     // or print: nobody is told when a diagnostic cannot be printed,
+     "fputc fwrite perror printf vfprintf "
+     // or end the process, or convert without a failure,
+     "abort _localtime64 "
+     // or belong to the start-up code, which runs while the DLL is loaded.
+     "SystemFunction036 VirtualProtect VirtualQuery _amsg_exit _initterm",
+     0, 0, 0, never},
 };
-
-std::vector<std::string> words_of(const char* text) {
-    std::istringstream stream(text);
-    return {std::istream_iterator<std::string>(stream), {}};
-}
-
-bool is_word_of(const char* words, const std::string& name) {
-    const std::vector<std::string> all = words_of(words);
-    return std::find(all.begin(), all.end(), name) != all.end();
-}
 
 }  // namespace
 
 const std::vector<Failure> failures = [] {
     std::vector<Failure> all;
-    for (const auto& row : rows) {
-        for (const std::string& name : words_of(row.functions))
-            all.push_back({name, row.result, row.last_error, row.error_number, row.how});
+    for (Failure row : rows) {
+        std::istringstream names(row.name);
+        while (names >> row.name)
+            all.push_back(row);
     }
     return all;
 }();
 
-bool is_allocation(const std::string& name) {
-    return is_word_of("malloc calloc realloc _strdup", name);
-}
-
-bool cannot_fail(const std::string& name) {
-    // The C++ runtime: what it allocates comes from malloc, which is failed there.
-    for (const char* prefix : {"_Z", "__cxa_", "__gxx_", "_Unwind_"}) {
-        if (name.rfind(prefix, 0) == 0) return true;
+std::vector<const Failure*> failures_of(const char* function) {
+    std::vector<const Failure*> all;
+    for (const Failure& failure : failures) {
+        if (util_test::matches(function, failure.name)) all.push_back(&failure);
     }
-    constexpr const char* names =
-        // return what the process has at hand
-        "AreFileApisANSI GetACP GetCurrentProcess GetLastError GetModuleHandleW GetOEMCP "
-        "GetSystemTime IsDBCSLeadByteEx SetLastError SetThreadErrorMode Sleep TlsGetValue "
-        "___lc_codepage_func ___mb_cur_max_func __iob_func _errno localeconv strerror "
-        // look at memory, move it, or give it back
-        "SysFreeString __WSAFDIsSet _wcsicmp free memchr memcmp memcpy memmove memset strchr "
-        "strlen strncmp strstr wcscmp wcslen wcsrchr "
-        // locks and events: a failure would be a mistake in using them
-        "AcquireSRWLockExclusive DeleteCriticalSection EnterCriticalSection "
-        "InitializeCriticalSection LeaveCriticalSection ReleaseSRWLockExclusive SetEvent _lock "
-        "_unlock "
-        // print: nobody is told when a diagnostic cannot be printed
-        "fputc fwrite perror printf vfprintf "
-        // end the process, or convert without a failure
-        "abort _localtime64 "
-        // belong to the start-up code, which runs while the DLL is loaded
-        "SystemFunction036 VirtualProtect VirtualQuery _amsg_exit _initterm";
-    return is_word_of(names, name);
+    return all;
 }
 
 }  // namespace torture

@@ -16,24 +16,23 @@ enum How {
     instead,  // the call does nothing but fail
     once,     // the same, but never for good: the library tries again, as long as it takes
     working,  // the call does its work, giving something back, and reports a failure all the same
+    memory_runs_out,  // at this call, as at any other that allocates
+    never,            // it cannot fail, or fails by allocation alone
 };
 
 struct Failure {
-    std::string name;
+    std::string name;  // "_Z..." is every function that begins with "_Z"
     std::int64_t result;
     DWORD last_error;  // 0: left alone
     int error_number;  // of the runtime; 0: left alone
     How how;
 };
 
-// Several of one function are several ways in which it fails.
+// Several of one function are several ways in which it fails. The first is that of memory.
 extern const std::vector<Failure> failures;
 
-// The runtime's allocating functions, in util.dll and in the C++ runtime alike.
-bool is_allocation(const std::string& name);
-
-// Whether a function can be called without being able to fail, or fails by allocation alone.
-bool cannot_fail(const std::string& name);
+// All of them for a function. None if nobody has said how it fails.
+std::vector<const Failure*> failures_of(const char* function);
 
 }  // namespace torture
 

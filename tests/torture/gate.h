@@ -1,36 +1,38 @@
-// A gate in front of every function of an import table: each call is shown to the sweep, which
-// passes it on, fails it, or lets it do its work and then calls it failed. No signature is needed.
+// A gate in front of a function of an import table: each call goes to the sweep, which passes it
+// on, fails it, or lets it do its work and then reports a failure. No signature is needed, as the
+// platform passes integers and pointers of every type alike.
 #ifndef UTIL_TESTS_TORTURE_GATE_H
 #define UTIL_TESTS_TORTURE_GATE_H
 
+#include <array>
 #include <cstdint>
 
 namespace torture {
 
+// No function that is imported has more, or takes or returns a floating-point number.
+using Arguments = std::array<std::uint64_t, 12>;
+
 struct Gate {
-    void* original;    // where a call that is passed on goes; the assembler code knows it is first
-    const char* name;  // of the function
-    int index;         // the owner's
+    void* original;
+    void* owner;      // the sweep's
+    bool in_runtime;  // in the C++ runtime's table, which serves the test as well
 };
 
-enum Decision : int {
-    pass,     // to the original, which returns to the caller
-    replace,  // not to the original: after(gate, 0) gives the result
-    watch,    // to the original, which takes six arguments at most; after(gate, result) gives it
-};
+// A gate's call, defined by the sweep. It leaves errno and the last error as they are, except as a
+// failure.
+std::uint64_t pass_gate(const Gate& gate, const Arguments& arguments);
 
-// What the gates call. Neither may change errno or the last error unless a failure is meant to.
-extern Decision (*decide)(Gate& gate);
-extern std::uint64_t (*after)(Gate& gate, std::uint64_t result);
+// Calls the original, for pass_gate().
+std::uint64_t call_original(const Gate& gate, const Arguments& arguments);
 
 // Puts a gate into a slot of a table of functions. It stays until the process ends.
-Gate& guard(void** slot, const char* name, int index);
+void guard(void** slot, const Gate& gate);
 
-// Whether the code that is running was called, at whatever distance, by the module.
+// Whether the module called the code that is running, directly or not.
 bool called_from(const void* module);
 
-// A number for the way on which the module came to the code that is running. It is another for
-// another line of a test that calls the module.
+// A number for the way on which the module came to the code that is running. Another line of a test
+// that calls the module has another number.
 std::uint64_t call_site(const void* module);
 
 }  // namespace torture

@@ -5,6 +5,8 @@
 #include <malloc.h>
 
 #include <array>
+#include <map>
+#include <string>
 
 #include "support/handle_count.h"
 
@@ -17,20 +19,22 @@ constexpr const char* resource_names[] = {"kernel handles", "service handles", "
 
 using Resources = std::array<long, resource_kinds>;
 
-// A function that takes one (+1) or gives one back (-1) when it succeeds; counted by its gate.
+// What a function takes (+1) or gives back (-1) when it succeeds; counted by its gate.
 struct Taker {
-    const char* name;
     Resource resource;
     int change;
 };
-constexpr Taker takers[] = {
-    {"OpenSCManagerA", service_handles, 1},
-    {"OpenServiceA", service_handles, 1},
-    {"CloseServiceHandle", service_handles, -1},
-
-    {"LoadLibraryA", modules, 1},
-    {"FreeLibrary", modules, -1},
-};
+inline Taker taker(const std::string& function) {
+    static const std::map<std::string, Taker> takers = {
+        {"OpenSCManagerA", {service_handles, 1}},
+        {"OpenServiceA", {service_handles, 1}},
+        {"CloseServiceHandle", {service_handles, -1}},
+        {"LoadLibraryA", {modules, 1}},
+        {"FreeLibrary", {modules, -1}},
+    };
+    const auto found = takers.find(function);
+    return found == takers.end() ? Taker{} : found->second;
+}
 
 inline long blocks_of(HANDLE heap) {
     long blocks = 0;

@@ -23,6 +23,17 @@ namespace torture {
 // What a call's header says that it raises when memory runs out.
 enum Raises { nothing = 0, memory = 1, platform = 2, either = 3 };
 
+// What the sweep and the run that it plays tell each other.
+struct Playing {
+    bool armed = false;               // calls may fail
+    int faults = 0;                   // calls that have failed so far
+    Resources least = {}, most = {};  // what the run keeps by design
+};
+extern Playing playing;
+
+// Notes that a result is wrong, and what fails meanwhile.
+void remark(const std::string& what);
+
 // One pass through a scenario, in which one call of the platform's may fail, or one and all after
 // it. Faults happen within call() alone.
 class Run {
@@ -32,24 +43,14 @@ class Run {
     template <typename F>
     auto call(Raises raises, F f) -> decltype(f()) {
         m_raised = false;
-        arm(true);
         try {
-            if constexpr (std::is_void_v<decltype(f())>) {
-                f();
-                return arm(false);
-            } else {
-                auto result = f();
-                arm(false);
-                return result;
-            }
+            const Armed armed;
+            return f();
         } catch (const std::bad_alloc&) {
-            arm(false);
             caught(raises & memory, "std::bad_alloc left the call");
         } catch (const _com_error& error) {
-            arm(false);
             caught((raises & platform) && error.Error() == E_OUTOFMEMORY, "_com_error left it");
         } catch (const std::exception& error) {
-            arm(false);
             caught(false, error.what());
         }
         return decltype(f())();
@@ -65,34 +66,32 @@ class Run {
     }
     // Lets calls fail until the object goes.
     struct Armed {
-        Armed() { arm(true); }
-        ~Armed() { arm(false); }
+        Armed() { playing.armed = true; }
+        ~Armed() { playing.armed = false; }
     };
-    // Whether a fault has happened in this run so far, at least.
-    static bool faulted();
-    // Whether it is this function that fails, and with this result.
-    static bool failing(const char* function);
-    static bool failing(const char* function, std::int64_t result);
-    // Whether what fails does so ever after.
-    static bool for_good();
+    static bool faulted() { return playing.faults > 0; }
+    // Whether it is this function that fails, with this result if one is given.
+    static bool failing(const std::string& function, std::optional<std::int64_t> result = {});
 
     // What the calls came to: the success that the scenario is made for, or, after a fault, a
     // failure as documented.
     void outcome(bool success, bool failure, const char* what = "result") {
-        if (!success && !(faulted() && failure)) violation(what);
+        if (!success && !(faulted() && failure)) remark(what);
     }
     // What holds in either case.
     void always(bool holds, const std::string& what) {
-        if (!holds) violation(what);
+        if (!holds) remark(what);
     }
 
     // This run keeps so many by design. docs/failure.md lists all of these leaks.
-    static void keeps(Resource resource, long number) { keeps(resource, number, number); }
+    static void keeps(Resource resource, long number) {
+        playing.least[resource] = playing.most[resource] = number;
+    }
     // The same for a call that may fail before it takes them.
     static void keeps_unless_failed(Resource resource, long number) {
-        keeps(resource, faulted() ? 0 : number, number);
+        playing.least[resource] = faulted() ? 0 : number;
+        playing.most[resource] = number;
     }
-    static void keeps_at_most(Resource resource, long number) { keeps(resource, 0, number); }
 
     bool exists(const std::string& name) const {
         return GetFileAttributesA((scratch / name).c_str()) != INVALID_FILE_ATTRIBUTES;
@@ -101,21 +100,17 @@ class Run {
     const util_test::ScratchDirectory scratch;
 
   private:
-    static void arm(bool armed);
-    static void violation(const std::string& what);
-    static void keeps(Resource resource, long least, long most);
     void caught(bool documented, const char* what) {
         m_raised = true;
-        if (!documented || !faulted()) violation(what);
+        if (!documented || !faulted()) remark(what);
     }
 
     bool m_raised = false;
 };
 
-using Play = std::function<void(Run& run)>;
 struct Scenario {
     std::string name;
-    Play play;
+    std::function<void(Run& run)> play;
     bool shares_sites;  // a call site that failed in an earlier one of these is not failed again
     bool fails_last;    // of each site the first and the last call fails; else only the first
 };
@@ -123,8 +118,9 @@ struct Scenario {
 // One list for each subsystem, added in its order.
 struct Add {
     std::vector<Scenario>& all;
+    template <typename Play>
     void operator()(const std::string& name, Play play, bool shares_sites = false) const {
-        all.push_back({name, std::move(play), shares_sites, true});
+        all.push_back({name, play, shares_sites, true});
     }
 };
 void case_scenarios(const Add& scenario);

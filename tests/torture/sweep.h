@@ -11,17 +11,14 @@ struct Figures {
     long runs = 0, faults = 0, allocations = 0;
     std::vector<bool> failed;  // the failures that happened, in their table's order
 };
+extern Figures figures;
 
-// From begin to end every call of util.dll passes a gate.
+// From here on every call of util.dll passes a gate.
 void begin_sweeps();
-const Figures& end_sweeps();
 
 // The faults found, a line each. A scenario that crashes or hangs ends the process, and says so on
 // the standard error.
 std::string sweep(const Scenario& scenario);
-
-// Every scenario there is.
-const std::vector<Scenario>& all_scenarios();
 
 }  // namespace torture
 
