@@ -26,6 +26,7 @@ struct Failure {
     DWORD last_error;  // 0: left alone
     int error_number;  // of the runtime; 0: left alone
     How how;
+    mutable long times = 0;  // it has happened
 };
 
 // Several of one function are several ways in which it fails. The first is that of memory.

@@ -24,17 +24,11 @@ struct Taker {
     Resource resource;
     int change;
 };
-inline Taker taker(const std::string& function) {
-    static const std::map<std::string, Taker> takers = {
-        {"OpenSCManagerA", {service_handles, 1}},
-        {"OpenServiceA", {service_handles, 1}},
-        {"CloseServiceHandle", {service_handles, -1}},
-        {"LoadLibraryA", {modules, 1}},
-        {"FreeLibrary", {modules, -1}},
-    };
-    const auto found = takers.find(function);
-    return found == takers.end() ? Taker{} : found->second;
-}
+inline const std::map<std::string, Taker> takers = {{"OpenSCManagerA", {service_handles, 1}},
+                                                    {"OpenServiceA", {service_handles, 1}},
+                                                    {"CloseServiceHandle", {service_handles, -1}},
+                                                    {"LoadLibraryA", {modules, 1}},
+                                                    {"FreeLibrary", {modules, -1}}};
 
 inline long blocks_of(HANDLE heap) {
     long blocks = 0;

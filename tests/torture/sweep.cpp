@@ -37,6 +37,12 @@ const Function no_function = {"nothing", {}, {}};
 const Failure no_failure = {};
 const Target nothing = {&no_function, &no_failure};
 
+struct Call {
+    const Function* function;
+    int number;
+    std::uint64_t site;
+};
+
 // Never destroyed: the gates are used until the process has ended.
 auto& functions = *new std::list<Function>;
 const void* library;
@@ -48,27 +54,12 @@ struct {
     Target target = nothing;  // fails once, or from then on
     int call = 0;             // which call of the target
     bool for_good = false;
-    int seen = 0;                       // calls of the target
-    Target second = nothing;            // fails too after the target, whenever it is called
-    const Function* watched = nullptr;  // the sites of its calls are collected
-    std::vector<std::uint64_t> sites;
+    Target second = nothing;  // fails too after the target, whenever it is called
+    bool watched = false;     // nothing fails, and the calls are noted
+    std::vector<Call> calls;
     std::string remarks;  // what was found in the scenario
 } now;
 Resources counted = {};
-
-}  // namespace
-
-void remark(const std::string& what) {
-    char line[400];
-    const int length = std::snprintf(
-        line, sizeof line, "%s with %s failing (%ld), then %s, %s %d\n", what.c_str(),
-        now.target.function->name.c_str(), long(now.target.failure->result),
-        now.second.function->name.c_str(), now.for_good ? "from call" : "call", now.call);
-    const std::size_t room = now.remarks.capacity() - now.remarks.size();
-    now.remarks.append(line, std::min({std::size_t(length), sizeof line - 1, room}));
-}
-
-namespace {
 
 // Ends the process, which has crashed or hangs. The standard error may be captured by then.
 HANDLE error_output;
@@ -82,15 +73,11 @@ HANDLE error_output;
 
 // What the call that is being made fails with, if it does.
 const Failure* failure_due(const Function& function) {
-    if (now.watched == &function && now.sites.size() < now.sites.capacity())
-        now.sites.push_back(call_site(library));
-    if (now.target.function == &function) {
-        ++now.seen;
-        if (now.seen == now.call || (now.for_good && now.seen > now.call)) {
-            const bool is_memory = now.target.failure->how == memory_runs_out;
-            if (++playing.faults == 1) ++(is_memory ? figures.allocations : figures.faults);
-            return now.target.failure;
-        }
+    const bool is_due = function.calls == now.call || (now.for_good && function.calls > now.call);
+    if (now.target.function == &function && is_due) {
+        const bool is_memory = now.target.failure->how == memory_runs_out;
+        if (++playing.faults == 1) ++(is_memory ? figures.allocations : figures.faults);
+        return now.target.failure;
     }
     return playing.faults > 0 && now.second.function == &function ? now.second.failure : nullptr;
 }
@@ -103,19 +90,11 @@ void put_up_gates(const char* module, bool in_runtime) {
         void* const other = stand_in(name, *slot);
         if (!ways.empty() && ways[0]->how == never) ways.clear();
         if (ways.empty() && !other) return;
-        if (!allocates) functions.push_back({name, ways, taker(name)});
+        const Taker taker = takers.count(name) ? takers.at(name) : Taker();
+        if (!allocates) functions.push_back({name, ways, taker});
         guard(slot, {other ? other : *slot, allocates ? &functions.front() : &functions.back(),
                      in_runtime});
     });
-}
-
-// A second thread formats a text when asked: no lock may have stayed held.
-HANDLE asked, answered;
-DWORD WINAPI format_when_asked(void*) {
-    while (WaitForSingleObject(asked, INFINITE) == WAIT_OBJECT_0) {
-        if (String::format("%d", 7) == "7") SetEvent(answered);
-    }
-    return 0;
 }
 
 DWORD WINAPI watch_time(void*) {
@@ -128,7 +107,6 @@ DWORD WINAPI watch_time(void*) {
 // How much more, or less, there is of each resource after the run than may be.
 Resources play() {
     playing = {};
-    now.seen = 0;
     now.started = GetTickCount64();
     stand_ins = StandIns();
     for (Function& function : functions)
@@ -144,7 +122,7 @@ Resources play() {
         surplus[i] = more - std::clamp(more, playing.least[i], playing.most[i]);
     }
     ++figures.runs;
-    if (SignalObjectAndWait(asked, answered, 20000, FALSE) != 0) remark("formatting hangs");
+    String::format("%2000s", "");  // hangs if the lock of the shared buffer stayed held
     return surplus;
 }
 
@@ -182,14 +160,10 @@ void fail_what_is_new() {
 // find something to undo.
 std::set<int> calls_to_fail(const Function& function) {
     static std::set<std::pair<const Function*, std::uint64_t>> shared;
-    now.sites.clear();
-    now.watched = &function;
-    play();
-    now.watched = nullptr;
     std::map<std::uint64_t, std::set<int>> calls_from;
-    int number = 0;
-    for (const std::uint64_t site : now.sites)
-        calls_from[site].insert(++number);
+    for (const Call& call : now.calls) {
+        if (call.function == &function) calls_from[call.site].insert(call.number);
+    }
     std::set<int> calls;
     for (const auto& [site, numbers] : calls_from) {
         if (now.scenario->shares_sites && !shared.emplace(&function, site).second) continue;
@@ -223,6 +197,8 @@ std::uint64_t pass_gate(const Gate& gate, const Arguments& arguments) {
     const Failure* failure = nullptr;
     if (playing.armed && (!gate.in_runtime || called_from(library))) {
         ++function.calls;
+        if (now.watched && now.calls.size() < now.calls.capacity())
+            now.calls.push_back({&function, function.calls, call_site(library)});
         failure = failure_due(function);
     }
     std::uint64_t result = 0;
@@ -232,10 +208,20 @@ std::uint64_t pass_gate(const Gate& gate, const Arguments& arguments) {
         if (succeeded) counted[function.taker.resource] += function.taker.change;
     }
     if (!failure) return result;
-    figures.failed[std::size_t(failure - failures.data())] = true;
+    ++failure->times;
     if (failure->error_number) errno = failure->error_number;
     if (failure->last_error) SetLastError(failure->last_error);
     return static_cast<std::uint64_t>(failure->result);
+}
+
+void remark(const std::string& what) {
+    char line[400];
+    const int length = std::snprintf(
+        line, sizeof line, "%s with %s failing (%ld), then %s, %s %d\n", what.c_str(),
+        now.target.function->name.c_str(), long(now.target.failure->result),
+        now.second.function->name.c_str(), now.for_good ? "from call" : "call", now.call);
+    const std::size_t room = now.remarks.capacity() - now.remarks.size();
+    now.remarks.append(line, std::min({std::size_t(length), sizeof line - 1, room}));
 }
 
 bool Run::failing(const std::string& function, std::optional<std::int64_t> result) {
@@ -246,22 +232,19 @@ bool Run::failing(const std::string& function, std::optional<std::int64_t> resul
     }
     return false;
 }
+
 void begin_sweeps() {
     error_output = reinterpret_cast<HANDLE>(_get_osfhandle(_dup(2)));
     registry();
     now.remarks.reserve(1 << 16);
-    now.sites.reserve(10000);
-    figures.failed.resize(failures.size());
+    now.calls.reserve(100000);
     library = GetModuleHandleA("util.dll");
     functions.push_back({"memory", {&failures.front()}, {}});
     put_up_gates("util.dll", false);
     put_up_gates("libstdc++-6.dll", true);
     SetUnhandledExceptionFilter([](EXCEPTION_POINTERS*) -> LONG { give_up("crashes"); });
     std::signal(SIGABRT, [](int) { give_up("aborts"); });
-    asked = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-    answered = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-    for (auto* thread : {format_when_asked, watch_time})
-        CloseHandle(CreateThread(nullptr, 0, thread, nullptr, 0, nullptr));
+    CloseHandle(CreateThread(nullptr, 0, watch_time, nullptr, 0, nullptr));
 }
 
 std::string sweep(const Scenario& scenario) {
@@ -269,7 +252,10 @@ std::string sweep(const Scenario& scenario) {
     now.started = GetTickCount64();
     now.scenario = &scenario;
     play();  // the platform keeps some things from first use on
+    now.calls.clear();
+    now.watched = true;
     play_and_compare();
+    now.watched = false;
     for (Function& function : functions)
         function.usual = function.calls > 0;
     for (const Function& function : functions) {

@@ -9,7 +9,6 @@ namespace torture {
 
 struct Figures {
     long runs = 0, faults = 0, allocations = 0;
-    std::vector<bool> failed;  // the failures that happened, in their table's order
 };
 extern Figures figures;
 

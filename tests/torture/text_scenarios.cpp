@@ -13,37 +13,19 @@ namespace {
 const String text("a text longer than any short string holds");
 const std::string standard = text.str();
 
-String formatted(const char* format, ...) {
-    va_list args;
-    va_start(args, format);
-    struct End {
-        va_list& list;
-        ~End() { va_end(list); }
-    } const end{args};
-    return String::va_format(format, args);
-}
-
 const struct {
     const char* name;
     std::string expected;
     std::string (*make)();
 } texts[] = {
-    {"String(const char*)", standard, [] { return String(text.c_str()).str(); }},
-    {"String(std::string)", standard, [] { return String(standard).str(); }},
     {"String(double)", "1.500000", [] { return String(1.5).str(); }},
-    {"String::pad", std::string(40, ' '), [] { return String::pad(40).str(); }},
-    {"String::va_format", standard + " 7", [] { return formatted("%s 7", text.c_str()).str(); }},
-    {"String, on the heap", standard,
-     [] { return std::unique_ptr<ExtString>(new String(text))->str(); }},
+    {"String::format", standard + " 7", [] { return String::format("%s 7", text.c_str()).str(); }},
     {"String::operator=, +=", standard + "c",
      [] {
          String assigned;
          assigned = text;
          return (assigned += 'c').str();
      }},
-    {"ExtString(const char*)", standard, [] { return ExtString(text.c_str()).str(); }},
-    {"ExtString, on the heap", standard,
-     [] { return std::unique_ptr<ExtString>(new ExtString(text))->str(); }},
     {"ExtDate::text", "a pattern with the year: 2010",
      [] { return ExtDate(17, 5, 2010).text("a pattern with the year: %Y").str(); }},
     {"ExtTime, on the heap", "2010 05 17 12:30:45",
@@ -73,11 +55,6 @@ void text_scenarios(const Add& scenario) {
         const String made = run.call(memory, [] { return String::format("%*s", length, ""); });
         const bool refused = Run::failing("_vsnprintf_s_l") || Run::failing("_vscprintf_l");
         run.outcome(made == String::pad(length), run.raised() || (refused && made.empty()));
-    });
-    scenario("String, printed", [](Run& run) {
-        std::ostringstream stream;
-        run.call(nothing, [&] { stream << text; });
-        run.outcome(stream.str() == standard, !stream && stream.str().empty());
     });
     scenario("String, replaced", [](Run& run) {
         String target(text);
