@@ -13,7 +13,7 @@ using Word = std::uint64_t;
 using Function = Word(Word, Word, Word, Word, Word, Word, Word, Word, Word, Word, Word, Word);
 
 constexpr std::size_t most_gates = 256;
-Gate gates[most_gates];
+std::array<Gate, most_gates> gates;
 
 template <std::size_t i>
 Word enter(Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h, Word j, Word k, Word l,
@@ -53,7 +53,7 @@ Word call_original(const Gate& gate, const Arguments& arguments) {
 
 void guard(void** slot, const Gate& gate) {
     static std::size_t used = 0;
-    gates[used] = gate;
+    gates.at(used) = gate;
     DWORD before;
     VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &before);
     *slot = reinterpret_cast<void*>(entry(used++, std::make_index_sequence<most_gates>()));
