@@ -68,6 +68,7 @@ TEST(PollTest, Run_SourceThatIsNeverReadable_TimesOutAndServesTheNext) {
         const DWORD access = what == input_without_right_to_wait ? READ_CONTROL : SYNCHRONIZE;
         DuplicateHandle(process, process, process, &input, access, FALSE, 0);
         SetStdHandle(STD_INPUT_HANDLE, input);
+        if (what == closed_input) w.a.add();  // so that the second is dropped
         w.poll.append(what == refused_datagram ? refused.fd() : 0, &w.b);
         w.a.add();
         w.a.send();
