@@ -4,7 +4,9 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <iterator>
+#include <set>
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
@@ -12,13 +14,12 @@
 namespace bench {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 struct Settings {
-    int rounds = 11;            // at least, and more of them
-    double seconds = 1;         // until so much time has gone into an operation
-    double milliseconds = 0.3;  // at least, for one variant of one round
-    std::string filter;         // sections whose name contains it
+    int rounds = 11;             // at least, and more of them
+    double seconds = 1;          // until so much time has gone into an operation
+    double milliseconds = 0.3;   // at least, for one variant of one round
+    std::set<std::string> bars;  // the operations that get `seconds`; others get a fifth of it
+    std::string filter;          // sections whose name contains it
     Section::Cores cores = Section::Cores::any;
     std::FILE* output = stdout;
 };
@@ -37,20 +38,13 @@ std::vector<NamedSection>& sections() {
     return all;
 }
 
-double nanoseconds(const Variant& variant, std::size_t times) {
-    const auto start = Clock::now();
-    variant.loop(times);
-    const std::chrono::duration<double, std::nano> spent = Clock::now() - start;
-    return spent.count();
-}
-
 // How often a variant must run to fill its time in a round; warms it up meanwhile.
 std::size_t calibrate(const Operation& operation, const Variant& variant) {
     const double wanted = settings.milliseconds * 1e6;
     std::size_t times = 1;
     for (;;) {
         operation.prepare();
-        const double spent = nanoseconds(variant, times);
+        const double spent = variant.loop(times);
         if (spent >= wanted) return times;
         const double factor = spent > 0 ? 1.1 * wanted / spent : 100;
         times = static_cast<std::size_t>(static_cast<double>(times) *
@@ -72,18 +66,34 @@ Spread spread_of(std::vector<double> values) {
 // The rounds' times of each variant, in nanoseconds for one operation.
 using Times = std::vector<std::vector<double>>;
 
+// The names of the operations in bars.tsv: the second of its tab-separated columns.
+std::set<std::string> operations_with_bars(const char* path) {
+    std::set<std::string> names;
+    std::ifstream file(path);
+    std::string platform, name, rest;
+    while (std::getline(file, platform, '\t') && std::getline(file, name, '\t') &&
+           std::getline(file, rest))
+        names.insert(name);
+    return names;
+}
+
+double seconds_for(const Operation& operation) {
+    const bool all = settings.bars.empty();
+    return settings.seconds * (all || settings.bars.count(operation.name()) != 0 ? 1 : 0.2);
+}
+
 Times measure(const Operation& operation) {
     const std::vector<Variant>& variants = operation.variants();
     std::vector<std::size_t> repeats;
     for (const Variant& variant : variants)
         repeats.push_back(calibrate(operation, variant));
     Times times(variants.size());
-    const auto enough = Clock::now() + std::chrono::duration<double>(settings.seconds);
+    const auto enough = Clock::now() + std::chrono::duration<double>(seconds_for(operation));
     for (int round = 0; round < settings.rounds || Clock::now() < enough; ++round) {
         for (std::size_t turn = 0; turn < variants.size(); ++turn) {
             const std::size_t i = (static_cast<std::size_t>(round) + turn) % variants.size();
             operation.prepare();
-            times[i].push_back(nanoseconds(variants[i], repeats[i]) /
+            times[i].push_back(variants[i].loop(repeats[i]) /
                                (static_cast<double>(repeats[i]) * operation.operations_per_body()));
         }
     }
@@ -165,8 +175,8 @@ Section::Section(std::string name, std::function<void()> body, Cores cores) {
 
 }  // namespace bench
 
-// usage: bench [--rounds N] [--seconds N] [--milliseconds N] [--section TEXT] [--cores any|one]
-//              [--output FILE]
+// usage: bench [--rounds N] [--seconds N] [--milliseconds N] [--bars FILE] [--section TEXT]
+//              [--cores any|one] [--output FILE]
 int main(int argc, char** argv) {
     using namespace bench;
 #ifdef __GLIBC__
@@ -190,6 +200,8 @@ int main(int argc, char** argv) {
             settings.milliseconds = std::atof(value);
         } else if (option == "--section") {
             settings.filter = value;
+        } else if (option == "--bars") {
+            settings.bars = operations_with_bars(value);
         } else if (option == "--cores") {
             settings.cores =
                 value == std::string("one") ? Section::Cores::one : Section::Cores::any;

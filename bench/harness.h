@@ -3,13 +3,14 @@
 // The method. An operation has several variants: the limit (the least that any implementation must
 // do), the library, its peers, and the algorithm as described. A round runs every variant once, for
 // 0.3 ms each, and starts with another variant than the round before. There are eleven rounds at
-// least, and as many as a second allows. The rounds are short so that a neighbour's work interrupts
-// few of them. A slower clock slows all variants of a round. The reported ratio is the median, over
-// all rounds, of the quotients of two times of one round. Times depend on the machine. Ratios
-// hardly do.
+// least, and as many as a second allows, or a fifth of that without a bar. The rounds are short so
+// that a neighbour's work interrupts few of them. A slower clock slows all variants of a round. The
+// reported ratio is the median, over all rounds, of the quotients of two times of one round. Times
+// depend on the machine. Ratios hardly do.
 #ifndef UTIL_BENCH_HARNESS_H
 #define UTIL_BENCH_HARNESS_H
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -26,8 +27,14 @@ inline void keep(const T& value) {
 
 enum class Role { limit, library, peer, described };
 
-// What one variant does; called with the number of times to do it.
-using Loop = std::function<void(std::size_t times)>;
+using Clock = std::chrono::steady_clock;
+
+inline double nanoseconds_since(Clock::time_point start) {
+    return std::chrono::duration<double, std::nano>(Clock::now() - start).count();
+}
+
+// What one variant does; called with the number of times to do it. Returns the nanoseconds taken.
+using Loop = std::function<double(std::size_t times)>;
 
 struct Variant {
     Role role;
@@ -69,6 +76,11 @@ class Operation {
     Operation& library(std::string setting, Body body) {
         return add(Role::library, "util, " + std::move(setting), std::move(body));
     }
+    // Any of these, by a loop that measures its own time.
+    Operation& variant(Role role, std::string name, Loop loop) {
+        m_variants.push_back({role, std::move(name), std::move(loop)});
+        return *this;
+    }
     Operation& per(double operations) {
         m_per = operations;
         return *this;
@@ -96,11 +108,12 @@ class Operation {
     template <class Body>
     Operation& add(Role role, std::string name, Body body) {
         // The loop stands inside, so that the call through std::function is not measured.
-        m_variants.push_back({role, std::move(name), [body](std::size_t times) mutable {
-                                  for (std::size_t i = 0; i < times; ++i)
-                                      body();
-                              }});
-        return *this;
+        return variant(role, std::move(name), [body](std::size_t times) mutable {
+            const auto start = Clock::now();
+            for (std::size_t i = 0; i < times; ++i)
+                body();
+            return nanoseconds_since(start);
+        });
     }
 
     std::string m_name;

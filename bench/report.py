@@ -18,6 +18,7 @@ import sys
 HERE = pathlib.Path(__file__).parent
 GROWTH_LIMIT = 8  # 4 is linear, 16 is quadratic; the rest is room for the processor's caches
 MEMORY_LIMIT = 1.05  # memory at the end of a long run, as a multiple of that after a tenth of it
+BLOCKS_LIMIT = 50  # new heap blocks meanwhile; a leak adds one for each of some hundred repetitions
 
 KERNEL_SIZES = 8, 24, 60, 260, 4096  # of kernels_bench.cpp, as the table's columns
 
@@ -98,10 +99,10 @@ def verdicts(operations, memory):
         if growth is not None:
             yield Verdict(operation.platform, operation.name, "four times the size", growth,
                           GROWTH_LIMIT, 0, growth <= GROWTH_LIMIT)
-    for pattern, _, tenth, end, *_ in memory:
+    for pattern, _, tenth, end, _, blocks in memory:
         ratio = float(end.split()[0]) / float(tenth.split()[0])
-        yield Verdict("under Wine", f"memory: {pattern}", "the end against a tenth", ratio,
-                      MEMORY_LIMIT, 0, ratio <= MEMORY_LIMIT)
+        yield Verdict("under Wine", f"memory: {pattern}", f"the end against a tenth, {blocks} heap blocks",
+                      ratio, MEMORY_LIMIT, 0, ratio <= MEMORY_LIMIT and int(blocks) <= BLOCKS_LIMIT)
 
 
 def unmeasured(operations):
@@ -148,7 +149,7 @@ def table(operations):
 
 
 def growth_table(operations):
-    yield "| Function | 20 KB | twice | four times |"
+    yield "| Function | 1.5 KB | twice | four times |"
     yield "|---|--:|--:|--:|"
     for operation in operations:
         yield line([operation.name.partition(": ")[2], figure(operation.times["util"][1])] +

@@ -116,8 +116,8 @@ const struct {
     void (*run)(int times);
     int times;
 } patterns[] = {
-    {"formats", formats, 1000000}, {"polls", polls, 1000000}, {"listings", listings, 1000},
-    {"records", records, 1000000}, {"copies", copies, 10},
+    {"formats", formats, 1000000}, {"polls", polls, 200000}, {"listings", listings, 150},
+    {"records", records, 200000},  {"copies", copies, 10},
 };
 
 }  // namespace

@@ -3,8 +3,10 @@
 #include <fmt/printf.h>
 
 #include <algorithm>
+#include <atomic>
 #include <boost/format.hpp>
 #include <cstdio>
+#include <limits>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -94,34 +96,70 @@ void format_by_the_runtime() {
             .peer("fmt::sprintf", [&] { keep(fmt::sprintf("%-8s|%5d", name, 12345)); }));
 }
 
-// Time per call and core: while threads do not wait for each other, any number of them takes as
-// long as one. There are so many calls that starting the threads costs next to nothing.
-constexpr unsigned calls_of_a_core = 400000;
+struct alignas(64) Counter {
+    std::atomic<std::size_t> calls{0};
+};
 
-auto in_threads(unsigned count, const char* text) {
-    const unsigned cores = std::min(count, std::max(1u, std::thread::hardware_concurrency()));
-    return [=] {
-        const auto share = [=] {
-            for (unsigned i = 0; i < calls_of_a_core * cores / count; ++i)
-                keep(String::format("%s-%d", text, 100000 + static_cast<int>(i)));
+// Time per call and core while so many threads call: that of one thread, unless threads wait for
+// each other. All threads run before the time is taken. The best of several times counts: for
+// milliseconds the system may run two threads on one core, or another program on the other.
+template <typename Call>
+bench::Loop in_threads(unsigned count, Call call) {
+    return [=](std::size_t times) {
+        std::vector<Counter> counters(count);
+        std::atomic<bool> done{false};
+        const auto call_some = [&](Counter& counter) {
+            constexpr int some = 50;
+            for (int i = 0; i < some; ++i)
+                call(i);
+            counter.calls.fetch_add(some, std::memory_order_relaxed);
+        };
+        const auto calls_made = [&] {
+            std::size_t sum = 0;
+            for (const Counter& counter : counters)
+                sum += counter.calls;
+            return sum;
         };
         std::vector<std::thread> others;
-        for (unsigned i = 1; i < count; ++i)
-            others.emplace_back(share);
-        share();
+        for (unsigned i = 1; i < count; ++i) {
+            others.emplace_back([&, i] {
+                while (!done)
+                    call_some(counters[i]);
+            });
+        }
+        const unsigned cores = std::min(count, std::max(1u, std::thread::hardware_concurrency()));
+        double best = std::numeric_limits<double>::max();
+        for (int i = 0; i < 20 * static_cast<int>(count); ++i) {
+            const std::size_t wanted = counters[0].calls + times;
+            const std::size_t before = calls_made();
+            const auto start = bench::Clock::now();
+            while (counters[0].calls < wanted)
+                call_some(counters[0]);
+            const double spent = bench::nanoseconds_since(start) * cores;
+            best = std::min(best, spent / static_cast<double>(calls_made() - before));
+        }
+        done = true;
         for (std::thread& other : others)
             other.join();
+        return best * static_cast<double>(times);
     };
 }
 
-// A text of up to 15 bytes needs no heap, whose lock under Wine is one for the whole process.
-void format_in_threads(const char* name, const char* text) {
-    run(Operation(std::string("format in threads, ") + name)
-            .library(in_threads(1, text))
-            .library("two threads", in_threads(2, text))
-            .library("four threads", in_threads(4, text))
-            .by_minimum()
-            .per(calls_of_a_core));
+void format_in_threads() {
+    using bench::Role;
+    const auto short_text = [](int i) { keep(String::format("%s-%d", "agent", 100000 + i)); };
+    run(Operation("format in threads, 12 bytes")
+            .variant(Role::library, "util", in_threads(1, short_text))
+            .variant(Role::library, "util, two threads", in_threads(2, short_text))
+            .variant(Role::library, "util, four threads", in_threads(4, short_text))
+            .by_minimum());
+    // Texts from 16 bytes on need the heap, which under Wine has one lock for all threads.
+    const auto text = [](int i) { keep(String::format("%s-%d", "agent-replica", 100000 + i)); };
+    const auto copy = [](int) { keep(std::string("agent-replica-100000")); };
+    run(Operation("format in two threads, 20 bytes")
+            .variant(Role::limit, "copy, in two threads", in_threads(2, copy))
+            .variant(Role::library, "util", in_threads(2, text))
+            .by_minimum());
 }
 
 const bench::Section section("1 Formatting", [] {
@@ -129,8 +167,7 @@ const bench::Section section("1 Formatting", [] {
         format_text_and_number(size);
     text_of_an_int();
     format_by_the_runtime();
-    format_in_threads("12 bytes", "agent");
-    format_in_threads("20 bytes", "agent-replica");
+    format_in_threads();
 });
 
 }  // namespace
