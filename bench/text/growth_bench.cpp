@@ -32,9 +32,9 @@ String repeated(const std::string& piece, std::size_t n) {
     return text;
 }
 
-// At every place of the text, all its bytes match except the last one.
+// At every place of a text of "a", the first half of its bytes match, and the last one.
 String nearly(std::size_t n) {
-    return String(n / 2, 'a') + 'b';
+    return String(n / 4, 'a') + 'b' + String(n / 4, 'a');
 }
 
 // A member that changes its object, on a copy of a text of such pieces.
