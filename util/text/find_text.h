@@ -11,7 +11,6 @@
 
 #include "util/internal/kernels/find_byte.h"
 #include "util/internal/kernels/pair_bits.h"
-#include "util/text/first_word.h"
 #include "util/text/places.h"
 
 namespace util {
@@ -46,6 +45,19 @@ std::vector<std::size_t> borders_of(std::string_view what);
 
 // Length of the common prefix of `a` and `b`. `a` has at least `b.size()` bytes.
 std::size_t common_length(const char* a, std::string_view b);
+
+// Returns the first bytes of `text` as a number, the first byte lowest, filled up with zeros. Reads
+// a short text byte by byte, since memcpy of a variable size is a call.
+inline std::uint64_t first_word(std::string_view text) {
+    std::uint64_t word = 0;
+    if (text.size() >= sizeof word) {
+        std::memcpy(&word, text.data(), sizeof word);
+    } else {
+        for (std::size_t i = text.size(); i-- > 0;)
+            word = word << 8 | static_cast<unsigned char>(text[i]);
+    }
+    return word;
+}
 
 // A text to compare others with. The first eight bytes are compared as one number: most texts are
 // shorter, and a call of memcmp takes longer than their comparison.

@@ -25,28 +25,23 @@ std::string all_replaced_in_long(std::string_view text, std::string_view what,
     return result.take();
 }
 
-// The result of a short text is built on the stack if it fits there.
+// The result of a short text is built on the stack. It is longest if each byte is replaced.
 std::string all_replaced(std::string_view text, std::string_view what, std::string_view with) {
-    if (text.size() > util::chunk_size || with.size() > util::chunk_size)
+    char space[16 * util::chunk_size];
+    if (text.size() > util::chunk_size || text.size() * with.size() > sizeof space)
         return all_replaced_in_long(text, what, with);
-    char space[4 * util::chunk_size];
     char* end = space;
     const auto put = [&](std::string_view piece) {
         std::memcpy(end, piece.data(), piece.size());
         end += piece.size();
     };
     std::size_t begin = 0;
-    bool fits = true;
     util::each_occurrence(text, what, 0, [&](std::size_t at) {
-        const auto used = static_cast<std::size_t>(end - space);
-        fits = used + (text.size() - begin) + with.size() <= sizeof space;
-        if (!fits) return false;
         put(text.substr(begin, at - begin));
         put(with);
         begin = at + what.size();
         return true;
     });
-    if (!fits) return all_replaced_in_long(text, what, with);
     put(text.substr(begin));
     return std::string(space, end);
 }

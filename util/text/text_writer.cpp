@@ -2,7 +2,7 @@
 
 namespace util {
 
-void TextWriter::put_any(std::string_view text) {
+void TextWriter::put(std::string_view text) {
     if (text.size() > gathered_most / 4) {
         flush();
         m_text.append(text);

@@ -33,10 +33,10 @@ class TextWriter {
             std::memcpy(space(large_block), text.data(), large_block);
             m_gathered += size;
         } else {
-            put_any(text.substr(0, size));
+            put(text.substr(0, size));
         }
     }
-    void put(std::string_view text) { put_any(text); }
+    void put(std::string_view text);
     void put(char c) {
         *space(1) = c;
         ++m_gathered;
@@ -62,7 +62,6 @@ class TextWriter {
         if (m_gathered + size > gathered_most) flush();
         return m_buffer + m_gathered;
     }
-    void put_any(std::string_view text);
     void flush();
 
     std::string m_text;

@@ -6,7 +6,6 @@
 #include "util/internal/position_error.h"
 #include "util/text/byte_string.h"
 #include "util/text/find_text.h"
-#include "util/text/first_word.h"
 #include "util/text/places.h"
 #include "util/text/text_writer.h"
 
@@ -76,20 +75,25 @@ bool has_outer_quotes(std::string_view text) {
     return text.size() > 1 && text.front() == '"' && text.back() == '"';
 }
 
-// Returns the text inside the outer quotes, if any, up to its first NUL. The quotes are those of
-// the stored text, whether or not there is a NUL between them.
-std::string_view visible_inside(std::string_view text) {
-    if (has_outer_quotes(text)) text = text.substr(1, text.size() - 2);
-    return util::up_to_nul(text);
-}
+// The text inside the outer quotes, if any, up to its first NUL. The quotes are those of the stored
+// text, whether or not there is a NUL between them.
+struct Visible {
+    explicit Visible(std::string_view text) : quotes(has_outer_quotes(text) ? 1 : 0) {
+        inside = util::up_to_nul(text.substr(quotes, text.size() - 2 * quotes));
+    }
+    std::size_t size() const { return inside.size() + 2 * quotes; }
 
-// Texts of up to 64 bytes are changed byte by byte, into a buffer on the stack. Both functions
-// return the end of what they wrote. They may overwrite 8 bytes from there on.
+    std::size_t quotes;  // at each end
+    std::string_view inside;
+};
+
+// A short text is changed byte by byte, into a buffer on the stack. Both functions return the end
+// of what they wrote. They may overwrite 8 bytes from there on.
 constexpr std::size_t short_space = 6 * util::chunk_size + sizeof(std::uint64_t);
 
 char* put_escaped(std::string_view text, char* to) {
+#pragma GCC unroll 8
     for (const char c : text) {
-        if (c == '\0') break;
         const std::uint64_t word = written_as(c);
         std::memcpy(to, &word, sizeof word);
         to += word >> size_shift;
@@ -98,7 +102,7 @@ char* put_escaped(std::string_view text, char* to) {
 }
 
 char* put_decoded(std::string_view text, char* to) {
-    for (std::size_t i = 0; i < text.size() && text[i] != '\0'; ++i) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
         *to = text[i];
         if (text[i] == '&') {
             if (const Entity* const entity = entity_of(util::first_word(text.substr(i)))) {
@@ -111,47 +115,54 @@ char* put_decoded(std::string_view text, char* to) {
     return to;
 }
 
-String changed_short(std::string_view text, char* put_changed(std::string_view text, char* to)) {
+String changed_short(const Visible& text, char* put_changed(std::string_view text, char* to)) {
     char space[short_space];
-    if (!has_outer_quotes(text)) return String(space, put_changed(text, space) - space);
     space[0] = '"';
-    char* const end = put_changed(text.substr(1, text.size() - 2), space + 1);
+    char* const end = put_changed(text.inside, space + text.quotes);
     *end = '"';
-    return String(space, end + 1 - space);
+    return String(space, end + text.quotes - space);
+}
+
+// Returns a text of `size` bytes or less. At each of the places it calls put_change(place, writer),
+// which returns the number of bytes of the text that are replaced.
+template <typename PutChange>
+std::string changed_long(const Visible& text, std::size_t size, const util::Places& places,
+                         PutChange put_change) {
+    util::TextWriter changed(size);
+    changed.put("\"", text.quotes);
+    std::size_t begin = 0;
+    places.for_each([&](std::size_t at) {
+        changed.put(text.inside.substr(begin), at - begin);
+        begin = at + put_change(at, changed);
+    });
+    changed.put(text.inside.substr(begin));
+    changed.put("\"", text.quotes);
+    return changed.take();
 }
 
 }  // namespace
 
 String String::replaceXML() {
-    if (size() <= util::chunk_size) {
-        String result = changed_short(m_text, put_escaped);
+    const Visible text(view());
+    if (text.size() <= util::chunk_size) {
+        String result = changed_short(text, put_escaped);
         m_text = result.m_text;
         return result;
     }
-    const std::size_t quotes = has_outer_quotes(view()) ? 1 : 0;
     static const util::kernels::Members specials("&<>\"'");
-    const std::string_view inside = visible_inside(view());
-    const util::Places places(inside, specials);
-
-    const std::size_t visible_size = inside.size() + 2 * quotes;
-    if (places.empty() && visible_size == size()) return *this;
+    const util::Places places(text.inside, specials);
+    if (places.empty() && text.size() == size()) return *this;
 
     // Counting first: the result is allocated once, at its size.
-    std::size_t escaped_size = visible_size;
+    std::size_t escaped_size = text.size();
     places.for_each(
-        [&](std::size_t at) { escaped_size += (written_as(inside[at]) >> size_shift) - 1; });
-    util::TextWriter escaped(escaped_size);
-    escaped.put("\"", quotes);
-    std::size_t begin = 0;
-    places.for_each([&](std::size_t at) {
-        const std::uint64_t word = written_as(inside[at]);
-        escaped.put(inside.substr(begin), at - begin);
+        [&](std::size_t at) { escaped_size += (written_as(text.inside[at]) >> size_shift) - 1; });
+    const auto put_entity = [&](std::size_t at, util::TextWriter& escaped) {
+        const std::uint64_t word = written_as(text.inside[at]);
         escaped.put_word(word, word >> size_shift);
-        begin = at + 1;
-    });
-    escaped.put(inside.substr(begin));
-    escaped.put("\"", quotes);
-    String result(escaped.take());
+        return 1;
+    };
+    String result(changed_long(text, escaped_size, places, put_entity));
     m_text =
         std::string(result.m_text);  // copied first, so that this object is unchanged on failure
     return result;
@@ -163,31 +174,24 @@ String String::placeXML() {
         m_text.clear();
         util::require_position(npos, size());
     }
-    if (size() <= util::chunk_size) {
-        String result = changed_short(m_text, put_decoded);
+    const Visible text(view());
+    if (text.size() <= util::chunk_size) {
+        String result = changed_short(text, put_decoded);
         m_text = result.m_text;
         return result;
     }
-    const std::size_t quotes = has_outer_quotes(view()) ? 1 : 0;
     static const util::kernels::Members ampersand("&");
-    const std::string_view inside = visible_inside(view());
-    const std::size_t visible_size = inside.size() + 2 * quotes;
-    if (visible_size == size() && util::find_byte(inside, '&') == npos) return *this;
+    if (text.size() == size() && util::find_byte(text.inside, '&') == npos) return *this;
 
-    const util::Places places(inside, ampersand);
-    util::TextWriter decoded(visible_size);  // no entity is shorter than its character
-    decoded.put("\"", quotes);
-    std::size_t begin = 0;
-    places.for_each([&](std::size_t at) {
-        const Entity* const entity = entity_of(util::first_word(inside.substr(at)));
-        if (!entity) return;
-        decoded.put(inside.substr(begin), at - begin);
+    const util::Places places(text.inside, ampersand);
+    const auto put_character = [&](std::size_t at, util::TextWriter& decoded) {
+        const Entity* const entity = entity_of(util::first_word(text.inside.substr(at)));
+        if (!entity) return std::size_t{0};
         decoded.put(entity->character);
-        begin = at + entity->size;
-    });
-    decoded.put(inside.substr(begin));
-    decoded.put("\"", quotes);
-    String result(decoded.take());
+        return entity->size;
+    };
+    // No entity is shorter than its character.
+    String result(changed_long(text, text.size(), places, put_character));
     m_text = result.m_text;  // which has room for it
     return result;
 }

@@ -39,27 +39,20 @@ inline Block rotate_left_20(Block words) {
 inline std::uint32_t hash_words(std::uint32_t h, const char* bytes, std::size_t words) {
     constexpr std::size_t run = 32;
     if (words < run) return scalar::hash_words(h, bytes, words);
-    Block w0 = load(bytes);
-    Block w1 = load(bytes + 16);
-    Block w2 = load(bytes + 32);
-    Block w3 = load(bytes + 48);
-    Block w4 = load(bytes + 64);
-    Block w5 = load(bytes + 80);
-    Block w6 = load(bytes + 96);
-    Block w7 = load(bytes + 112);
+    constexpr int blocks = 8;
+    Block sums[blocks];
+#pragma GCC unroll 8
+    for (int i = 0; i < blocks; ++i)
+        sums[i] = load(bytes + i * block_size);
     for (bytes += 4 * run, words -= run; words >= run; bytes += 4 * run, words -= run) {
-        w0 = _mm_xor_si128(w0, load(bytes));
-        w1 = _mm_xor_si128(w1, load(bytes + 16));
-        w2 = _mm_xor_si128(w2, load(bytes + 32));
-        w3 = _mm_xor_si128(w3, load(bytes + 48));
-        w4 = _mm_xor_si128(w4, load(bytes + 64));
-        w5 = _mm_xor_si128(w5, load(bytes + 80));
-        w6 = _mm_xor_si128(w6, load(bytes + 96));
-        w7 = _mm_xor_si128(w7, load(bytes + 112));
+#pragma GCC unroll 8
+        for (int i = 0; i < blocks; ++i)
+            sums[i] = _mm_xor_si128(sums[i], load(bytes + i * block_size));
     }
-    Block four = w0;
-    const auto append = [&](Block next) { four = _mm_xor_si128(rotate_left_20(four), next); };
-    append(w1), append(w2), append(w3), append(w4), append(w5), append(w6), append(w7);
+    Block four = sums[0];
+#pragma GCC unroll 8
+    for (int i = 1; i < blocks; ++i)
+        four = _mm_xor_si128(rotate_left_20(four), sums[i]);
     char last[block_size];
     store(last, four);
     h ^= scalar::hash_words(0, last, 4);
