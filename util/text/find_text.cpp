@@ -25,11 +25,4 @@ std::vector<std::size_t> borders_of(std::string_view what) {
     return borders;
 }
 
-std::size_t common_length(const char* a, std::string_view b) {
-    std::size_t length = 0;
-    while (length < b.size() && a[length] == b[length])
-        ++length;
-    return length;
-}
-
 }  // namespace util

@@ -43,9 +43,6 @@ std::size_t find_text(std::string_view text, std::string_view what, std::size_t 
 // suffix (Knuth, Morris and Pratt).
 std::vector<std::size_t> borders_of(std::string_view what);
 
-// Length of the common prefix of `a` and `b`. `a` has at least `b.size()` bytes.
-std::size_t common_length(const char* a, std::string_view b);
-
 // Returns the first bytes of `text` as a number, the first byte lowest, filled up with zeros. Reads
 // a short text byte by byte, since memcpy of a variable size is a call.
 inline std::uint64_t first_word(std::string_view text) {
@@ -80,15 +77,11 @@ class Needle {
     std::uint64_t m_mask = ~std::uint64_t{0};  // of the bytes that it has
 };
 
-struct SameByte {
-    char operator()(char c) const { return c; }
-};
-
 // As each_occurrence, in one pass over both texts whatever they contain. Maps the bytes of `text`
 // before it compares them.
-template <typename Take, typename Map = SameByte>
+template <typename Take, typename Map>
 void each_in_repetitive(std::string_view text, std::string_view what, std::size_t pos, Take take,
-                        Map map = Map()) {
+                        Map map) {
     const std::vector<std::size_t> borders = borders_of(what);
     std::size_t matched = 0;
     for (std::size_t i = pos; i < text.size(); ++i) {
@@ -128,10 +121,10 @@ void each_occurrence(std::string_view text, std::string_view what, std::size_t p
                 next = at + what.size();
                 continue;
             }
-            wasted += common_length(text.data() + at, what);
-            if (wasted > at - pos + allowance) {
-                return each_in_repetitive(text, what, at + 1, take);
-            }
+            const auto difference = std::mismatch(what.begin(), what.end(), text.begin() + at);
+            wasted += static_cast<std::size_t>(difference.first - what.begin());
+            if (wasted > at - pos + allowance)
+                return each_in_repetitive(text, what, at + 1, take, [](char c) { return c; });
         }
     }
 }

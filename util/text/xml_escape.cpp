@@ -71,14 +71,11 @@ static_assert([] {
     return true;
 }());
 
-bool has_outer_quotes(std::string_view text) {
-    return text.size() > 1 && text.front() == '"' && text.back() == '"';
-}
-
 // The text inside the outer quotes, if any, up to its first NUL. The quotes are those of the stored
 // text, whether or not there is a NUL between them.
 struct Visible {
-    explicit Visible(std::string_view text) : quotes(has_outer_quotes(text) ? 1 : 0) {
+    explicit Visible(std::string_view text)
+        : quotes(text.size() > 1 && text.front() == '"' && text.back() == '"' ? 1 : 0) {
         inside = util::up_to_nul(text.substr(quotes, text.size() - 2 * quotes));
     }
     std::size_t size() const { return inside.size() + 2 * quotes; }
@@ -115,12 +112,16 @@ char* put_decoded(std::string_view text, char* to) {
     return to;
 }
 
-String changed_short(const Visible& text, char* put_changed(std::string_view text, char* to)) {
+// Also stores the result.
+String changed_short(std::string& stored, const Visible& text,
+                     char* put_changed(std::string_view text, char* to)) {
     char space[short_space];
     space[0] = '"';
     char* const end = put_changed(text.inside, space + text.quotes);
     *end = '"';
-    return String(space, end + text.quotes - space);
+    String result(space, end + text.quotes - space);
+    stored = result.str();
+    return result;
 }
 
 // Returns a text of `size` bytes or less. At each of the places it calls put_change(place, writer),
@@ -144,11 +145,7 @@ std::string changed_long(const Visible& text, std::size_t size, const util::Plac
 
 String String::replaceXML() {
     const Visible text(view());
-    if (text.size() <= util::chunk_size) {
-        String result = changed_short(text, put_escaped);
-        m_text = result.m_text;
-        return result;
-    }
+    if (text.size() <= util::chunk_size) return changed_short(m_text, text, put_escaped);
     static const util::kernels::Members specials("&<>\"'");
     const util::Places places(text.inside, specials);
     if (places.empty() && text.size() == size()) return *this;
@@ -175,11 +172,7 @@ String String::placeXML() {
         util::require_position(npos, size());
     }
     const Visible text(view());
-    if (text.size() <= util::chunk_size) {
-        String result = changed_short(text, put_decoded);
-        m_text = result.m_text;
-        return result;
-    }
+    if (text.size() <= util::chunk_size) return changed_short(m_text, text, put_decoded);
     static const util::kernels::Members ampersand("&");
     if (text.size() == size() && util::find_byte(text.inside, '&') == npos) return *this;
 

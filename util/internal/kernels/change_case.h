@@ -2,8 +2,6 @@
 #ifndef UTIL_INTERNAL_KERNELS_CHANGE_CASE_H
 #define UTIL_INTERNAL_KERNELS_CHANGE_CASE_H
 
-#include <cstring>
-
 #include "util/internal/kernels/kernels.h"
 
 namespace util {

@@ -2,8 +2,6 @@
 #ifndef UTIL_INTERNAL_KERNELS_FIND_BYTE_H
 #define UTIL_INTERNAL_KERNELS_FIND_BYTE_H
 
-#include <cstring>
-
 #include "util/internal/kernels/kernels.h"
 
 namespace util {
@@ -61,11 +59,7 @@ inline std::size_t find_byte(const char* text, std::size_t size, char c) {
 
 // The kernels below also read bytes outside the text, which may belong to other threads. They
 // ignore those bytes, but sanitizers report the reads.
-#ifdef __GNUC__
 #define UTIL_READS_WHOLE_BLOCKS __attribute__((no_sanitize("address", "thread")))
-#else
-#define UTIL_READS_WHOLE_BLOCKS
-#endif
 
 // Sets the bytes that are `c` or NUL, in the block at an address that is a multiple of 16.
 UTIL_READS_WHOLE_BLOCKS inline Block ending(const char* aligned, Block c) {

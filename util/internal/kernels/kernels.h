@@ -18,14 +18,6 @@ namespace util {
 
 constexpr std::size_t chunk_size = 64;  // bytes, one for each bit of a std::uint64_t
 
-namespace scalar {}
-#ifdef UTIL_SSE2_KERNELS
-namespace sse2 {}
-namespace kernels = sse2;
-#else
-namespace kernels = scalar;
-#endif
-
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
 
@@ -64,6 +56,10 @@ template <typename Compare>
 }
 
 }  // namespace sse2
+namespace kernels = sse2;
+#else
+namespace scalar {}
+namespace kernels = scalar;
 #endif
 
 // Returns the position of the lowest set bit. `bits` is not 0.
