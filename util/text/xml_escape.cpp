@@ -119,7 +119,7 @@ String changed_short(std::string& stored, const Visible& text,
     space[0] = '"';
     char* const end = put_changed(text.inside, space + text.quotes);
     *end = '"';
-    String result(space, end + text.quotes - space);
+    String result(space, static_cast<std::size_t>(end - space) + text.quotes);
     stored = result.str();
     return result;
 }
@@ -157,7 +157,7 @@ String String::replaceXML() {
     const auto put_entity = [&](std::size_t at, util::TextWriter& escaped) {
         const std::uint64_t word = written_as(text.inside[at]);
         escaped.put_word(word, word >> size_shift);
-        return 1;
+        return std::size_t{1};
     };
     String result(changed_long(text, escaped_size, places, put_entity));
     m_text =

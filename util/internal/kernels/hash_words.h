@@ -39,19 +39,19 @@ inline Block rotate_left_20(Block words) {
 inline std::uint32_t hash_words(std::uint32_t h, const char* bytes, std::size_t words) {
     constexpr std::size_t run = 32;
     if (words < run) return scalar::hash_words(h, bytes, words);
-    constexpr int blocks = 8;
+    constexpr std::size_t blocks = 8;
     Block sums[blocks];
 #pragma GCC unroll 8
-    for (int i = 0; i < blocks; ++i)
+    for (std::size_t i = 0; i < blocks; ++i)
         sums[i] = load(bytes + i * block_size);
     for (bytes += 4 * run, words -= run; words >= run; bytes += 4 * run, words -= run) {
 #pragma GCC unroll 8
-        for (int i = 0; i < blocks; ++i)
+        for (std::size_t i = 0; i < blocks; ++i)
             sums[i] = _mm_xor_si128(sums[i], load(bytes + i * block_size));
     }
     Block four = sums[0];
 #pragma GCC unroll 8
-    for (int i = 1; i < blocks; ++i)
+    for (std::size_t i = 1; i < blocks; ++i)
         four = _mm_xor_si128(rotate_left_20(four), sums[i]);
     char last[block_size];
     store(last, four);
