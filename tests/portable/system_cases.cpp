@@ -10,6 +10,7 @@
 // after the platform's header
 #include <comutil.h>
 
+using util_test::Call;
 using util_test::call;
 using util_test::ImportPatch;
 using util_test::said;
@@ -21,17 +22,26 @@ using util_test::Words;
 namespace {
 
 // The result of a call. A failure is followed by errno, or the last error; both are 77 before.
-template <typename Call>
-Words by_errno(Call make) {
+template <typename Function, typename... Arguments>
+Words by_errno(Function function, Arguments... arguments) {
     errno = 77;
-    const auto result = make();
+    const int result = function(arguments...);
     return result == -1 ? said(-1, errno) : said(result);
 }
-template <typename Call>
-Words by_last_error(Call make) {
+template <typename Function, typename... Arguments>
+Words by_last_error(Function function, Arguments... arguments) {
     SetLastError(77);
-    const int result = make();
+    const int result = function(arguments...);
     return result == 0 ? said(0, GetLastError()) : said("done");
+}
+
+const char* const failed = "-1 ... | raises _com_error";
+
+// A function on a path. Its failure is -1 and errno.
+template <typename... Arguments>
+Call on_path(const char* name, int (*function)(Arguments...)) {
+    return call(name, failed,
+                [=](Arguments... arguments) { return by_errno(function, arguments...); });
 }
 
 using Status = int(const char*, struct _stat64i32*);
@@ -39,28 +49,31 @@ template <Status* status>
 Words status_of(const char* path) {
     struct _stat64i32 record, zeroes = {};
     std::memset(&record, 0xA5, sizeof record);
-    Words result = by_errno([&] { return status(path, &record); });
+    const Words result = by_errno(status, path, &record);
     if (result[0] == "0")
         return said(result, util_test::hex(record.st_mode & _S_IFMT), record.st_size);
     return said(result, std::memcmp(&record, &zeroes, sizeof record) ? "kept" : "zeroed");
 }
 
-// The path that reaches the runtime, from ksl_lstat and from UTF8_lstat. The other two agree.
+// The path that reaches the runtime from ksl_stat and ksl_lstat, and the path from UTF8_stat and
+// UTF8_lstat if it is another one.
 Words examined(const char* path) {
-    std::wstring last;
+    Words paths;
     const ImportPatch patch("_wstat64", [&](const wchar_t* given, struct _stat64*) {
-        last = given;
-        errno = 99;
-        return -1;
+        if (paths.empty() || paths.back() != shown(given)) paths.push_back(shown(given));
+        return util_test::fails<-1, 0, 99>();
     });
-    const auto by = [&](Status* status) {
-        struct _stat64i32 record;
-        EXPECT_EQ(by_errno([&] { return status(path, &record); }), said(-1, 99));
-        return shown(last);
-    };
-    const Words words = said(by(ksl_lstat), by(UTF8_lstat));
-    EXPECT_EQ(said(by(ksl_stat), by(UTF8_stat)), words);
-    return words;
+    struct _stat64i32 record;
+    for (Status* const status : {ksl_stat, ksl_lstat, UTF8_stat, UTF8_lstat})
+        EXPECT_EQ(by_errno(status, path, &record), said(-1, 99));
+    return paths;
+}
+
+Words open(const char* path, int flags) {
+    const Words result = by_errno(UTF8_open, path, flags, _S_IWRITE);
+    if (result[0] == "-1") return result;
+    _close(std::stoi(result[0]));
+    return said("opened");
 }
 
 // The names that match, sorted. The search gives each in both forms.
@@ -83,9 +96,40 @@ Words find(const char* pattern) {
 
 Words disk_space(const char* path) {
     std::uint64_t available = 1, total = 0, free = 0;
-    const Words result =
-        by_last_error([&] { return UTF8_GetDiskFreeSpaceEx(path, &available, &total, &free); });
+    const Words result = by_last_error(UTF8_GetDiskFreeSpaceEx, path, &available, &total, &free);
     return result[0] == "0" ? result : said(available <= free, free < total);
+}
+
+Words to_wide_text(const char* utf8) {
+    _bstr_t out(L"before");
+    const bool done = UTIL_Utf8ToWideChar(utf8, &out);
+    return out.copy(false) ? said(done, shown({out, out.length()})) : said(done);
+}
+template <bool (*convert)(const wchar_t*, String*)>
+Words from_wide_text(const char* wide) {
+    String out("before");
+    const bool done = convert(wide ? units_of(wide).c_str() : nullptr, &out);
+    return said(done, out);
+}
+Words to_ansi(const char* utf8) {
+    String out("before");
+    const bool done = UTIL_Utf8ToMultiByte(utf8, &out);
+    return said(done, out);
+}
+Words no_outputs() {
+    return said(UTIL_WideCharToUtf8(L"a", nullptr), UTIL_WcharToMultiByte(L"a", nullptr),
+                UTIL_Utf8ToWideChar("a", nullptr), UTIL_Utf8ToMultiByte("a", nullptr));
+}
+
+// The result, and the descriptor that reaches the runtime.
+Words closed(int descriptor) {
+    int given = -2;
+    const ImportPatch patch("_close", [&](int fd) {
+        given = fd;
+        return 0;
+    });
+    const int result = ksl_close(descriptor);
+    return said(result, given);
 }
 
 struct World : util_test::CaseWorld {
@@ -100,16 +144,23 @@ struct World : util_test::CaseWorld {
     void disturb_free() {
         patch.emplace("SysFreeString", [](BSTR text) {
             SysFreeString(text);
-            errno = 88;
-            SetLastError(88);
+            util_test::fails<0, 88, 88>();
         });
+    }
+    bool transfer() {
+        const int fd = _open((scratch / "f").c_str(), _O_RDWR | _O_CREAT, _S_IWRITE);
+        const int other = ksl_dup(fd);
+        char byte = 0;
+        const bool done = ksl_write(fd, "x", 1) == 1 && ksl_lseek(other, 0, 0) == 0 &&
+                          ksl_read(other, &byte, 1) == 1 && byte == 'x';
+        const bool is_closed = ksl_close(other) == 0;
+        _close(fd);
+        return done && is_closed;
     }
 
     util_test::ScratchDirectory scratch;
     std::optional<ImportPatch> patch;
 };
-
-const char* const failed = "-1 ... | raises _com_error";
 
 const util_test::Cases<World> cases(
     "portable/system.cases",
@@ -120,78 +171,32 @@ const util_test::Cases<World> cases(
         call("file", [](World& w, const std::string& name) { w.scratch.file(name, "content"); }),
         call("content", [](World& w, const std::string& name) { return w.scratch.read(name); }),
 
-        call("open", failed,
-             [](const char* path, int flags) {
-                 const Words result = by_errno([&] { return UTF8_open(path, flags, _S_IWRITE); });
-                 if (result[0] == "-1") return result;
-                 _close(std::stoi(result[0]));
-                 return said("opened");
-             }),
-        call("access", failed,
-             [](const char* path, int mode) {
-                 return by_errno([&] { return UTF8_access(path, mode); });
-             }),
-        call("chmod", failed,
-             [](const char* path, int mode) {
-                 return by_errno([&] { return UTF8_chmod(path, mode); });
-             }),
-        call("unlink", failed,
-             [](const char* path) { return by_errno([&] { return UTF8_unlink(path); }); }),
-        call("chdir", failed,
-             [](const char* path) { return by_errno([&] { return UTF8_chdir(path); }); }),
-        call("mkdir", failed,
-             [](const char* path) { return by_errno([&] { return UTF8_mkdir(path); }); }),
-        call("rmdir", failed,
-             [](const char* path) { return by_errno([&] { return UTF8_rmdir(path); }); }),
+        call("open", failed, open),
+        on_path("access", UTF8_access),
+        on_path("chmod", UTF8_chmod),
+        on_path("unlink", UTF8_unlink),
+        on_path("chdir", UTF8_chdir),
+        on_path("mkdir", UTF8_mkdir),
+        on_path("rmdir", UTF8_rmdir),
         call("stat", "-1 ... zeroed | raises _com_error", status_of<UTF8_stat>),
         call("lstat", "-1 ... zeroed | raises _com_error", status_of<UTF8_lstat>),
         call("ksl_stat", "-1 ... zeroed", status_of<ksl_stat>),
         call("ksl_lstat", "-1 ... zeroed", status_of<ksl_lstat>),
+        call("no_record", [] { return by_errno(UTF8_stat, "C:\\", nullptr); }),
+        call("no_ksl_record", [] { return by_errno(ksl_stat, "C:\\", nullptr); }),
         call("examined", examined),
         call("find", "-1 ... | raises _com_error | ... \"ends with\" ...", find),
         call("disk_space", "0 ... | raises _com_error", disk_space),
         call("copy", "0 ... | raises _com_error",
-             [](const char* from, const char* to, int fails) {
-                 return by_last_error([&] { return UTF8_CopyFile(from, to, fails); });
-             }),
-        call("no_record",
-             [](const char* path) {
-                 const Words stat = by_errno([&] { return UTF8_stat(path, nullptr); });
-                 return said(stat, by_errno([&] { return ksl_stat(path, nullptr); }));
+             [](const char* from, const char* to, int is_new) {
+                 return by_last_error(UTF8_CopyFile, from, to, is_new);
              }),
 
-        call("to_wide", "false | raises _com_error",
-             [](const char* utf8) {
-                 _bstr_t out(L"before");
-                 const bool done = UTIL_Utf8ToWideChar(utf8, &out);
-                 return out.copy(false) ? said(done, shown({out, out.length()})) : said(done);
-             }),
-        call("to_utf8", "false \"\"",
-             [](const char* wide) {
-                 String out("before");
-                 const bool done =
-                     UTIL_WideCharToUtf8(wide ? units_of(wide).c_str() : nullptr, &out);
-                 return said(done, out);
-             }),
-        call("wide_to_ansi", "false before",
-             [](const char* wide) {
-                 String out("before");
-                 const bool done =
-                     UTIL_WcharToMultiByte(wide ? units_of(wide).c_str() : nullptr, &out);
-                 return said(done, out);
-             }),
-        call("to_ansi", "false before",
-             [](const char* utf8) {
-                 String out("before");
-                 const bool done = UTIL_Utf8ToMultiByte(utf8, &out);
-                 return said(done, out);
-             }),
-        call("no_outputs",
-             [] {
-                 return said(UTIL_WideCharToUtf8(L"a", nullptr),
-                             UTIL_WcharToMultiByte(L"a", nullptr),
-                             UTIL_Utf8ToWideChar("a", nullptr), UTIL_Utf8ToMultiByte("a", nullptr));
-             }),
+        call("to_wide", "false | raises _com_error", to_wide_text),
+        call("to_utf8", "false \"\"", from_wide_text<UTIL_WideCharToUtf8>),
+        call("wide_to_ansi", "false before", from_wide_text<UTIL_WcharToMultiByte>),
+        call("to_ansi", "false before", to_ansi),
+        call("no_outputs", no_outputs),
 
         call("go_to", [](const std::string& path) { SetCurrentDirectoryW(to_wide(path).c_str()); }),
         call("current_directory", "\"\"", UTIL_CurrentDirectory),
@@ -199,26 +204,8 @@ const util_test::Cases<World> cases(
         call("use_ansi_page", SetFileApisToANSI),
         call("putenv", "-1", ksl_putenv),
         call("getenv", [](const char* name) { return std::getenv(name); }),
-        call("close",
-             [](int descriptor) {
-                 int closed = -2;
-                 const ImportPatch patch("_close", [&](int given) {
-                     closed = given;
-                     return 0;
-                 });
-                 return said(ksl_close(descriptor), closed);
-             }),
-        call("transfer", "false",
-             [](World& w) {
-                 const int fd = _open((w.scratch / "f").c_str(), _O_RDWR | _O_CREAT, _S_IWRITE);
-                 const int other = ksl_dup(fd);
-                 char byte = 0;
-                 const bool done = ksl_write(fd, "x", 1) == 1 && ksl_lseek(other, 0, 0) == 0 &&
-                                   ksl_read(other, &byte, 1) == 1 && byte == 'x';
-                 const bool closed = ksl_close(other) == 0;
-                 _close(fd);
-                 return done && closed;
-             }),
+        call("close", closed),
+        call("transfer", "false", &World::transfer),
     });
 
 }  // namespace
