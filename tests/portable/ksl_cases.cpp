@@ -1,6 +1,5 @@
-#include <ctime>
-
 #include "support/cases.h"
+#include "support/time_zone.h"
 #include "util/portable/ksl_string.h"
 #include "util/portable/ksl_time.h"
 
@@ -68,6 +67,18 @@ Words time_codes(std::int64_t time) {
                 ksl_localtime(nullptr, &fields), ksl_ctime(nullptr, text, sizeof text));
 }
 
+// The time in that zone from ksl_ctime, with 19 bytes and with 20. From ksl_localtime: day of the
+// week, day of the year, daylight saving.
+Words local(const char* zone, std::int64_t time) {
+    util_test::set_zone(zone);
+    char text[20] = "";
+    std::tm fields;
+    const int too_short = ksl_ctime(&time, text, 19);
+    const int length = ksl_ctime(&time, text, sizeof text);
+    ksl_localtime(&time, &fields);
+    return said(too_short, length, text, fields.tm_wday, fields.tm_yday, fields.tm_isdst);
+}
+
 const util_test::Cases<util_test::CaseWorld> cases(
     "portable/ksl.cases", {
                               call("trim", changed<ksl_strcpy_trim>),
@@ -101,6 +112,7 @@ const util_test::Cases<util_test::CaseWorld> cases(
                               call("strptime", [](const char* text) { return parsed_in(5, text); }),
                               call("strptime_in", parsed_in),
                               call("time_codes", time_codes),
+                              call("local", local),
                           });
 
 }  // namespace

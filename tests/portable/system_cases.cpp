@@ -3,9 +3,11 @@
 #include <sys/stat.h>
 
 #include "support/cases.h"
+#include "support/handle_count.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
 #include "support/units.h"
+#include "torture/resources.h"
 #include "util/portable/portable.h"
 // after the platform's header
 #include <comutil.h>
@@ -132,6 +134,34 @@ Words closed(int descriptor) {
     return said(result, given);
 }
 
+// The current directory of a platform that gives a text of that length in the ANSI page, and one
+// that has grown at the next question. Also the number of heap blocks that stay.
+Words directory_of(std::size_t length, std::size_t growth) {
+    std::string text = length == 0 ? "" : std::string(length - 1, 'd') + "\xE9";
+    const ImportPatch patch("GetCurrentDirectoryA", [&](DWORD room, char* out) {
+        const std::string given = text;
+        text.append(growth, 'd');
+        if (given.size() >= room) return static_cast<DWORD>(given.size() + 1);
+        std::memcpy(out, given.c_str(), given.size() + 1);
+        return static_cast<DWORD>(given.size());
+    });
+    const auto heap = reinterpret_cast<HANDLE>(_get_heap_handle());
+    const long before = torture::blocks_of(heap);
+    const String directory = UTIL_CurrentDirectory();
+    const bool is_long = directory.size() > 15;  // has a heap block of its own
+    return said(directory, torture::blocks_of(heap) - before - is_long);
+}
+
+// Whether a search begins. If it does not: the last error, and the handles that stay.
+Words begun(const char* pattern, WIN32_FIND_DATAW* data) {
+    char name[778];
+    SetLastError(77);
+    const long before = util_test::handle_count();
+    const bool begins = UTF8_FindFirstFile(pattern, data, name) != INVALID_HANDLE_VALUE;
+    const DWORD last_error = GetLastError();
+    return begins ? said("begun") : said(0, last_error, util_test::handle_count() - before);
+}
+
 struct World : util_test::CaseWorld {
     World() {
         values["d"] = scratch.path();
@@ -158,14 +188,26 @@ struct World : util_test::CaseWorld {
         return done && is_closed;
     }
 
+    Words next(bool has_record, bool has_name) {
+        const auto step = [&] {
+            return UTF8_FindNextFile(search, has_record ? &data : nullptr,
+                                     has_name ? name : nullptr);
+        };
+        return by_last_error(step);
+    }
+
     util_test::ScratchDirectory scratch;
     std::optional<ImportPatch> patch;
+    WIN32_FIND_DATAW data;
+    char name[778];
+    void* search = nullptr;
 };
 
 const util_test::Cases<World> cases(
     "portable/system.cases",
     {
         call("refuse", &World::refuse),
+        call("permit", [](World& w) { w.patch.reset(); }),
         call("disturb_free", &World::disturb_free),
         call("directory", [](World& w, const std::string& name) { w.scratch.directory(name); }),
         call("file", [](World& w, const std::string& name) { w.scratch.file(name, "content"); }),
@@ -186,6 +228,15 @@ const util_test::Cases<World> cases(
         call("no_ksl_record", [] { return by_errno(ksl_stat, "C:\\", nullptr); }),
         call("examined", examined),
         call("find", "-1 ... | raises _com_error | ... \"ends with\" ...", find),
+        call("search",
+             [](World& w, const char* pattern) {
+                 w.search = UTF8_FindFirstFile(pattern, &w.data, w.name);
+             }),
+        call("next", &World::next),
+        call("end_search", [](World& w) { return FindClose(w.search); }),
+        call("another_search",
+             [](World& w, const char* pattern) { return begun(pattern, &w.data); }),
+        call("search_without_record", [] { return begun("C:\\*", nullptr); }),
         call("disk_space", "0 ... | raises _com_error", disk_space),
         call("copy", "0 ... | raises _com_error",
              [](const char* from, const char* to, int is_new) {
@@ -200,6 +251,7 @@ const util_test::Cases<World> cases(
 
         call("go_to", [](const std::string& path) { SetCurrentDirectoryW(to_wide(path).c_str()); }),
         call("current_directory", "\"\"", UTIL_CurrentDirectory),
+        call("directory_of", directory_of),
         call("use_oem_page", SetFileApisToOEM),
         call("use_ansi_page", SetFileApisToANSI),
         call("putenv", "-1", ksl_putenv),

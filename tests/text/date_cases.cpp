@@ -1,7 +1,7 @@
 #include <clocale>
-#include <ctime>
 
 #include "support/cases.h"
+#include "support/time_zone.h"
 #include "util/text/byte_string.h"
 #include "util/text/date.h"
 
@@ -9,19 +9,10 @@ using extstl::ExtDate;
 using extstl::ExtTime;
 using util_test::call;
 using util_test::said;
+using util_test::set_zone;
 using util_test::Words;
 
 namespace {
-
-void set_zone(const std::string& zone) {
-#ifdef _WIN32
-    _putenv(("TZ=" + zone).c_str());
-    _tzset();
-#else
-    setenv("TZ", zone.c_str(), 1);
-    tzset();
-#endif
-}
 
 // The results of a call in each of three time zones, or one result if all are the same.
 template <typename Call>
