@@ -135,7 +135,7 @@ struct World : util_test::CaseWorld {
     std::optional<int> select_result;
     const ImportPatch selects{"select", [this](int, fd_set* set, fd_set*, fd_set*, timeval* time) {
                                   if (!select_result) return select(0, set, nullptr, nullptr, time);
-                                  set->fd_count = 0;
+                                  if (*select_result > 0) set->fd_count = 0;
                                   return *select_result;
                               }};
     int waits_left = 100;

@@ -254,7 +254,7 @@ const util_test::Cases<World> cases(
         call("directory_of", directory_of),
         call("use_oem_page", SetFileApisToOEM),
         call("use_ansi_page", SetFileApisToANSI),
-        call("putenv", "-1", ksl_putenv),
+        on_path("putenv", ksl_putenv),
         call("getenv", [](const char* name) { return std::getenv(name); }),
         call("close", closed),
         call("transfer", "false", &World::transfer),
