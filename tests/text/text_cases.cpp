@@ -98,6 +98,7 @@ const util_test::Cases<World> cases(
         call("to_int", &String::to_int),
         call("first",
              [](const String& s, const char* part, Size from) { return s.first(part, from); }),
+        call("first_byte", [](const String& s, char c, Size from) { return s.first(c, from); }),
         call("last", &String::last),
         call("find", [](const ExtString& s, const char* part, Size from,
                         int any_case) { return s.find(part, from, any_case); }),
