@@ -30,6 +30,7 @@ bool child_inherits() {
 
 // The command's first line and the result of ksl_pclose, or "no stream" and errno.
 Words read(const char* command, const char* mode) {
+    errno = 77;
     FILE* const stream = ksl_popen(command, mode);
     if (!stream) return said("no stream", errno);
     char line[16] = "";
