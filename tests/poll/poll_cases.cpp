@@ -88,12 +88,12 @@ struct World : util_test::CaseWorld {
         poll.remove(at(name).fd);
         return GetLastError();
     }
-    // Whether it takes its time, less a tick of the clock.
+    // Whether it takes its time, less a tick of the clock, and ends. A loaded machine is slow.
     bool run(int ms) {
         const ULONGLONG start = GetTickCount64();
         poll.run(ms);
         const ULONGLONG took = GetTickCount64() - start;
-        return static_cast<int>(took) + 16 >= ms && took < 1000;
+        return static_cast<int>(took) + 16 >= ms && took < 10000;
     }
     // The allocations of another poller, and those of its run().
     Words allocations(int ms) {

@@ -83,28 +83,28 @@ struct World : util_test::CaseWorld {
                            [this](const char* root) { return machine.at(root[0] - 'C').type; }};
 };
 
-const util_test::Cases<World> cases(
-    "portable/ksl_mount.cases",
-    {
-        call("drive",
-             [](World& w, int serial, const std::string& file_system, UINT type) {
-                 w.machine.push_back({serial, file_system, type});
-             }),
-        call("plug_in",
-             [](World& w, int serial, const std::string& file_system, UINT type) {
-                 w.plugged_in.push_back({serial, file_system, type});
-             }),
-        call("no_drives", [](World& w) { w.machine.clear(); }),
-        call("fail_list", [](World& w) { w.list_fails = true; }),
-        call("drives", ksl_getNumMntStructures),
-        call("records", &World::records),
-        call("needed",
-             [](int capacity) {
-                 const int result = ksl_getMntData(nullptr, &capacity);
-                 return said(result, capacity);
-             }),
-        call("no_arguments", [] { return ksl_getMntData(nullptr, nullptr); }),
-        call("asks", &World::asks),
-    });
+template <std::vector<Drive> World::*drives>
+void add(World& w, int serial, const std::string& file_system, UINT type) {
+    (w.*drives).push_back({serial, file_system, type});
+}
+
+const util_test::Cases<World> cases("portable/ksl_mount.cases",
+                                    {
+                                        call("drive", add<&World::machine>),
+                                        call("plug_in", add<&World::plugged_in>),
+                                        call("no_drives", [](World& w) { w.machine.clear(); }),
+                                        call("fail_list", [](World& w) { w.list_fails = true; }),
+                                        call("drives", ksl_getNumMntStructures),
+                                        call("records", &World::records),
+                                        call("needed",
+                                             [](int capacity) {
+                                                 const int result =
+                                                     ksl_getMntData(nullptr, &capacity);
+                                                 return said(result, capacity);
+                                             }),
+                                        call("no_arguments",
+                                             [] { return ksl_getMntData(nullptr, nullptr); }),
+                                        call("asks", &World::asks),
+                                    });
 
 }  // namespace
