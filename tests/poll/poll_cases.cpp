@@ -1,6 +1,7 @@
 // fuzz/poll_fuzz.cpp tests which callbacks run, and in which order.
 #include "util/poll/poll.h"
 
+#include <chrono>
 #include <deque>
 #include <list>
 
@@ -88,12 +89,13 @@ struct World : util_test::CaseWorld {
         poll.remove(at(name).fd);
         return GetLastError();
     }
-    // Whether it takes its time, less a tick of the clock, and ends. A loaded machine is slow.
+    // Whether it takes its time, less a tick, and ends. GetTickCount64 lags on a loaded machine.
     bool run(int ms) {
-        const ULONGLONG start = GetTickCount64();
+        using std::chrono::steady_clock;
+        const auto start = steady_clock::now();
         poll.run(ms);
-        const ULONGLONG took = GetTickCount64() - start;
-        return static_cast<int>(took) + 16 >= ms && took < 10000;
+        const auto took = steady_clock::now() - start;
+        return took >= std::chrono::milliseconds(ms - 16) && took < std::chrono::seconds(10);
     }
     // The allocations of another poller, and those of its run().
     Words allocations(int ms) {
