@@ -27,40 +27,8 @@ struct World : util_test::CaseWorld {
         record.wServicePackMinor = 7;
         record.wProductType = type;
     }
-    // Major and minor version, service pack, type, R2.
-    static Words version() {
-        unsigned long major = 77, minor = 77;
-        unsigned short sp_major = 77, sp_minor = 77, type = 77, r2 = 77;
-        const int result = UTIL_GetOsVersion(&major, &minor, &sp_major, &sp_minor, &type, &r2);
-        const int is_this = UTIL_IsOSVersionEqualTo(major, minor, sp_major, sp_minor, type, r2);
-        EXPECT_EQ(is_this, result == 0 ? 1 : -1);
-        return said(result, major, minor, sp_major, sp_minor, type, r2);
-    }
-    static Words platform() {
-        String name = "before";
-        const int result = UTIL_getPlatform(name);
-        return said(result, name);
-    }
-    // Enterprise edition, service pack 1 of Windows 2003 or later, transportable shadow copies.
-    static Words flags() {
-        return said(UTIL_IsEnterpriseEdition(), UTIL_IsWin2k3SP_1_Or_Later(),
-                    UTIL_IsVSSTransportableSupported());
-    }
-
-    // The flag of the emulation, and the result of switching its redirection off and on again.
-    static Words is_wow64() {
-        unsigned char flag = 7;
-        const unsigned long result = UTIL_getIsWow64(&flag);
-        return said(result, int(flag));
-    }
-    Words redirect() {
-        int state = 0;
-        log.clear();
-        const int off = UTIL_VornWow64DisableWow64FsRedirection(reinterpret_cast<void**>(&state));
-        const int on = UTIL_VornWow64RevertWow64FsRedirection(&state);
-        EXPECT_EQ(off, on);
-        return said(off, log);
-    }
+    // The result of switching the redirection, and the calls made for it.
+    Words redirected(int result) { return said(result, std::exchange(log, "")); }
     static BOOL WINAPI tell_emulation(HANDLE, BOOL* answer) {
         *answer = current->emulated;
         SetLastError(77);
@@ -75,6 +43,7 @@ struct World : util_test::CaseWorld {
     static inline World* current = nullptr;
     bool exports_question = true, exports_switch = true, loads = true;
     BOOL tells = TRUE, emulated = TRUE;
+    int state = 0;
     std::string log;
     const ImportPatch entry{
         "GetProcAddress", [this](HMODULE, const char* name) -> void* {
@@ -105,6 +74,27 @@ struct World : util_test::CaseWorld {
                              [this](int index) { return index == 89 ? r2_metric : 0; }};
 };
 
+// Major and minor version, service pack, type, R2. Then whether the version equals these.
+Words version() {
+    unsigned long major = 77, minor = 77;
+    unsigned short sp_major = 77, sp_minor = 77, type = 77, r2 = 77;
+    const int result = UTIL_GetOsVersion(&major, &minor, &sp_major, &sp_minor, &type, &r2);
+    const int is_this = UTIL_IsOSVersionEqualTo(major, minor, sp_major, sp_minor, type, r2);
+    return said(result, major, minor, sp_major, sp_minor, type, r2, is_this);
+}
+// Enterprise edition, service pack 1 of Windows 2003 or later, transportable shadow copies.
+Words flags() {
+    return said(UTIL_IsEnterpriseEdition(), UTIL_IsWin2k3SP_1_Or_Later(),
+                UTIL_IsVSSTransportableSupported());
+}
+Words is_wow64() {
+    unsigned char flag = 7;
+    const unsigned long result = UTIL_getIsWow64(&flag);
+    return said(result, int(flag));
+}
+
+const char redirect_failure[] = "1 \"\" | 0 \"\" | 0 \"free \"";
+
 const util_test::Cases<World> cases(
     "host/os_version.cases",
     {
@@ -114,19 +104,30 @@ const util_test::Cases<World> cases(
                  w.record.wSuiteMask = suite;
                  w.r2_metric = r2_metric;
              }),
-        call("version", World::version),
-        call("platform", World::platform),
-        call("flags", World::flags),
-        call("at_least", UTIL_IsOSVersionAtLeast),
-        call("equal", UTIL_IsOSVersionEqualTo),
+        call("version", "-1 77 77 77 77 77 77 ... | 0 5 2 1 7 3 0 ... | 0 5 2 1 7 3 1 0 | 0 ... -1",
+             version),
+        call("platform", "0 Windows", UTIL_getPlatform),
+        call("flags", "-1 ... | ... -1 ... | ... false", flags),
+        call("at_least", "-1", UTIL_IsOSVersionAtLeast),
+        call("equal", "-1 | 0", UTIL_IsOSVersionEqualTo),
         call("no_question", [](World& w) { w.exports_question = false; }),
         call("no_answer", [](World& w) { w.tells = FALSE; }),
         call("emulated", [](World& w, int answer) { w.emulated = answer; }),
         call("no_library", [](World& w) { w.loads = false; }),
         call("no_switch", [](World& w) { w.exports_switch = false; }),
-        call("is_wow64", World::is_wow64),
+        call("is_wow64", "0 0", is_wow64),
         call("is_wow64_nowhere", [] { return UTIL_getIsWow64(nullptr); }),
-        call("redirect", &World::redirect),
+        call("switch_off", redirect_failure,
+             [](World& w) {
+                 return w.redirected(
+                     UTIL_VornWow64DisableWow64FsRedirection(reinterpret_cast<void**>(&w.state)));
+             })
+            .keeps(1, "module references", "5 ..."),
+        call("switch_on", redirect_failure,
+             [](World& w) {
+                 return w.redirected(UTIL_VornWow64RevertWow64FsRedirection(&w.state));
+             })
+            .keeps(1, "module references", "5 ..."),
         call("nothing_asked",
              [] {
                  return UTIL_GetOsVersion(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);

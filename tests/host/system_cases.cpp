@@ -5,16 +5,14 @@
 #include "support/built_file.h"
 #include "support/cases.h"
 #include "support/environment_change.h"
-#include "support/handle_count.h"
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
+#include "util/host/installed_products.h"
 #include "util/host/os_version.h"
 // after the platform's header
 #include <cfgmgr32.h>
 
 using util_test::call;
-using util_test::EnvironmentChange;
-using util_test::handle_count;
 using util_test::ImportPatch;
 using util_test::said;
 using util_test::to_wide;
@@ -32,18 +30,6 @@ bool is_enabled(const char* name) {
     EXPECT_TRUE(PrivilegeCheck(token, &wanted, &enabled)) << GetLastError();
     CloseHandle(token);
     return enabled;
-}
-
-// A function of the platform's returns this, with the last error 77. Also the handles kept open.
-Words privilege_when(const char* function, int result) {
-    UTIL_ModifyPrivilege(SE_BACKUP_NAME, 1);
-    const long handles = handle_count();
-    const ImportPatch patch(function, [=] {
-        SetLastError(77);
-        return result;
-    });
-    const unsigned long code = UTIL_ModifyPrivilege(SE_BACKUP_NAME, 1);
-    return said(code, handle_count() - handles);
 }
 
 // The codes of the two steps; the last error is 70 after the first and 4294967295 after the second.
@@ -74,7 +60,7 @@ std::string message_of(DWORD code) {
     EXPECT_EQ(GetLastError(), code);
     return text.str();
 }
-// From a platform whose texts are these, and that changes the last error when one is freed.
+// From a platform whose texts are these.
 std::string message_with(const std::string& text) {
     const std::wstring words = to_wide(text);
     const ImportPatch format("FormatMessageW", [&](DWORD flags, LPCVOID, DWORD code, DWORD language,
@@ -84,10 +70,6 @@ std::string message_with(const std::string& text) {
         const std::size_t size = (words.size() + 1) * sizeof(wchar_t);
         *reinterpret_cast<void**>(buffer) = std::memcpy(LocalAlloc(0, size), words.c_str(), size);
         return static_cast<DWORD>(words.size());
-    });
-    const ImportPatch release("LocalFree", [](HLOCAL block) {
-        SetLastError(88);
-        return LocalFree(block);
     });
     return message_of(5);
 }
@@ -119,7 +101,7 @@ struct World : util_test::CaseWorld {
         values["here"].pop_back();
     }
     util_test::ScratchDirectory scratch;
-    std::optional<EnvironmentChange> root, temp;
+    util_test::Environment environment;
     std::optional<ImportPatch> patch;
 };
 
@@ -132,32 +114,31 @@ const util_test::Cases<World> cases(
              [](const std::string& from, const std::string& to) {
                  CopyFileW(to_wide(from).c_str(), to_wide(to).c_str(), TRUE);
              }),
-        call("set_root",
-             [](World& w, const std::string& path) {
-                 w.root.emplace(L"SystemRoot", path == "$null" ? nullptr : to_wide(path).c_str());
-             }),
-        call("set_temp",
-             [](World& w, const std::string& path) {
-                 w.temp.emplace(L"TMP", to_wide(path).c_str());
-             }),
+        call("set", [](World& w, const std::string& name,
+                       const std::string& value) { w.environment.set(name, value); }),
         call("no_temp_path",
              [](World& w) { w.patch.emplace("GetTempPathA", util_test::fails<0>); }),
 
-        call("temp_directory", "D:\\root", UTIL_GetTempDirectory),
+        call("temp_directory", "D:\\root | . | \"\"", UTIL_GetTempDirectory),
+        call("snapshot_tool", "-1 \"\"", UTIL_GetHalcVexsnapFileName),
+        call("is_installed", "false", UTIL_IsClustered),
+        call("is_cluster", UTIL_IsCluster),
         call("time_of_day", time_of_day),
         call("message_start", "\"\"", [](DWORD code) { return message_of(code).substr(0, 6); }),
         call("message_with", message_with),
-        call("privilege", "...", UTIL_ModifyPrivilege),
+        call("privilege", "5 | 8 | 1313", UTIL_ModifyPrivilege)
+            .keeps(1, "kernel handles", "AdjustTokenPrivileges"),
         call("is_enabled", is_enabled),
-        call("privilege_when", privilege_when),
-        call("rescan", rescan),
+        call("rescan",
+             "-1 before | -1 \"\" | -1 \"UTIL_SetupPnPRescan::CM_... failed with error: ...",
+             rescan),
         call("is_wow64", "0 0",
              [] {
                  unsigned char flag = 7;
                  const unsigned long result = UTIL_getIsWow64(&flag);
                  return said(result, int(flag));
              }),
-        call("module_version", "none", module_version),
+        call("module_version", "none", module_version).keeps(1, "heap blocks"),
         call("no_module_version", no_module_version),
     });
 

@@ -34,6 +34,18 @@ struct Call {
     // call does not fail.
     std::string failure;
     std::function<Words(CaseWorld& world, const Words& arguments)> make;
+
+    // What the call never gives back, by design: so many of this resource if it succeeds. With an
+    // event: if its result matches that pattern, or if that function of the platform fails.
+    struct Kept {
+        const char* resource;
+        int number;
+        std::string event;
+    } kept = {"", 0, ""};
+    Call keeps(int number, const char* resource, const char* event = "") && {
+        kept = {resource, number, event};
+        return std::move(*this);
+    }
 };
 
 // One call of a block, about to be made.
@@ -124,33 +136,65 @@ T argument(const std::string& word) {
 template <typename T>
 constexpr bool is_world = std::is_base_of_v<CaseWorld, std::remove_reference_t<T>>;
 
+// An output of a call, such as String&.
+template <typename T>
+constexpr bool is_output =
+    std::is_lvalue_reference_v<T> && !is_world<T> && !std::is_const_v<std::remove_reference_t<T>>;
+template <typename T, bool = is_output<T>>
+struct Output {};
+template <typename T>
+struct Output<T, true> {
+    std::decay_t<T> value{"before"};
+};
+
 template <typename F>
 struct Signature;
 template <typename R, typename... A>
 struct Signature<R (*)(A...)> {
     using Result = R;
     static constexpr std::size_t worlds = (0 + ... + is_world<A>);
-    static constexpr std::size_t arguments = sizeof...(A) - worlds;
+    static constexpr std::size_t outputs = (0 + ... + is_output<A>);
+    static constexpr std::size_t arguments = sizeof...(A) - worlds - outputs;
     using Places = std::index_sequence_for<A...>;
 
     template <typename T>
-    static auto pass(CaseWorld& world, const Words& words, std::size_t place)
-        -> std::conditional_t<is_world<T>, T, std::decay_t<T>> {
+    static auto pass(CaseWorld& world, const Words& words, std::size_t place, Output<T>& output)
+        -> std::conditional_t<is_world<T> || is_output<T>, T, std::decay_t<T>> {
         if constexpr (is_world<T>) {
             return static_cast<T>(world);
+        } else if constexpr (is_output<T>) {
+            return output.value;
         } else {
             return argument<std::decay_t<T>>(words[place - worlds]);
         }
     }
+    // What the function returns, then its outputs.
     template <typename F, std::size_t... place>
-    static R invoke(const F& function, CaseWorld& world, const Words& words,
-                    std::index_sequence<place...>) {
-        return std::invoke(function, pass<A>(world, words, place)...);
+    static Words invoke(const F& function, CaseWorld& world, const Words& words,
+                        std::index_sequence<place...>) {
+        std::tuple<Output<A>...> outputs;
+        const auto result = [&]() -> R {
+            return std::invoke(function, pass<A>(world, words, place, std::get<place>(outputs))...);
+        };
+        Words all;
+        if constexpr (std::is_void_v<R>) {
+            result();
+        } else {
+            all = said(result());
+        }
+        (say_output(all, std::get<place>(outputs)), ...);
+        return all;
+    }
+    template <typename T>
+    static void say_output(Words& words, const Output<T>& output) {
+        if constexpr (is_output<T>) say(words, output.value);
     }
 };
 
+// A world is passed on by reference.
 template <typename R, typename C, typename... A>
-struct Signature<R (C::*)(A...)> : Signature<R (*)(C&, A...)> {};
+struct Signature<R (C::*)(A...)> : Signature<R (*)(std::conditional_t<is_world<C>, C&, C>, A...)> {
+};
 template <typename R, typename C, typename... A>
 struct Signature<R (C::*)(A...) const> : Signature<R (*)(const C&, A...)> {};
 // A lambda has the signature of its operator without the object.
@@ -162,19 +206,15 @@ template <typename F>
 struct Signature : WithoutObject<decltype(&F::operator())> {};
 
 // The function is a member, a plain function or a lambda. Words become its typed arguments. A
-// reference to the world is passed on. A member of another class takes the object as a word.
+// reference to the world is passed on. Outputs follow its result. They come after all arguments,
+// and are "before" until they are set. A member of another class takes the object as a word.
 template <typename F>
 Call call(const char* name, const char* failure, F function) {
     using S = Signature<F>;
-    constexpr bool has_result = !std::is_void_v<typename S::Result>;
+    constexpr bool has_result = !std::is_void_v<typename S::Result> || S::outputs > 0;
     const auto make = [function](CaseWorld& world, const Words& words) {
-        if constexpr (has_result) {
-            const Words said_words = said(S::invoke(function, world, words, typename S::Places()));
-            return said_words.empty() ? Words{"none"} : said_words;
-        } else {
-            S::invoke(function, world, words, typename S::Places());
-            return Words();
-        }
+        const Words result = S::invoke(function, world, words, typename S::Places());
+        return has_result && result.empty() ? Words{"none"} : result;
     };
     return {name, S::arguments, has_result, failure, make};
 }

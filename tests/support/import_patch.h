@@ -46,6 +46,9 @@ inline void** import_slot(const char* module, const char* name) {
     return found;
 }
 
+// Where a replacement goes: into the slot, or behind what the program has put into the slot.
+inline void** (*place_of_patch)(void** slot) = [](void** slot) { return slot; };
+
 // Stands for any function that fails: gives the result and leaves the codes, 0 for none.
 template <std::intptr_t result, DWORD last_error = 0, int error_number = 0>
 std::intptr_t fails() {
@@ -70,7 +73,7 @@ class ImportPatch {
   public:
     template <typename Lambda, typename = decltype(&Lambda::operator())>
     ImportPatch(const char* name, Lambda lambda, const char* module = "util.dll")
-        : m_slot(import_slot(module, name)),
+        : m_slot(place_of_patch(import_slot(module, name))),
           m_original(*m_slot),
           m_lambda(std::make_shared<const Lambda>(std::move(lambda))) {
         Forward<Lambda>::current = static_cast<const Lambda*>(m_lambda.get());
@@ -83,7 +86,7 @@ class ImportPatch {
 
     template <typename Function>
     ImportPatch(const char* module, const char* name, Function* replacement)
-        : m_slot(import_slot(module, name)), m_original(*m_slot) {
+        : m_slot(place_of_patch(import_slot(module, name))), m_original(*m_slot) {
         write(reinterpret_cast<void*>(replacement));
     }
 

@@ -3,6 +3,7 @@
 #ifndef UTIL_TESTS_SUPPORT_PRIVATE_REGISTRY_H
 #define UTIL_TESTS_SUPPORT_PRIVATE_REGISTRY_H
 
+#include <map>
 #include <stdexcept>
 #include <string>
 
@@ -31,53 +32,69 @@ class Key {
     HKEY m_key = nullptr;
 };
 
-// While it lives HKEY_LOCAL_MACHINE is an empty key of the current user's.
+// While at least one object exists, HKEY_LOCAL_MACHINE is a key of this process below
+// HKEY_CURRENT_USER. Each new object empties it.
 class PrivateRegistry {
   public:
-    PrivateRegistry()
-        : m_path("Software\\util-test-" + std::to_string(GetCurrentProcessId())),
-          m_root(HKEY_CURRENT_USER, m_path) {
-        require(RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_root.get()), "RegOverridePredefKey");
+    PrivateRegistry() {
+        if (count++ == 0) {
+            const Key root(HKEY_CURRENT_USER, path());
+            require(RegOverridePredefKey(HKEY_LOCAL_MACHINE, root.get()), "RegOverridePredefKey");
+        }
+        clear();
     }
     ~PrivateRegistry() {
+        if (--count > 0) return;
         RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
-        RegDeleteTreeA(HKEY_CURRENT_USER, m_path.c_str());
+        RegDeleteTreeA(HKEY_CURRENT_USER, path().c_str());
     }
+    PrivateRegistry(const PrivateRegistry&) = delete;
+    PrivateRegistry& operator=(const PrivateRegistry&) = delete;
 
     // Of that key below HKEY_CURRENT_USER.
-    const std::string& path() const { return m_path; }
+    static std::string path() {
+        return "Software\\util-test-" + std::to_string(GetCurrentProcessId());
+    }
 
-    void create(const std::string& key) { Key(HKEY_LOCAL_MACHINE, key); }
+    static void create(const std::string& key) { Key(HKEY_LOCAL_MACHINE, key); }
 
     // Stores exactly these bytes, in the ANSI code page when the type is a text's. (The platform
-    // would add a NUL that it finds after the bytes; so it finds something else.)
-    void set(const std::string& key, const char* name, DWORD type, const std::string& bytes) {
-        const std::string guarded = bytes + "X";
-        require(RegSetValueExA(Key(HKEY_LOCAL_MACHINE, key).get(), name, 0, type,
-                               reinterpret_cast<const BYTE*>(guarded.data()),
-                               static_cast<DWORD>(bytes.size())),
+    // would add a NUL that it finds after the bytes. So it finds something else.)
+    static void set(const std::string& key, const char* name, DWORD type,
+                    const std::string& bytes) {
+        require(RegSetKeyValueA(HKEY_LOCAL_MACHINE, key.c_str(), name, type, (bytes + "X").data(),
+                                static_cast<DWORD>(bytes.size())),
                 name);
     }
     // A REG_SZ with its NUL.
-    void set_text(const std::string& key, const char* name, const std::string& text) {
+    static void set_text(const std::string& key, const char* name, const std::string& text) {
         set(key, name, REG_SZ, text + '\0');
     }
     // A REG_SZ in UTF-16 that ends as the given one does, with a NUL or without.
-    void set_wide(const std::string& key, const wchar_t* name, const std::wstring& units) {
+    static void set_wide(const std::string& key, const wchar_t* name, const std::wstring& units) {
         const std::wstring guarded = units + L"X";
         require(RegSetValueExW(Key(HKEY_LOCAL_MACHINE, key).get(), name, 0, REG_SZ,
                                reinterpret_cast<const BYTE*>(guarded.data()),
                                static_cast<DWORD>(units.size() * sizeof(wchar_t))),
                 "RegSetValueExW");
     }
-    void remove_value(const std::string& key, const char* name) {
-        RegDeleteValueA(Key(HKEY_LOCAL_MACHINE, key).get(), name);
+    static void remove_value(const std::string& key, const char* name) {
+        RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, key.c_str(), name);
     }
-    void clear() { require(RegDeleteTreeA(m_root.get(), nullptr), "RegDeleteTree"); }
+    static void clear() { require(RegDeleteTreeA(HKEY_LOCAL_MACHINE, nullptr), "RegDeleteTree"); }
+
+    // The type that case files call "text", "expand", "binary", "number" or "texts".
+    static DWORD type_of(const std::string& name) {
+        static const std::map<std::string, DWORD> types = {{"text", REG_SZ},
+                                                           {"expand", REG_EXPAND_SZ},
+                                                           {"binary", REG_BINARY},
+                                                           {"number", REG_DWORD},
+                                                           {"texts", REG_MULTI_SZ}};
+        return types.at(name);
+    }
 
   private:
-    std::string m_path;
-    Key m_root;
+    static inline int count = 0;
 };
 
 // While the object exists, `access` is what everybody may do with the key. 0 is nothing.

@@ -39,9 +39,27 @@ bool is_documented(const std::string& result, std::string patterns) {
     return util_test::matches(result, patterns);
 }
 
+// Counts what the call keeps by design. After a failure it may keep less.
+void keep(const Step& step, const Words& actual) {
+    const auto& [resource, number, event] = step.call.kept;
+    if (number == 0) return;
+    const auto* const end = std::end(torture::resource_names);
+    const auto* const name =
+        std::find(std::begin(torture::resource_names), end, std::string_view(resource));
+    if (name == end) throw util_test::CaseError(std::string("no such resource: ") + resource);
+    const std::string result = util_test::written(actual, step.world);
+    const bool has_failed = is_documented(result, step.call.failure);
+    const bool happened = event.empty() || util_test::matches(result, event) ||
+                          (has_failed && torture::Run::failing(event.c_str()));
+    const long most = happened ? number : 0;
+    torture::Run::keeps_more(torture::Resource(name - torture::resource_names),
+                             event.empty() && has_failed ? 0 : most, most);
+}
+
 void play(const Block& block, torture::Run& run) {
     block.play([&](const Step& step) {
         const Words actual = result_of(step);
+        keep(step, actual);
         if (actual == step.expected) return true;
         const std::string result = util_test::written(actual, step.world);
         if (!torture::Run::faulted() || !is_documented(result, step.call.failure))

@@ -27,17 +27,25 @@ Function* entry(std::size_t gate, std::index_sequence<i...>) {
     return entries[gate];
 }
 
+// The memory of a loaded module.
+struct Image {
+    explicit Image(const void* module) : begin(static_cast<const char*>(module)) {
+        const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(begin);
+        const auto* const nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(begin + dos->e_lfanew);
+        end = begin + nt->OptionalHeader.SizeOfImage;
+    }
+    bool contains(const void* address) const { return address >= begin && address < end; }
+    const char *begin, *end;
+};
+
 // The return addresses on the stack, innermost first, up to the outermost call of the module; none
 // when the module is not on the stack. Takes no memory, which may be what is failing.
 struct Frames {
     explicit Frames(const void* module) {
-        const auto* const base = static_cast<const char*>(module);
-        const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-        const auto* const nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-        const char* const end = base + nt->OptionalHeader.SizeOfImage;
+        const Image image(module);
         depth = RtlCaptureStackBackTrace(0, 60, addresses, nullptr);
         for (int i = 0; i < depth; ++i) {
-            if (addresses[i] >= base && addresses[i] < end) count = std::min(i + 2, depth);
+            if (image.contains(addresses[i])) count = std::min(i + 2, depth);
         }
     }
     void* addresses[60];
@@ -54,13 +62,30 @@ Word call_original(const Gate& gate, const Arguments& arguments) {
 void guard(void** slot, const Gate& gate) {
     static std::size_t used = 0;
     gates.at(used) = gate;
+    gates[used].slot = slot;
     DWORD before;
     VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &before);
     *slot = reinterpret_cast<void*>(entry(used++, std::make_index_sequence<most_gates>()));
 }
 
+void** called_by_gate(void** slot) {
+    for (Gate& gate : gates) {
+        if (gate.slot == slot) return &gate.original;
+    }
+    return slot;
+}
+
 bool called_from(const void* module) {
-    return Frames(module).count > 0;
+    const Image image(module);
+    static const Image program(GetModuleHandleA(nullptr));
+    const Frames frames(module);
+    int i = 0;
+    while (i < frames.count && program.contains(frames.addresses[i]))
+        ++i;  // the gate itself
+    while (i < frames.count && !program.contains(frames.addresses[i])) {
+        if (image.contains(frames.addresses[i++])) return true;
+    }
+    return false;
 }
 
 Word call_site(const void* module) {

@@ -16,6 +16,7 @@ struct Gate {
     void* original;
     void* owner;      // the sweep's
     bool in_runtime;  // in the C++ runtime's table, which serves the test as well
+    void** slot = nullptr;
 };
 
 // A gate's call, defined by the sweep. It leaves errno and the last error as they are, except as a
@@ -28,7 +29,11 @@ std::uint64_t call_original(const Gate& gate, const Arguments& arguments);
 // Puts a gate into a slot of a table of functions. It stays until the process ends.
 void guard(void** slot, const Gate& gate);
 
-// Whether the module called the code that is running, directly or not.
+// Where a function goes that a gate in this slot shall call; the slot itself if it has no gate.
+void** called_by_gate(void** slot);
+
+// Whether the module called the code that is running, directly or not. Code that a function of the
+// program calls does not count, even if the module called that function.
 bool called_from(const void* module);
 
 // A number for the way on which the module came to the code that is running. Another line of a test

@@ -92,6 +92,11 @@ class Run {
         playing.least[resource] = faulted() ? 0 : number;
         playing.most[resource] = number;
     }
+    // One more call, which keeps so many.
+    static void keeps_more(Resource resource, long least, long most) {
+        playing.least[resource] += least;
+        playing.most[resource] += most;
+    }
 
     bool exists(const std::string& name) const {
         return GetFileAttributesA((scratch / name).c_str()) != INVALID_FILE_ATTRIBUTES;

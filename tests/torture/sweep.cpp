@@ -6,6 +6,7 @@
 #include <list>
 
 #include "support/import_patch.h"
+#include "support/private_registry.h"
 #include "torture/failures.h"
 #include "torture/gate.h"
 #include "torture/resources.h"
@@ -87,7 +88,7 @@ void put_up_gates(const char* module, bool in_runtime) {
         std::vector<const Failure*> ways = failures_of(name);
         const bool allocates = !ways.empty() && ways[0]->how == memory_runs_out;
         if (in_runtime && !allocates) return;
-        void* const other = stand_in(name, *slot);
+        void* const other = stand_in(name);
         if (!ways.empty() && ways[0]->how == never) ways.clear();
         if (ways.empty() && !other) return;
         const Taker taker = takers.count(name) ? takers.at(name) : Taker();
@@ -235,13 +236,14 @@ bool Run::failing(const std::string& function, std::optional<std::int64_t> resul
 
 void begin_sweeps() {
     error_output = reinterpret_cast<HANDLE>(_get_osfhandle(_dup(2)));
-    registry();
+    static const util_test::PrivateRegistry registry;  // for all scenarios
     now.remarks.reserve(1 << 16);
     now.calls.reserve(100000);
     library = GetModuleHandleA("util.dll");
     functions.push_back({"memory", {&failures.front()}, {}});
     put_up_gates("util.dll", false);
     put_up_gates("libstdc++-6.dll", true);
+    util_test::place_of_patch = called_by_gate;  // what a scenario replaces fails as well
     SetUnhandledExceptionFilter([](EXCEPTION_POINTERS*) -> LONG { give_up("crashes"); });
     std::signal(SIGABRT, [](int) { give_up("aborts"); });
     CloseHandle(CreateThread(nullptr, 0, watch_time, nullptr, 0, nullptr));
