@@ -19,16 +19,18 @@ struct World : util_test::CaseWorld {
     }
     void windows(DWORD platform, DWORD major, DWORD minor, WORD service_pack, BYTE type) {
         answers = true;
-        record = {};
-        record.dwPlatformId = platform;
-        record.dwMajorVersion = major;
-        record.dwMinorVersion = minor;
-        record.wServicePackMajor = service_pack;
-        record.wServicePackMinor = 7;
-        record.wProductType = type;
+        record = {0, major, minor, 0, platform, "", service_pack, 7, 0, type, 0};
     }
     // The result of switching the redirection, and the calls made for it.
-    Words redirected(int result) { return said(result, std::exchange(log, "")); }
+    Words switch_off() {
+        void** const old = reinterpret_cast<void**>(&state);
+        const int result = UTIL_VornWow64DisableWow64FsRedirection(old);
+        return said(result, std::exchange(log, ""));
+    }
+    Words switch_on() {
+        const int result = UTIL_VornWow64RevertWow64FsRedirection(&state);
+        return said(result, std::exchange(log, ""));
+    }
     static BOOL WINAPI tell_emulation(HANDLE, BOOL* answer) {
         *answer = current->emulated;
         SetLastError(77);
@@ -41,7 +43,7 @@ struct World : util_test::CaseWorld {
 
     // kernel32: what it exports, loads and tells about the emulation, and the calls made of it.
     static inline World* current = nullptr;
-    bool exports_question = true, exports_switch = true, loads = true;
+    bool exports_question = true, exports_switch = true;
     BOOL tells = TRUE, emulated = TRUE;
     int state = 0;
     std::string log;
@@ -52,13 +54,12 @@ struct World : util_test::CaseWorld {
             log += name + std::string(" ");
             return exports_switch ? reinterpret_cast<void*>(switch_redirection) : nullptr;
         }};
-    const ImportPatch load{"LoadLibraryA", [this](const char* name) {
-                               return loads ? GetModuleHandleA(name) : nullptr;
-                           }};
     const ImportPatch release{"FreeLibrary", [this] {
                                   log += "free ";
                                   return TRUE;
                               }};
+
+    std::optional<ImportPatch> library;
 
     OSVERSIONINFOEXA record = {};
     bool answers = false;
@@ -82,6 +83,9 @@ Words version() {
     const int is_this = UTIL_IsOSVersionEqualTo(major, minor, sp_major, sp_minor, type, r2);
     return said(result, major, minor, sp_major, sp_minor, type, r2, is_this);
 }
+int nothing_asked() {
+    return UTIL_GetOsVersion(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+}
 // Enterprise edition, service pack 1 of Windows 2003 or later, transportable shadow copies.
 Words flags() {
     return said(UTIL_IsEnterpriseEdition(), UTIL_IsWin2k3SP_1_Or_Later(),
@@ -93,7 +97,7 @@ Words is_wow64() {
     return said(result, int(flag));
 }
 
-const char redirect_failure[] = "1 \"\" | 0 \"\" | 0 \"free \"";
+const char switch_failure[] = "1 \"\" | 0 \"\" | 0 \"free \"";
 
 const util_test::Cases<World> cases(
     "host/os_version.cases",
@@ -113,25 +117,15 @@ const util_test::Cases<World> cases(
         call("no_question", [](World& w) { w.exports_question = false; }),
         call("no_answer", [](World& w) { w.tells = FALSE; }),
         call("emulated", [](World& w, int answer) { w.emulated = answer; }),
-        call("no_library", [](World& w) { w.loads = false; }),
+        call("no_library",
+             [](World& w) { w.library.emplace("LoadLibraryA", util_test::fails<0>); }),
         call("no_switch", [](World& w) { w.exports_switch = false; }),
         call("is_wow64", "0 0", is_wow64),
         call("is_wow64_nowhere", [] { return UTIL_getIsWow64(nullptr); }),
-        call("switch_off", redirect_failure,
-             [](World& w) {
-                 return w.redirected(
-                     UTIL_VornWow64DisableWow64FsRedirection(reinterpret_cast<void**>(&w.state)));
-             })
+        call("switch_off", switch_failure, &World::switch_off)
             .keeps(1, "module references", "5 ..."),
-        call("switch_on", redirect_failure,
-             [](World& w) {
-                 return w.redirected(UTIL_VornWow64RevertWow64FsRedirection(&w.state));
-             })
-            .keeps(1, "module references", "5 ..."),
-        call("nothing_asked",
-             [] {
-                 return UTIL_GetOsVersion(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-             }),
+        call("switch_on", switch_failure, &World::switch_on).keeps(1, "module references", "5 ..."),
+        call("nothing_asked", nothing_asked),
     });
 
 }  // namespace

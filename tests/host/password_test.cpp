@@ -33,14 +33,6 @@ void* failing_malloc(std::size_t size) {
     return looking && allocations_left-- == 0 ? nullptr : std::malloc(size);
 }
 
-DWORD connected;
-DWORD WINAPI connect(NETRESOURCEW*, const wchar_t* password, const wchar_t*, DWORD) {
-    looking = false;  // what the test does itself
-    EXPECT_EQ(password, L"p\x00E4" + wide_secret);
-    looking = true;
-    return connected;
-}
-
 // Both calls, with memory that runs out at one allocation.
 void call_both() {
     char message[2048];
@@ -58,7 +50,14 @@ void call_both() {
 TEST(PasswordTest, NoneIsLeftInFreedMemory) {
     util_test::PrivateRegistry registry;
     registry.set_wide(key, L"Database Path", L"\\\\srv\\share\\a\\long\\path\\to.db");
-    const ImportPatch add("WNetAddConnection2W", connect), heap("free", looking_free),
+    DWORD connected = 0;
+    const ImportPatch add("WNetAddConnection2W", [&](NETRESOURCEW*, const wchar_t* password) {
+        looking = false;  // what the test does itself
+        EXPECT_EQ(password, L"p\x00E4" + wide_secret);
+        looking = true;
+        return connected;
+    });
+    const ImportPatch heap("free", looking_free),
         runtime_heap("libstdc++-6.dll", "free", looking_free),
         runtime_malloc("libstdc++-6.dll", "malloc", failing_malloc);
     for (const DWORD code : {0, 53}) {

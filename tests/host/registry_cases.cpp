@@ -17,12 +17,13 @@ using util_test::Words;
 namespace {
 
 const std::string key = "SOFTWARE\\Acme\\Agent";
+const std::string manager = "SOFTWARE\\VERITAS\\Volume Manager";
 
 struct World : util_test::CaseWorld {
     World() {
         values = {
             {"key", key},
-            {"manager", "SOFTWARE\\VERITAS\\Volume Manager"},
+            {"manager", manager},
             {"unread", "SS: Could not find path to Veritas directory in the registry, error num ="},
             {"unopened",
              "SS: Could not Veritas Key, please ensure that Volume Manager 3.0 is "
@@ -56,10 +57,9 @@ Words version() {
     const bool found = UTIL_GetVeritasVersion(out);
     return said(found, std::string(out, sizeof out));
 }
-bool install_path_of(const World& w, const std::string& type, const std::string& bytes,
-                     String& path, String& message) {
-    const std::string manager = w.values.at("manager") + " 4.1";
-    PrivateRegistry::set(manager, "InstallDir", PrivateRegistry::type_of(type), bytes);
+bool install_path_of(const std::string& type, const std::string& bytes, String& path,
+                     String& message) {
+    PrivateRegistry::set(manager + " 4.1", "InstallDir", PrivateRegistry::type_of(type), bytes);
     return UTIL_GetVeritasPath(path, message);
 }
 bool database_at(const std::string& path, const std::string& user, const std::string& password,

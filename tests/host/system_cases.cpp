@@ -1,7 +1,9 @@
 #include "util/host/system.h"
 
 #include <cwchar>
+#include <list>
 
+#include "mail/mail_child.h"
 #include "support/built_file.h"
 #include "support/cases.h"
 #include "support/environment_change.h"
@@ -19,6 +21,8 @@ using util_test::to_wide;
 using util_test::Words;
 
 namespace {
+
+namespace fs = std::filesystem;
 
 bool is_enabled(const char* name) {
     PRIVILEGE_SET wanted = {};
@@ -64,11 +68,11 @@ std::string message_of(DWORD code) {
 std::string message_with(const std::string& text) {
     const std::wstring words = to_wide(text);
     const ImportPatch format("FormatMessageW", [&](DWORD flags, LPCVOID, DWORD code, DWORD language,
-                                                   LPWSTR buffer, DWORD, void*) {
+                                                   wchar_t** buffer, DWORD, void*) {
         EXPECT_EQ(flags, 0x1300u) << "allocate, from system, ignore inserts";
         EXPECT_TRUE(code == 5 && language == 0x400);
         const std::size_t size = (words.size() + 1) * sizeof(wchar_t);
-        *reinterpret_cast<void**>(buffer) = std::memcpy(LocalAlloc(0, size), words.c_str(), size);
+        *buffer = static_cast<wchar_t*>(std::memcpy(LocalAlloc(0, size), words.c_str(), size));
         return static_cast<DWORD>(words.size());
     });
     return message_of(5);
@@ -99,10 +103,36 @@ struct World : util_test::CaseWorld {
         values["d"] = scratch.path();
         values["here"] = util_test::built_file("");
         values["here"].pop_back();
+        values["vendor"] = "C:\\Program Files\\Vorn";
     }
     util_test::ScratchDirectory scratch;
+    void place(const std::string& path) {
+        fs::create_directories(fs::path(path).parent_path());
+        std::ofstream(path) << "x";
+        placed.push_back(path);
+    }
+    ~World() override {
+        std::error_code error;
+        for (fs::path each : placed) {
+            while (fs::remove(each, error))
+                each = each.parent_path();  // stays if anything else is in it
+        }
+    }
+
+    std::vector<std::string> placed;
     util_test::Environment environment;
+    std::list<util_test::MailService> services;
     std::optional<ImportPatch> patch;
+    const ImportPatch manager{"OpenSCManagerA",
+                              [](const char* machine, const char* database, DWORD access) {
+                                  EXPECT_STREQ(database, "ServicesActive");
+                                  EXPECT_EQ(access, DWORD(GENERIC_READ));
+                                  return OpenSCManagerA(machine, database, access);
+                              }};
+    const ImportPatch service{"OpenServiceA", [](SC_HANDLE opened, const char* name, DWORD access) {
+                                  EXPECT_EQ(access, DWORD(GENERIC_READ));
+                                  return OpenServiceA(opened, name, access);
+                              }};
 };
 
 const util_test::Cases<World> cases(
@@ -121,6 +151,8 @@ const util_test::Cases<World> cases(
 
         call("temp_directory", "D:\\root | . | \"\"", UTIL_GetTempDirectory),
         call("snapshot_tool", "-1 \"\"", UTIL_GetHalcVexsnapFileName),
+        call("place", &World::place),
+        call("install", [](World& w, const char* name) { w.services.emplace_back(name); }),
         call("is_installed", "false", UTIL_IsClustered),
         call("is_cluster", UTIL_IsCluster),
         call("time_of_day", time_of_day),

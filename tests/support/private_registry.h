@@ -8,6 +8,8 @@
 #include <string>
 
 #include "util/internal/windows.h"
+// after the platform's header
+#include <sddl.h>
 
 namespace util_test {
 
@@ -101,21 +103,20 @@ class PrivateRegistry {
 class AccessLimit {
   public:
     AccessLimit(const std::string& key, DWORD access) : m_key(HKEY_LOCAL_MACHINE, key) {
-        alignas(DWORD) BYTE list[256];
-        auto* const acl = reinterpret_cast<ACL*>(list);
-        InitializeAcl(acl, sizeof list, ACL_REVISION);
-        SID everybody = {SID_REVISION, 1, SECURITY_WORLD_SID_AUTHORITY, {SECURITY_WORLD_RID}};
-        if (access != 0) AddAccessAllowedAce(acl, ACL_REVISION, access, &everybody);
-        set(acl);
+        allow(access);
     }
-    ~AccessLimit() { set(nullptr); }
+    ~AccessLimit() { allow(KEY_ALL_ACCESS); }
 
   private:
-    void set(ACL* acl) {
-        SECURITY_DESCRIPTOR descriptor;
-        InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
-        SetSecurityDescriptorDacl(&descriptor, TRUE, acl, FALSE);
-        RegSetKeySecurity(m_key.get(), DACL_SECURITY_INFORMATION, &descriptor);
+    void allow(DWORD access) {
+        // Wine cannot read the number 0.
+        const std::string rights = access == 0 ? "" : std::to_string(access);
+        const std::string list = "D:(A;;" + rights + ";;;WD)";
+        PSECURITY_DESCRIPTOR descriptor = nullptr;
+        ConvertStringSecurityDescriptorToSecurityDescriptorA(list.c_str(), SDDL_REVISION_1,
+                                                             &descriptor, nullptr);
+        RegSetKeySecurity(m_key.get(), DACL_SECURITY_INFORMATION, descriptor);
+        LocalFree(descriptor);
     }
 
     Key m_key;
