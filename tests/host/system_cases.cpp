@@ -111,6 +111,15 @@ struct World : util_test::CaseWorld {
         std::ofstream(path) << "x";
         placed.push_back(path);
     }
+    // The program's path, in the ANSI page and as it is.
+    void run_as(const std::string& ansi, const std::string& path) {
+        ansi_program.emplace("GetModuleFileNameA", [=](HMODULE, char* out, DWORD room) {
+            return std::snprintf(out, room, "%s", ansi.c_str());
+        });
+        program.emplace("GetModuleFileNameW", [=](HMODULE, wchar_t* out, DWORD room) {
+            return lstrlenW(lstrcpynW(out, to_wide(path).c_str(), static_cast<int>(room)));
+        });
+    }
     ~World() override {
         std::error_code error;
         for (fs::path each : placed) {
@@ -122,7 +131,7 @@ struct World : util_test::CaseWorld {
     std::vector<std::string> placed;
     util_test::Environment environment;
     std::list<util_test::MailService> services;
-    std::optional<ImportPatch> patch;
+    std::optional<ImportPatch> patch, ansi_program, program;
     const ImportPatch manager{"OpenSCManagerA",
                               [](const char* machine, const char* database, DWORD access) {
                                   EXPECT_STREQ(database, "ServicesActive");
@@ -152,6 +161,7 @@ const util_test::Cases<World> cases(
         call("temp_directory", "D:\\root | . | \"\"", UTIL_GetTempDirectory),
         call("snapshot_tool", "-1 \"\"", UTIL_GetHalcVexsnapFileName),
         call("place", &World::place),
+        call("run_as", &World::run_as),
         call("install", [](World& w, const char* name) { w.services.emplace_back(name); }),
         call("is_installed", "false", UTIL_IsClustered),
         call("is_cluster", UTIL_IsCluster),

@@ -3,7 +3,8 @@
 #ifndef UTIL_TESTS_SUPPORT_PRIVATE_REGISTRY_H
 #define UTIL_TESTS_SUPPORT_PRIVATE_REGISTRY_H
 
-#include <map>
+#include <algorithm>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -87,12 +88,10 @@ class PrivateRegistry {
 
     // The type that case files call "text", "expand", "binary", "number" or "texts".
     static DWORD type_of(const std::string& name) {
-        static const std::map<std::string, DWORD> types = {{"text", REG_SZ},
-                                                           {"expand", REG_EXPAND_SZ},
-                                                           {"binary", REG_BINARY},
-                                                           {"number", REG_DWORD},
-                                                           {"texts", REG_MULTI_SZ}};
-        return types.at(name);
+        static const char* const names[] = {"",       "text", "expand", "binary",
+                                            "number", "",     "",       "texts"};
+        const auto* const found = std::find(std::begin(names), std::end(names), name);
+        return static_cast<DWORD>(found - std::begin(names));
     }
 
   private:

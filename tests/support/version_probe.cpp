@@ -1,14 +1,10 @@
-// Prints one line: what the library takes the running Windows for, or, with an argument, where it
-// finds the snapshot tool. A process is shown the same Windows, and is in the same folder, all its
-// life.
+// Prints one line: what the library takes the running Windows for. A process is shown the same
+// Windows all its life.
 #include <cstdio>
 
-#include "util/host/installed_products.h"
 #include "util/host/os_version.h"
 
-int main(int argc, char**) {
-    String tool;
-    if (argc > 1 && UTIL_GetHalcVexsnapFileName(tool) == 0) return std::puts(tool) < 0;
+int main() {
     unsigned long major, minor;
     unsigned short sp_major, sp_minor, product_type, r2;
     if (UTIL_GetOsVersion(&major, &minor, &sp_major, &sp_minor, &product_type, &r2) != 0) return 1;

@@ -98,32 +98,10 @@ void system_scenarios(const Add& scenario) {
         const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
         if (GetHandleInformation(input, &flags)) CloseHandle(input);
     });
-    scenario("email", [](Run& run) {
-        bool right = false;
-        run.completes(memory, [&] {
-            email mail, other("f", "t", "s", "b"), copy(other);
-            mail = other;
-            mail.updateFrom(text), mail.updateTo(text), mail.updateSubject(text);
-            mail.updateBody(text);
-            right = mail.isReady() && !mail.isNull() && mail.getTo() == "t;" + text &&
-                    mail.getFrom() == "f;" + text && mail.getSubject() == "s " + text &&
-                    mail.getBody() == "b\r\n" + text && mail.GetLastErrorMessage().empty();
-        });
-        run.outcome(right, run.raised());
-    });
     scenario(
         "email::send", [](Run& run) { send_two(run, true); }, true);
     scenario(
         "email::send, by the web server", [](Run& run) { send_two(run, false); }, true);
-    scenario("email::send_mail to nobody", [](Run& run) {
-        const String nobody, blank(" ;");
-        const MailServer server;
-        email mail;
-        int result = run.call(memory, [&] { return mail.send_mail(text, nobody, text, text); });
-        run.outcome(result == 0 && !mail.GetLastErrorMessage().empty(), run.raised());
-        result = run.call(memory, [&] { return mail.send_mail(text, blank, text, text); });
-        run.outcome(!run.raised() && result == 0, run.raised() || result == -1);
-    });
     scenario("MailInstalled, MailRunning", [](Run& run) {
         const MailServer server;
         bool is_installed = false, is_running = false;
