@@ -116,11 +116,10 @@ const util_test::Cases<World> cases(
         call("disconnect_from", &World::disconnect_from),
         call("seen", [](World& w) { return w.seen; }),
         call("provider_says", &World::provider_says),
-        call("provider_fails",
-             [](World& w) { w.provider.emplace("WNetGetLastErrorA", util_test::fails<1222>); }),
-        call("refuse",
-             [](World& w, const char* name) { w.patch.emplace(name, util_test::fails<0>); }),
-        call("use_page_932", [](World& w) { w.patch.emplace("GetACP", util_test::fails<932>); }),
+        call("returns",
+             [](World& w, const char* function, std::intptr_t result) {
+                 w.patch.emplace(function, [=] { return result; });
+             }),
         call("connect_unheard",
              [](const char* share) { return UTIL_ConnectCifsShare(share, "u", "p", nullptr); }),
     });

@@ -7,7 +7,6 @@
 #include "support/built_file.h"
 #include "support/cases.h"
 #include "support/environment_change.h"
-#include "support/handle_count.h"
 #include "support/import_patch.h"
 #include "support/private_registry.h"
 #include "support/scratch_directory.h"
@@ -74,12 +73,6 @@ struct World : util_test::CaseWorld {
         if (message != "untouched") util_test::say(words, message);
         return words;
     }
-    static long handles_kept(const String& directory) {
-        hosts_in(directory);
-        const long handles = util_test::handle_count();
-        hosts_in(directory);
-        return util_test::handle_count() - handles;
-    }
     static Words hosts_with_room(std::size_t refused) {
         const ImportPatch one("_Znwy", [=](std::size_t size) {
             return size >= refused ? throw std::bad_alloc() : ::operator new(size);
@@ -124,7 +117,6 @@ const util_test::Cases<World> cases(
         call("remove", [](const char* file) { return std::remove(file); }),
         call("hosts", hosts_failure, [](World& w) { return w.hosts_in(w.scratch.path()); }),
         call("hosts_in", hosts_failure, World::hosts_in),
-        call("handles_kept", World::handles_kept),
         call("hosts_with_room", World::hosts_with_room),
     });
 
