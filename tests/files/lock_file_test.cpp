@@ -10,7 +10,6 @@
 using util_test::handle_count;
 using util_test::ImportPatch;
 using util_test::SecondProcess;
-using util_test::Signal;
 
 namespace {
 
@@ -72,34 +71,29 @@ TEST_F(LockFileTest, FiveAttemptsWithFourPauses) {
     }
 }
 
-TEST_F(LockFileTest, TheSecondProcessWaitsForTheFirstToReleaseOrDie) {
-    for (const bool dies : {false, true}) {
-        Signal release, at_once;
-        at_once.set();
-        SecondProcess holder("lock", m_scratch.path(), release);
-        ASSERT_TRUE(holder.ready.wait());
-        SecondProcess waiter("lock", m_scratch.path(), at_once);
-        EXPECT_FALSE(waiter.ready.wait(200)) << "the lock is taken";
-        if (dies) holder.kill();
-        release.set();
-        EXPECT_TRUE(waiter.ready.wait());
-        EXPECT_EQ(waiter.wait(), 0u);
-        EXPECT_EQ(holder.wait(), dies ? 99u : 0u);
-    }
+TEST_F(LockFileTest, SecondProcess_WaitsForTheRelease) {
+    EXPECT_TRUE(lock());
+    SecondProcess waiter("count", m_scratch.path() + " " + m_scratch.file("n") + " 1");
+    ASSERT_TRUE(waiter.ready.wait());
+    waiter.go.set();
+    EXPECT_EQ(waiter.wait(100), DWORD{STILL_ACTIVE}) << "the lock is taken";
+    EXPECT_EQ(m_scratch.read("n"), "");
+    EXPECT_TRUE(unlock());
+    EXPECT_EQ(waiter.wait(), 0u);
+    EXPECT_NE(m_scratch.read("n"), "");
 }
 
-TEST_F(LockFileTest, KilledHoldersLeaveTheLockToTheNextAtOnce) {
-    constexpr int rounds = 30;
+TEST_F(LockFileTest, KilledHolders_LeaveTheLockToTheNextAtOnce) {
     int while_held = 0, losses = 0;
     ULONGLONG longest = 0;
-    util_test::Kills kills = {"count", 20, {}, {}, {}};
-    kills.arguments = [&](int) {
-        return m_scratch.path() + " " + m_scratch.file("n", std::string(1, '\0'));
+    util_test::Kills kills = {"count", 20};
+    kills.arguments = [&](int round) {
+        const std::string number = std::to_string(round);
+        return m_scratch.path() + " " + m_scratch.file(number, std::string(1, '\0')) + " -1";
     };
-    kills.watch = [] { Sleep(1); };
-    kills.check = [&](int) {
+    kills.check = [&](int round) {
         int number = -1;  // stays when there is none
-        XrFile((m_scratch / "n").c_str(), "r") >> number;
+        XrFile((m_scratch / std::to_string(round)).c_str(), "r") >> number;
         if (number % 2 != 0) ++while_held;
         const ULONGLONG asked = GetTickCount64();
         const bool locked = lock();
@@ -108,11 +102,11 @@ TEST_F(LockFileTest, KilledHoldersLeaveTheLockToTheNextAtOnce) {
         if (!locked || wait > 1000) ++losses;
         EXPECT_TRUE(unlock());
     };
-    kills.run(rounds);
+    kills.run();
     std::printf("kill test, locking: %d rounds, %d hit a holder, longest wait %llu ms, %d losses\n",
-                rounds, while_held, longest, losses);
+                kills.rounds, while_held, longest, losses);
     EXPECT_EQ(losses, 0) << "seed " << kills.seed;
-    EXPECT_GE(while_held, rounds / 10);
+    EXPECT_GE(while_held, kills.rounds / 10);
 }
 
 }  // namespace

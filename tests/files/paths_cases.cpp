@@ -1,3 +1,4 @@
+#include <sys/stat.h>
 
 #include "support/built_file.h"
 #include "support/cases.h"
@@ -9,8 +10,10 @@
 #include "util/files/delete_file.h"
 #include "util/files/path_lookup.h"
 #include "util/files/xr_directory.h"
+#include "util/portable/utf8_files.h"
 
 using util_test::call;
+using util_test::ImportPatch;
 using util_test::said;
 using util_test::to_wide;
 using util_test::Words;
@@ -22,10 +25,14 @@ const auto& any = Tools::FileAttr::any;
 // $t is the path of an empty directory.
 struct World : util_test::CaseWorld {
     World() {
-        values["t"] = scratch.path();
-        values["program"] = util_test::built_file("");
+        values = {{"t", scratch.path()},
+                  {"tail", scratch.path().substr(3)},
+                  {"program", util_test::built_file("")}};
     }
-    ~World() override { CloseHandle(held); }
+    ~World() override {
+        CloseHandle(held);
+        SetFileApisToANSI();
+    }
 
     // The names in a directory, sorted; directories end with "\".
     Words list(const std::string& path) const {
@@ -42,17 +49,16 @@ struct World : util_test::CaseWorld {
     }
     // Where a program of that name, cut by the buffer, would be.
     static Words program_directory(const std::string& module) {
-        const util_test::ImportPatch patch(
-            "GetModuleFileNameA", [&](HMODULE, char* buffer, DWORD size) {
-                module.copy(buffer, size);  // may leave no room for a NUL, as old systems do
-                return static_cast<DWORD>(module.size());
-            });
+        const ImportPatch patch("GetModuleFileNameA", [&](HMODULE, char* buffer, DWORD size) {
+            module.copy(buffer, size);  // may leave no room for a NUL, as old systems do
+            return static_cast<DWORD>(module.size());
+        });
         return said(Tools::find_location("", any));
     }
     // The number of searches for a directory's entries, each of which fails.
     static Words clean_unlistable(const char* path) {
         int searches = 0;
-        const util_test::ImportPatch patch("FindFirstFileW", [&] {
+        const ImportPatch patch("FindFirstFileW", [&] {
             ++searches;
             return INVALID_HANDLE_VALUE;
         });
@@ -64,16 +70,115 @@ struct World : util_test::CaseWorld {
         Words result;
         for (const XrDirectoryEntry* entry : *opened->getDirectoryList(include_hidden, refresh))
             result.push_back(entry->str());
-        return result;
+        return said(result);
     }
     Words entry(std::size_t index) const {
         const XrDirectoryEntry& one = *(*opened->getDirectoryList(true, false))[index];
         return said(one.getName(), util_test::hex(one.getMode()), one.getSize());
     }
+    // The entries whose status is not that of their path.
+    Words unlike_their_paths() const {
+        Words result;
+        for (const XrDirectoryEntry* entry : *opened->getDirectoryList(true, false)) {
+            struct _stat64i32 record = {};
+            UTF8_stat((scratch / entry->str()).c_str(), &record);
+            const bool is_directory = (record.st_mode & _S_IFDIR) != 0;
+            if (entry->getMode() != record.st_mode || entry->getSize() != record.st_size ||
+                entry->isDirectory() != is_directory) {
+                result.push_back(entry->str());
+            }
+        }
+        return said(result);
+    }
+    // The size of the only file. The search gives it this name, more attributes and the size 999.
+    long size_found_as(const std::wstring& name, DWORD attributes) const {
+        const ImportPatch patch("FindNextFileW", [&](HANDLE search, WIN32_FIND_DATAW* data) {
+            const BOOL found = FindNextFileW(search, data);
+            if (data->cFileName[0] == L'.') return found;
+            data->cFileName[name.copy(data->cFileName, MAX_PATH)] = L'\0';
+            data->dwFileAttributes |= attributes;
+            data->nFileSizeLow = 999;
+            return found;
+        });
+        opened->destroy();
+        return (*opened->getDirectoryList(false, false))[0]->getSize();
+    }
+    // Whether the first entry has its status from a call for its path.
+    static bool asks_for_status(const String& path) {
+        const ImportPatch patch("_wstat64", util_test::fails<-1>);
+        XrDirectory directory(path);
+        return (*directory.getDirectoryList(false, false))[0]->getMode() == 0;
+    }
+    Words names_broken_off() const {
+        // The code is also that of a name that cannot be converted.
+        const ImportPatch patch("FindNextFileW", util_test::fails<FALSE, ERROR_INVALID_NAME>);
+        return names(true, false);
+    }
+    std::string printed() const {
+        const ImportPatch no_bytes("fputc", util_test::fails<0>);  // each a write on a console
+        testing::internal::CaptureStdout();
+        opened->getDirectoryList(false, false);
+        return testing::internal::GetCapturedStdout();
+    }
+    // The drives that the platform lists in a text, and its length.
+    static Words roots(const std::string& list, DWORD length) {
+        const ImportPatch patch("GetLogicalDriveStringsA", [&](DWORD size, char* buffer) {
+            list.copy(buffer, size);
+            return length;
+        });
+        Words result;
+        XrDirectory drives("");
+        for (const XrDirectoryEntry* entry : *drives.getDirectoryList(false, false))
+            util_test::say(result, said(*entry, util_test::hex(entry->getMode())));
+        return result;
+    }
+    // The caller has 5,000 of 7,000 free bytes.
+    Words free_space(bool wanted) const {
+        const ImportPatch patch("GetDiskFreeSpaceExW",
+                                [](const wchar_t* path, ULARGE_INTEGER* own, ULARGE_INTEGER* all,
+                                   ULARGE_INTEGER* free) {
+                                    const BOOL known = GetDiskFreeSpaceExW(path, own, all, free);
+                                    own->QuadPart = 5000;
+                                    all->QuadPart = 9000;
+                                    free->QuadPart = 7000;
+                                    return known;
+                                });
+        double kilobytes = -1;
+        const int result = opened->getFreeSpace(wanted ? &kilobytes : nullptr);
+        return said(result, kilobytes);
+    }
+    // Whether a refreshed listing and that of a copy are the same, and its size after both objects
+    // have dropped it.
+    Words shared_listing() const {
+        XrDirectory::List* const list = opened->getDirectoryList(false, false);
+        const bool refreshed = opened->getDirectoryList(false, true) == list;
+        XrDirectory copy(*opened);
+        const std::unique_ptr<XrDirectory::List> dropped(copy.getDirectoryList(false, false));
+        copy.init("");
+        opened->init("");
+        return said(refreshed, dropped.get() == list, dropped->size());
+    }
+    // A sorted list: entries one by one, then the others together. Each gets its number as size.
+    static Words sorted(const std::string& single, const std::string& together) {
+        XrDirectory::List list;
+        std::vector<std::unique_ptr<XrDirectoryEntry>> more;
+        std::istringstream first(single), rest(together);
+        long count = 0;
+        for (std::string name; first >> name;)
+            list.insert(new XrDirectoryEntry(name, 0, ++count));
+        for (std::string name; rest >> name;)
+            more.push_back(std::make_unique<XrDirectoryEntry>(name, 0, ++count));
+        EXPECT_FALSE(list.insert(nullptr));
+        list.insert(std::move(more));
+        Words result;
+        for (const XrDirectoryEntry* entry : list)
+            result.push_back(entry->str() + std::to_string(entry->getSize()));
+        return result;
+    }
     // The paths that are to be removed, in order. Only the removal of "C:\" fails.
     static Words tree_removals(const char* path) {
         Words removals;
-        const util_test::ImportPatch patch("RemoveDirectoryA", [&](const char* removed) -> BOOL {
+        const ImportPatch patch("RemoveDirectoryA", [&](const char* removed) -> BOOL {
             removals.push_back(removed);
             return std::strcmp(removed, "C:\\") != 0;
         });
@@ -101,8 +206,14 @@ const util_test::Cases<World> cases(
         call("file", [](World& w, const std::string& name) { w.scratch.file(name); }),
         call("read_only",
              [](World& w, const std::string& name) {
-                 SetFileAttributesA(w.scratch.file(name).c_str(), FILE_ATTRIBUTE_READONLY);
+                 SetFileAttributesA((w.scratch / name).c_str(), FILE_ATTRIBUTE_READONLY);
              }),
+        call("resize",
+             [](World& w, const std::string& name, std::uint64_t size) {
+                 std::filesystem::resize_file(w.scratch / name, size);
+             }),
+        call("oem_names", SetFileApisToOEM),
+        call("ansi_names", SetFileApisToANSI),
         call("hold", &World::hold),
         call("go_to", [](const std::string& path) { SetCurrentDirectoryW(to_wide(path).c_str()); }),
         call("set_path",
@@ -148,6 +259,22 @@ const util_test::Cases<World> cases(
         call("opened_path", "raises ...", [](World& w) { return w.opened->getPath(); }),
         call("names", "none | raises ...", &World::names),
         call("entry", "... 0 0 | raises ...", &World::entry),
+        call("unlike_their_paths", &World::unlike_their_paths),
+        call("found_as",
+             [](World& w, const std::string& name, DWORD attributes) {
+                 return w.size_found_as(to_wide(name), attributes);
+             }),
+        call("found_with",
+             [](World& w, wchar_t unit) {
+                 return w.size_found_as({L'n', unit}, 0);
+             }),
+        call("asks_for_status", &World::asks_for_status),
+        call("names_broken_off", &World::names_broken_off),
+        call("printed", &World::printed),
+        call("roots", &World::roots),
+        call("free_space", &World::free_space),
+        call("shared_listing", &World::shared_listing),
+        call("sorted", &World::sorted),
         call("destroy", [](World& w) { w.opened->destroy(); }),
         call("init", "raises ...",
              [](World& w, const String& path) {

@@ -6,6 +6,7 @@
 #include "support/import_patch.h"
 #include "support/scratch_directory.h"
 #include "util/files/xr_file.h"
+#include "util/internal/scoped_handle.h"
 
 using util_test::call;
 using util_test::ImportPatch;
@@ -37,34 +38,34 @@ struct World : util_test::CaseWorld {
         if (!file->isValid()) words.push_back("closed");
         return words;
     }
-    void bytes_at(std::int64_t offset, const std::string& content) const {
-        const int fd = _open((scratch / "f").c_str(), _O_WRONLY | _O_CREAT | _O_BINARY, 0600);
-        _lseeki64(fd, offset, SEEK_SET);
-        EXPECT_EQ(_write(fd, content.data(), unsigned(content.size())), int(content.size()));
-        _close(fd);
-    }
     Words open(const char* mode) { return state(file->Open(scratch / "f", mode)); }
-    Words read(std::uint64_t count) {
+    // A pipe with these bytes, which then ends.
+    Words open_pipe(const std::string& bytes) {
+        const std::string name = "\\\\.\\pipe\\util-xr-file-test";
+        const util::FileHandle pipe(CreateNamedPipeA(name.c_str(), PIPE_ACCESS_DUPLEX,
+                                                     PIPE_TYPE_BYTE, 1, 100, 100, 0, nullptr));
+        const Words opened = state(file->Open(name, "r+"));
+        DWORD written;
+        WriteFile(pipe.get(), bytes.data(), DWORD(bytes.size()), &written, nullptr);
+        return opened;
+    }
+    Words fill(bool (XrFile::*operation)(char*, std::uint64_t), std::uint64_t size) {
         leave_stale_codes();
         std::string buffer(400, '#');
-        const bool done = file->Read(buffer.data(), count);
+        const bool done = (file.get()->*operation)(buffer.data(), size);
         buffer.resize(buffer.find_last_not_of('#') + 1);
         return state(done, buffer);
-    }
-    Words line(std::uint64_t size) {
-        leave_stale_codes();
-        std::string buffer(400, '#');
-        const bool done = file->Readln(buffer.data(), size);
-        buffer.resize(buffer.find_last_not_of('#') + 1);
-        return state(done, buffer);
-    }
-    Words null_buffers() {
-        const Words read = state(file->Read(nullptr, 1)), write = state(file->Write(nullptr, 1));
-        return said(read, write, state(file->Readln(nullptr, 1)));
     }
 
+    // The target is 99 or "old" before.
     template <typename T>
-    Words get(T value) {
+    Words get() {
+        T value{};
+        if constexpr (std::is_arithmetic_v<T>) {
+            value = 99;
+        } else {
+            value = "old";
+        }
         leave_stale_codes();
         *file >> value;
         return state(value);
@@ -76,9 +77,12 @@ struct World : util_test::CaseWorld {
         return state("done");
     }
 
-    Words get_without_memory() {
-        const ImportPatch patch("_ZnayRKSt9nothrow_t", util_test::fails<0>);
-        return get(std::string("old"));
+    // There is no memory for more than this.
+    Words get_within(std::size_t limit) {
+        const ImportPatch patch("_ZnayRKSt9nothrow_t", [=](std::size_t size) {
+            return size > limit ? nullptr : operator new[](size, std::nothrow);
+        });
+        return get<std::string>();
     }
     // The runtime's reads fail with these values of errno, one after the other. 0: the read is
     // made.
@@ -157,52 +161,66 @@ struct World : util_test::CaseWorld {
     std::optional<ImportPatch> read_patch;
 };
 
+// A call of an operation: what it returns, and the state of the object.
+template <typename R, typename... A>
+util_test::Call on_file(const char* name, const char* failure, R (XrFile::*operation)(A...)) {
+    return call(name, failure, [=](World& w, A... arguments) {
+        leave_stale_codes();
+        return w.state((w.file.get()->*operation)(arguments...));
+    });
+}
+template <typename R>
+util_test::Call on_file(const char* name, const char* failure, R (XrFile::*question)() const) {
+    return call(name, failure, [=](World& w) { return w.state((w.file.get()->*question)()); });
+}
+
 const util_test::Cases<World> cases(
     "files/xr_file.cases",
     {
         call("bytes", [](World& w, const std::string& bytes) { w.scratch.file("f", bytes); }),
-        call("bytes_at", &World::bytes_at),
         call("content", [](World& w) { return w.scratch.read("f"); }),
         call("open", "... error ...", &World::open),
+        call("open_pipe", &World::open_pipe),
         call("open_path", "... error ...",
              [](World& w, const char* path) { return w.state(w.file->Open(path, "r")); }),
-        call("reopen", "... error ...",
-             [](World& w, const char* mode) { return w.state(w.file->Open(mode)); }),
-        call("flush", "... error ...", [](World& w) { return w.state(w.file->Flush()); }),
-        call("close", "... error ...", [](World& w) { return w.state(w.file->Close()); }),
+        on_file<int, const char*>("reopen", "... error ...", &XrFile::Open),
+        on_file("flush", "... error ...", &XrFile::Flush),
+        on_file("close", "... error ...", &XrFile::Close),
+        on_file("seek", "false ...", &XrFile::Seek),
+        on_file("rewind", "false ...", &XrFile::SeekToBegin),
+        on_file("tell", "-1 | -1 ...", &XrFile::Tell),
+        on_file("size", "0", &XrFile::Size),
+        on_file("changed", "0", &XrFile::LastModified),
+        on_file("is_empty", "true error ... closed", &XrFile::IsEmpty),
+        on_file("eof", "true error ... closed | false error -1 closed", &XrFile::Eof),
+        call("exists", "false", [](World& w) { return w.file->Exists(); }),
+        call("path_exists", "false",
+             [](const String& path, int mode) { return XrFile::Exists(path, mode); }),
+        call("name", [](World& w) { return w.file->getName(); }),
         call("code",
              [](World& w) {
                  int code = 77;
                  const bool failed = w.file->Error(code);
                  return said(failed, code);
              }),
-        call("name", [](World& w) { return w.file->getName(); }),
-        call("read", "false ... error ...", &World::read),
-        call("line", "false ... error ...", &World::line),
+        call("read", "false ... error ...",
+             [](World& w, std::uint64_t size) { return w.fill(&XrFile::Read, size); }),
+        call("line", "false ... error ...",
+             [](World& w, std::uint64_t size) { return w.fill(&XrFile::Readln, size); }),
         call("write", "false error ...",
              [](World& w, const std::string& bytes) {
                  leave_stale_codes();
                  return w.state(w.file->Write(bytes.data(), bytes.size()));
              }),
-        call("null_buffers", &World::null_buffers),
-        call("seek", "false ...", [](World& w, int to) { return w.state(w.file->Seek(to)); }),
-        call("rewind", "false ...", [](World& w) { return w.state(w.file->SeekToBegin()); }),
-        call("tell", "-1 | -1 ...", [](World& w) { return w.state(w.file->Tell()); }),
-        call("size", "0", [](World& w) { return w.state(w.file->Size()); }),
-        call("changed", "0", [](World& w) { return w.state(w.file->LastModified()); }),
-        call("is_empty", "true error ... closed",
-             [](World& w) { return w.state(w.file->IsEmpty()); }),
-        call("eof", "true error ... closed | false error -1 closed",
-             [](World& w) { return w.state(w.file->Eof()); }),
-        call("exists", "false", [](World& w) { return w.file->Exists(); }),
-        call("path_exists", "false",
-             [](const String& path, int mode) { return XrFile::Exists(path, mode); }),
-        call("get_int", "99 error ...", [](World& w) { return w.get(99); }),
-        call("get_long", "99 error ...", [](World& w) { return w.get(99L); }),
-        call("get_short", "99 error ...",
-             [](World& w) { return w.get(static_cast<unsigned short>(99)); }),
-        call("get", "old error ... | {...", [](World& w) { return w.get(std::string("old")); }),
-        call("get_string", "old error ... | {...", [](World& w) { return w.get(String("old")); }),
+        call("read_null", [](World& w) { return w.state(w.file->Read(nullptr, 1)); }),
+        call("line_null", [](World& w) { return w.state(w.file->Readln(nullptr, 1)); }),
+        call("write_null", [](World& w) { return w.state(w.file->Write(nullptr, 1)); }),
+        call("get_int", "99 error ...", &World::get<int>),
+        call("get_long", "99 error ...", &World::get<long>),
+        call("get_short", "99 error ...", &World::get<unsigned short>),
+        call("get", "old error ... | {...", &World::get<std::string>),
+        call("get_string", "old error ... | {...", &World::get<String>),
+        call("get_within", &World::get_within),
         call("put_int", "done error ...", &World::put<int>),
         call("put_long", "done error ...", &World::put<long>),
         call("put_short", "done error ...", &World::put<unsigned short>),
@@ -227,7 +245,6 @@ const util_test::Cases<World> cases(
                  SetFileAttributesA((w.scratch / "f").c_str(), FILE_ATTRIBUTE_READONLY);
              }),
         call("fail_reads", &World::fail_reads),
-        call("get_without_memory", &World::get_without_memory),
         call("open_flags", &World::open_flags),
         call("open_failing", &World::open_failing),
         call("close_failing", &World::close_failing),

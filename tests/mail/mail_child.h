@@ -10,14 +10,11 @@
 
 namespace util_test {
 
-constexpr int drop_batch = 10;
+constexpr int drop_batch = 3;
 
 // Long enough for writing it to take its time.
 inline std::string drop_body() {
-    std::string body;
-    for (int line = 0; line < 10000; ++line)
-        body += std::to_string(line) + "\r\n";
-    return body + "end";
+    return std::string(60000, 'x') + "end";
 }
 
 // A service IISADMIN, or of another name, that exists as long as this object. It is stopped at
@@ -30,7 +27,7 @@ class MailService {
         if (m_service) remove();
         const std::string command = "\"" + built_file("child.exe") + "\" service";
         // One that was deleted goes when its process has ended.
-        for (int tries = 0; tries < 500 && !m_service; ++tries, Sleep(10)) {
+        for (int tries = 0; tries < most_tries && !m_service; ++tries, Sleep(1)) {
             m_service.reset(CreateServiceA(m_manager.get(), name, name, SERVICE_ALL_ACCESS,
                                            SERVICE_WIN32_OWN_PROCESS, SERVICE_DEMAND_START,
                                            SERVICE_ERROR_IGNORE, command.c_str(), nullptr, nullptr,
@@ -44,26 +41,24 @@ class MailService {
         StartServiceA(m_service.get(), 0, nullptr);
         wait_for(SERVICE_RUNNING);
     }
-    void pause() {
-        SERVICE_STATUS status;
-        ControlService(m_service.get(), SERVICE_CONTROL_PAUSE, &status);
-        wait_for(SERVICE_PAUSED);
-    }
-    void stop() {
-        SERVICE_STATUS status;
-        if (ControlService(m_service.get(), SERVICE_CONTROL_STOP, &status))
-            wait_for(SERVICE_STOPPED);
-    }
+    void pause() { control(SERVICE_CONTROL_PAUSE, SERVICE_PAUSED); }
+    void stop() { control(SERVICE_CONTROL_STOP, SERVICE_STOPPED); }
 
   private:
+    static constexpr int most_tries = 5000;
+
     void remove() {
         stop();
         DeleteService(m_service.get());
         m_service.reset();
     }
+    void control(DWORD what, DWORD state) {
+        SERVICE_STATUS status;
+        if (ControlService(m_service.get(), what, &status)) wait_for(state);
+    }
     void wait_for(DWORD state) {
         SERVICE_STATUS status = {};
-        for (int tries = 0; tries < 500; ++tries, Sleep(10)) {
+        for (int tries = 0; tries < most_tries; ++tries, Sleep(1)) {
             if (QueryServiceStatus(m_service.get(), &status) && status.dwCurrentState == state)
                 return;
         }

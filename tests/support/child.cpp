@@ -7,19 +7,17 @@
 //     child open FIRST   exits with the number of descriptors from FIRST on that it inherited
 //     child service      is a service: starts, pauses and stops as it is told
 //
-// READY and GO name events. It sets READY when it is about to begin, and waits for GO.
+// It sets the event NAME-ready when it is about to begin, and waits for the event NAME-go.
 //
-//     child prepare READY GO RECORD PREFIX COUNT SUFFIX
+//     child prepare NAME RECORD PREFIX COUNT SUFFIX
 //         prepares PREFIX 0 SUFFIX, PREFIX 1 SUFFIX, ..., pausing before every write of a record;
 //         exits with 1 on failure and 2 if a record is written without the turn
-//     child lock READY GO DIRECTORY
-//         takes the lock before READY, releases it after GO
-//     child count READY GO DIRECTORY FILE
-//         again and again takes the lock, adds one to the number in FILE, adds one again and
-//         releases the lock, so that the number is odd or missing only while the lock is held
-//     child drop READY GO KEY PROGRESS
+//     child count NAME DIRECTORY FILE ROUNDS
+//         takes the lock, adds one to the number in FILE, adds one again and releases the lock, so
+//         that the number is odd or missing only while the lock is held; -1 rounds never end
+//     child drop NAME KEY PROGRESS
 //         drops batches of messages for r0, r1, ... until it is killed, and appends a byte to
-//         PROGRESS and sets READY after each; KEY stands in for HKEY_LOCAL_MACHINE
+//         PROGRESS after each; KEY stands in for HKEY_LOCAL_MACHINE
 #include <io.h>
 
 #include <cstdio>
@@ -31,8 +29,6 @@
 #include "support/second_process.h"
 #include "util/files/files.h"
 #include "util/mail/email.h"
-
-using util_test::Signal;
 
 namespace {
 
@@ -96,17 +92,8 @@ int prepare(const char* record, const std::string& prefix, int count, const char
     return wrote_without_turn ? 2 : 0;
 }
 
-int lock(const char* directory, Signal& ready, Signal& go) {
-    HANDLE handle = INVALID_HANDLE_VALUE;
-    OVERLAPPED record;
-    if (!UTIL_LockFilePrivate(directory, &handle, &record)) return 101;
-    ready.set();
-    if (!go.wait()) return 102;
-    return UTIL_UnLockFilePrivate(handle, &record) ? 0 : 103;
-}
-
-int count(const char* directory, const char* file) {
-    for (;;) {
+int count(const char* directory, const char* file, int rounds) {
+    for (; rounds != 0; --rounds) {
         HANDLE handle;
         OVERLAPPED record;
         if (!UTIL_LockFilePrivate(directory, &handle, &record)) return 1;
@@ -116,35 +103,32 @@ int count(const char* directory, const char* file) {
         XrFile(file, "w") << number + 2;
         if (!UTIL_UnLockFilePrivate(handle, &record)) return 2;
     }
+    return 0;
 }
 
-int drop(const char* key, const char* progress, Signal& ready) {
+int drop(const char* key, const char* progress) {
     HKEY machine;
     if (RegOpenKeyExA(HKEY_CURRENT_USER, key, 0, KEY_ALL_ACCESS, &machine) != 0 ||
         RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine) != 0) {
         return 1;
     }
     XrFile finished(progress, "a");
-    email mail;
     const String body = util_test::drop_body();
     for (int n = 0;;) {
         String batch;
         for (const int end = n + util_test::drop_batch; n < end; ++n)
             batch += "r" + String(n) + ";";
-        mail.send_mail("f", batch, "s", body);
+        email().send_mail("f", batch, "s", body);
         if (!finished.Write("", 1)) return 1;
-        ready.set();
     }
 }
 
-int second_process(const std::string& verb, char** words) {
-    Signal ready(words[0]), go(words[1]);
-    if (verb == "lock") return lock(words[2], ready, go);
-    if (verb == "drop") return drop(words[2], words[3], ready);
-    ready.set();
-    if (!go.wait()) return 102;
-    if (verb == "count") return count(words[2], words[3]);
-    return prepare(words[2], words[3], std::atoi(words[4]), words[5]);
+int second_process(const std::string& verb, const std::string& name, char** words) {
+    util_test::Signal(name + "-ready").set();
+    if (!util_test::Signal(name + "-go").wait()) return 102;
+    if (verb == "drop") return drop(words[0], words[1]);
+    if (verb == "count") return count(words[0], words[1], std::atoi(words[2]));
+    return prepare(words[0], words[1], std::atoi(words[2]), words[3]);
 }
 
 }  // namespace
@@ -152,7 +136,7 @@ int second_process(const std::string& verb, char** words) {
 int main(int argc, char** argv) {
     const std::string verb = argv[1];
     if (verb == "service") return run_service();
-    if (argc > 3) return second_process(verb, argv + 2);
+    if (argc > 3) return second_process(verb, argv[2], argv + 3);
     const char* const word = argv[2];
     if (verb == "exit") ExitProcess(static_cast<UINT>(std::atoi(word)));
     if (verb == "unit") return std::wcsstr(GetCommandLineW(), L" unit ")[6];

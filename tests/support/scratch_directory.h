@@ -1,8 +1,10 @@
 // A directory of its own for a test, gone with everything in it when the test ends. It makes its
-// calls itself, in wide characters, and owes nothing to the library under test.
+// calls itself, in wide characters. It owes nothing to the library under test.
 #ifndef UTIL_TESTS_SUPPORT_SCRATCH_DIRECTORY_H
 #define UTIL_TESTS_SUPPORT_SCRATCH_DIRECTORY_H
 
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <string>
 
@@ -49,8 +51,8 @@ class ScratchDirectory {
     // The UTF-8 path of name in here; nothing is created.
     std::string operator/(const std::string& name) const { return m_path + "\\" + name; }
 
-    // Creates a directory with its parents, or a file with that content in place of any that
-    // stood there; returns its path.
+    // Creates a directory with its parents, or a file with that content in place of any that was
+    // there. Returns its path.
     std::string directory(const std::string& name) const {
         const std::string path = *this / name;
         for (std::size_t end = m_path.size(); end != std::string::npos;) {
@@ -63,18 +65,12 @@ class ScratchDirectory {
     }
     std::string file(const std::string& name, const std::string& content = "") const {
         const std::string path = *this / name;
-        const HANDLE made =
-            CreateFileW(extended(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                        nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-        DWORD written = 0;
-        const bool complete =
-            WriteFile(made, content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
-        CloseHandle(made);
-        if (!complete) throw std::runtime_error(path);
+        std::ofstream out(std::filesystem::path(extended(path)), std::ios::binary);
+        if (!(out << content).flush()) throw std::runtime_error(path);
         return path;
     }
 
-    // Every byte of a file in here.
+    // Every byte of a file in here, also while another process moves it.
     std::string read(const std::string& name) const {
         const std::string path = *this / name;
         const HANDLE file = CreateFileW(extended(path).c_str(), GENERIC_READ,
@@ -95,24 +91,16 @@ class ScratchDirectory {
 
     // Links are removed, never followed.
     static void remove(const std::wstring& path) {
-        const DWORD attributes = GetFileAttributesW(path.c_str());
-        if (attributes == INVALID_FILE_ATTRIBUTES) return;
         SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-        if (!(attributes & FILE_ATTRIBUTE_DIRECTORY)) {
-            DeleteFileW(path.c_str());
-            return;
-        }
+        if (DeleteFileW(path.c_str()) || RemoveDirectoryW(path.c_str())) return;
         WIN32_FIND_DATAW entry;
-        HANDLE search = INVALID_HANDLE_VALUE;
-        if (!(attributes & FILE_ATTRIBUTE_REPARSE_POINT))
-            search = FindFirstFileW((path + L"\\*").c_str(), &entry);
-        if (search != INVALID_HANDLE_VALUE) {
-            do {
-                const std::wstring name = entry.cFileName;
-                if (name != L"." && name != L"..") remove(path + L"\\" + name);
-            } while (FindNextFileW(search, &entry));
-            FindClose(search);
-        }
+        const HANDLE search = FindFirstFileW((path + L"\\*").c_str(), &entry);
+        if (search == INVALID_HANDLE_VALUE) return;
+        do {
+            const std::wstring name = entry.cFileName;
+            if (name != L"." && name != L"..") remove(path + L"\\" + name);
+        } while (FindNextFileW(search, &entry));
+        FindClose(search);
         RemoveDirectoryW(path.c_str());
     }
 
