@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <io.h>
+#include <sys/stat.h>
 #include <sys/utime.h>
 
 #include "support/cases.h"
@@ -57,15 +58,8 @@ struct World : util_test::CaseWorld {
         return state(done, buffer);
     }
 
-    // The target is 99 or "old" before.
     template <typename T>
-    Words get() {
-        T value{};
-        if constexpr (std::is_arithmetic_v<T>) {
-            value = 99;
-        } else {
-            value = "old";
-        }
+    Words get(T value) {
         leave_stale_codes();
         *file >> value;
         return state(value);
@@ -82,7 +76,7 @@ struct World : util_test::CaseWorld {
         const ImportPatch patch("_ZnayRKSt9nothrow_t", [=](std::size_t size) {
             return size > limit ? nullptr : operator new[](size, std::nothrow);
         });
-        return get<std::string>();
+        return get(std::string("old"));
     }
     // The runtime's reads fail with these values of errno, one after the other. 0: the read is
     // made.
@@ -215,11 +209,11 @@ const util_test::Cases<World> cases(
         call("read_null", [](World& w) { return w.state(w.file->Read(nullptr, 1)); }),
         call("line_null", [](World& w) { return w.state(w.file->Readln(nullptr, 1)); }),
         call("write_null", [](World& w) { return w.state(w.file->Write(nullptr, 1)); }),
-        call("get_int", "99 error ...", &World::get<int>),
-        call("get_long", "99 error ...", &World::get<long>),
-        call("get_short", "99 error ...", &World::get<unsigned short>),
-        call("get", "old error ... | {...", &World::get<std::string>),
-        call("get_string", "old error ... | {...", &World::get<String>),
+        call("get_int", "99 error ...", [](World& w) { return w.get(99); }),
+        call("get_long", "99 error ...", [](World& w) { return w.get(99L); }),
+        call("get_short", "99 error ...", [](World& w) { return w.get<unsigned short>(99); }),
+        call("get", "old error ... | {...", [](World& w) { return w.get(std::string("old")); }),
+        call("get_string", "old error ... | {...", [](World& w) { return w.get(String("old")); }),
         call("get_within", &World::get_within),
         call("put_int", "done error ...", &World::put<int>),
         call("put_long", "done error ...", &World::put<long>),
@@ -240,10 +234,7 @@ const util_test::Cases<World> cases(
                  __utimbuf64 times = {accessed, changed};
                  _utime64((w.scratch / "f").c_str(), &times);
              }),
-        call("read_only",
-             [](const World& w) {
-                 SetFileAttributesA((w.scratch / "f").c_str(), FILE_ATTRIBUTE_READONLY);
-             }),
+        call("read_only", [](World& w) { _chmod((w.scratch / "f").c_str(), _S_IREAD); }),
         call("fail_reads", &World::fail_reads),
         call("open_flags", &World::open_flags),
         call("open_failing", &World::open_failing),

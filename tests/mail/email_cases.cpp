@@ -14,11 +14,6 @@ using util_test::Words;
 
 namespace {
 
-const std::map<std::string, std::string> keys = {{"EmailPickupDir", util_test::server_key},
-                                                 {"ExchangeServerAdmin", util_test::exchange_key},
-                                                 {"PathWWWRoot", util_test::web_key},
-                                                 {"InstallPath", util_test::web_key}};
-
 // $t contains the directories temp, for temporary files, and pickup.
 struct World : util_test::MailWorld {
     World() {
@@ -39,10 +34,10 @@ struct World : util_test::MailWorld {
         values["deep"] = scratch.directory(std::string(200, 'd')) + "\\" + std::string(60, 'e');
         values["deep"].resize(length);
     }
-    void set(const std::string& value, const std::string& text) {
-        registry.set_wide(keys.at(value), to_wide(value).c_str(), to_wide(text) + L'\0');
+    void set(const std::string& key, const std::string& value, const std::string& text) {
+        registry.set_wide(key, to_wide(value).c_str(), to_wide(text) + L'\0');
     }
-    void unset(const std::string& value) { registry.remove_value(keys.at(value), value.c_str()); }
+    void unset(const std::string& key, const char* value) { registry.remove_value(key, value); }
     bool installed_as(DWORD type, const std::string& bytes) {
         registry.set(util_test::web_key, "InstallPath", type, bytes);
         return MailInstalled();
@@ -72,17 +67,14 @@ struct World : util_test::MailWorld {
         Words directories, opened;
         const ImportPatch open("RegOpenKeyExA", [&](HKEY root, const char* path, DWORD options,
                                                     REGSAM access, HKEY* key) {
-            EXPECT_EQ(access, REGSAM{GENERIC_READ});
             opened.push_back(path);
             return RegOpenKeyExA(root, path, options, access, key);
         });
-        const ImportPatch temp_name(
-            "GetTempFileNameA",
-            [&](const char* directory, const char* prefix, UINT number, char* name) {
-                EXPECT_EQ(prefix + std::to_string(number), "tsr0");
-                directories.push_back(directory);
-                return GetTempFileNameA(directory, prefix, number, name);
-            });
+        const ImportPatch name("GetTempFileNameA", [&](const char* directory, const char* prefix,
+                                                       UINT number, char* path) {
+            directories.push_back(directory);
+            return GetTempFileNameA(directory, prefix, number, path);
+        });
         const int result = send_to("a");
         opened.pop_back();  // the web server's is opened again in the end
         return said(result, directories, opened);
@@ -124,61 +116,39 @@ struct World : util_test::MailWorld {
         });
     }
 
-    // The second use of a function of the runtime fails with this errno. 0: it writes half.
-    bool fails_now(int code) {
-        if (++uses != 2) return false;
-        errno = code;
-        return true;
-    }
-    void fail_second_write(int code) {
+    // The second use of a function of the runtime returns this, with this errno.
+    void fail_second(const std::string& function, bool is_done, int result, int code) {
+        using Word = std::intptr_t;
         uses = 0;
-        patch.emplace("_write", [=](int fd, const void* bytes, unsigned count) {
-            const bool fails = fails_now(code);
-            const int written = _write(fd, bytes, fails ? count / 2 : count);
+        patch.emplace(function.c_str(), [=](Word a, Word b, Word c) -> Word {
+            const bool fails = ++uses == 2;
+            const auto real = patch->original<Word(Word, Word, Word)>();
+            const Word real_result = fails && !is_done ? 0 : real(a, b, c);
             if (fails) errno = code;
-            return fails && code != 0 ? -1 : written;
-        });
-    }
-    void fail_second_close(int code) {
-        uses = 0;
-        patch.emplace("_close", [=](int fd) {
-            const int result = _close(fd);
-            return fails_now(code) ? -1 : result;
-        });
-    }
-    void fail_second_rename(int code) {
-        uses = 0;
-        patch.emplace("rename", [=](const char* from, const char* to) {
-            return fails_now(code) ? -1 : std::rename(from, to);
+            return fails ? result : real_result;
         });
     }
     // The platform needs more room for the path. The buffer means nothing then.
-    Words send_with_long_temp_path() {
-        const ImportPatch long_path("GetTempPathA", [](DWORD, char* buffer) {
+    void need_room_for_temp_path() {
+        patch.emplace("GetTempPathA", [](DWORD, char* buffer) {
             std::strcpy(buffer, "C:\\");
             return DWORD{256};
         });
-        return sent(send_to("a"));
     }
 
-    // How MailRunning() opens the service, and the order in which it closes.
+    // How MailRunning() opens the manager and the service.
     static Words running_asks() {
         Words words;
-        SC_HANDLE manager = nullptr;
         const ImportPatch open_manager(
             "OpenSCManagerA", [&](const char* machine, const char* database, DWORD access) {
                 util_test::say(words, said(machine, database, util_test::hex(access)));
-                return manager = OpenSCManagerA(machine, database, access);
+                return OpenSCManagerA(machine, database, access);
             });
         const ImportPatch open_service(
-            "OpenServiceA", [&](SC_HANDLE from, const char* name, DWORD access) {
+            "OpenServiceA", [&](SC_HANDLE manager, const char* name, DWORD access) {
                 util_test::say(words, said(name, util_test::hex(access)));
-                return OpenServiceA(from, name, access);
+                return OpenServiceA(manager, name, access);
             });
-        const ImportPatch close("CloseServiceHandle", [&](SC_HANDLE handle) {
-            words.push_back(handle == manager ? "manager" : "service");
-            return CloseServiceHandle(handle);
-        });
         return said(MailRunning(), words);
     }
 
@@ -249,10 +219,8 @@ const util_test::Cases<World> cases(
         call("number_names", &World::number_names),
         call("allow_empty_directory", &World::allow_empty_directory),
         call("add_faster_senders", &World::add_faster_senders),
-        call("fail_second_write", &World::fail_second_write),
-        call("fail_second_close", &World::fail_second_close),
-        call("fail_second_rename", &World::fail_second_rename),
-        call("send_with_long_temp_path", &World::send_with_long_temp_path),
+        call("fail_second", &World::fail_second),
+        call("need_room_for_temp_path", &World::need_room_for_temp_path),
     });
 
 }  // namespace
