@@ -73,45 +73,40 @@ struct World : util_test::CaseWorld {
 
     // There is no memory for more than this.
     Words get_within(std::size_t limit) {
-        const ImportPatch patch("_ZnayRKSt9nothrow_t", [=](std::size_t size) {
+        const ImportPatch memory("_ZnayRKSt9nothrow_t", [=](std::size_t size) {
             return size > limit ? nullptr : operator new[](size, std::nothrow);
         });
         return get(std::string("old"));
     }
-    // The runtime's reads fail with these values of errno, one after the other. 0: the read is
-    // made.
-    void fail_reads(const std::string& codes) {
-        read_codes = std::istringstream(codes);
-        read_patch.emplace("_read", [this](int fd, void* to, unsigned count) {
-            int code = 0;
-            if (!(read_codes >> code) || code == 0) return _read(fd, to, count);
+    // What the next calls of a function of the runtime do: the number of bytes that each moves (-1:
+    // it fails), and its errno. Later calls are real.
+    void plan(const std::string& function, const std::string& script) {
+        steps = std::istringstream(script);
+        patch.emplace(function.c_str(), [this](int fd, char* at, unsigned count) {
+            const auto real = patch->original<int(int, char*, unsigned)>();
+            int moved = 0, code = 0;
+            if (!(steps >> moved >> code)) return real(fd, at, count);
+            const int result = moved > 0 ? real(fd, at, unsigned(moved)) : moved;
             errno = code;
-            return -1;
+            return result;
         });
     }
-    // The flags and the permission that Open() hands on; with a code, the result when the
-    // platform fails with it, and the number of attempts.
-    Words open_flags(const char* mode) {
-        int flags = 0, permission = 0;
-        const ImportPatch patch("_wopen", [&](const wchar_t* path, int given, int mode_given) {
+    // How often Open() asks a platform that fails with the code, and for which flags and
+    // permission.
+    Words open_failing(const char* mode, DWORD code) {
+        int attempts = 0, flags = 0, permission = 0;
+        const ImportPatch wopen("_wopen", [&](const wchar_t*, int given, int mode_given) {
+            ++attempts;
             flags = given;
             permission = mode_given;
-            return _wopen(path, given, mode_given);
-        });
-        open(mode);
-        return said(util_test::hex(flags), util_test::hex(permission));
-    }
-    Words open_failing(DWORD code) {
-        int attempts = 0;
-        const ImportPatch patch("_wopen", [&] {
-            ++attempts;
             SetLastError(code);
             return -1;
         });
-        return said(open("r"), attempts);
+        open(mode);
+        return said(attempts, util_test::hex(flags), util_test::hex(permission));
     }
     Words close_failing() {
-        const ImportPatch patch("_close", util_test::fails<-1, 1234>);
+        const ImportPatch close("_close", util_test::fails<-1, 1234>);
         return state(file->Close());
     }
     // As with a program whose standard input is closed: the file gets descriptor 0.
@@ -126,33 +121,10 @@ struct World : util_test::CaseWorld {
         return words;
     }
 
-    // Calls of the runtime with these results and values of errno, then -1 with 5 (EIO). Text
-    // mode, so nothing is read ahead. Returns the state, the number of calls, and where the last
-    // one began in the buffer of 20 bytes.
-    Words transfer(const char* function, const std::string& script) {
-        file->Open(scratch / "f", "w+t");
-        char buffer[20] = {};
-        std::istringstream steps(script);
-        int calls = 0;
-        std::ptrdiff_t last = 0;
-        const ImportPatch patch(function, [&](int, const char* at, unsigned count) {
-            ++calls;
-            last = at - buffer;
-            EXPECT_EQ(last + count, 20);
-            int result = -1, error = EIO;
-            if (!(steps >> result >> error)) result = -1, error = EIO;
-            errno = error;
-            return result;
-        });
-        leave_stale_codes();
-        const bool reads = function == std::string("_read");
-        return said(state(reads ? file->Read(buffer, 20) : file->Write(buffer, 20)), calls, last);
-    }
-
     util_test::ScratchDirectory scratch;
     std::unique_ptr<XrFile> file = std::make_unique<XrFile>(), other;
-    std::istringstream read_codes;
-    std::optional<ImportPatch> read_patch;
+    std::istringstream steps;
+    std::optional<ImportPatch> patch;
 };
 
 // A call of an operation: what it returns, and the state of the object.
@@ -235,13 +207,10 @@ const util_test::Cases<World> cases(
                  _utime64((w.scratch / "f").c_str(), &times);
              }),
         call("read_only", [](World& w) { _chmod((w.scratch / "f").c_str(), _S_IREAD); }),
-        call("fail_reads", &World::fail_reads),
-        call("open_flags", &World::open_flags),
+        call("plan", &World::plan),
         call("open_failing", &World::open_failing),
         call("close_failing", &World::close_failing),
         call("size_and_time_as_standard_input", &World::size_and_time_as_standard_input),
-        call("reads", [](World& w, const std::string& s) { return w.transfer("_read", s); }),
-        call("writes", [](World& w, const std::string& s) { return w.transfer("_write", s); }),
     });
 
 }  // namespace

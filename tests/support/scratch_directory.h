@@ -27,15 +27,13 @@ class ScratchDirectory {
         char temp[MAX_PATH];
         const DWORD length = GetTempPathA(sizeof temp, temp);
         if (length == 0 || length > sizeof temp) throw std::runtime_error("no temporary directory");
-        m_path = std::string(temp) + "util-" + std::to_string(GetCurrentProcessId()) + "-";
-        for (int tries = 0;; ++tries) {
-            const std::string path = m_path + std::to_string(tries);
-            if (CreateDirectoryA(path.c_str(), nullptr)) {
-                m_path = path;
-                return;
-            }
-            if (GetLastError() != ERROR_ALREADY_EXISTS) throw std::runtime_error(path);
-        }
+        const std::string begin = temp + ("util-" + std::to_string(GetCurrentProcessId()) + "-");
+        int tries = 0;
+        do {
+            m_path = begin + std::to_string(tries++);
+            if (CreateDirectoryA(m_path.c_str(), nullptr)) return;
+        } while (GetLastError() == ERROR_ALREADY_EXISTS);
+        throw std::runtime_error(m_path);
     }
 
     // A current directory inside would keep it from going, so the process leaves it first.

@@ -33,7 +33,13 @@ class Signal {
 // tests/support/child.cpp with a verb. It sets `ready` when it is about to begin, and waits for
 // `go`. Killed with the object if it still runs.
 class SecondProcess {
+    static inline int count = 0;
+    const std::string m_name =
+        "util-test-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
+
   public:
+    Signal ready{m_name + "-ready"}, go{m_name + "-go"};
+
     SecondProcess(const std::string& verb, const std::string& arguments)
         : m_process(
               started({built_file("child.exe") + " " + verb + " " + m_name + " " + arguments})) {}
@@ -45,14 +51,6 @@ class SecondProcess {
         TerminateProcess(m_process.get(), 99);
         wait();
     }
-
-  private:
-    static inline int count = 0;
-    const std::string m_name =
-        "util-test-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
-
-  public:
-    Signal ready{m_name + "-ready"}, go{m_name + "-go"};
 
   private:
     util::WinHandle m_process;
