@@ -34,6 +34,9 @@ TEST_F(LockFileTest, CreatesTheFileAndGivesTheHandleBack) {
         EXPECT_EQ(handle_count(), m_handles);
     }
     EXPECT_EQ(m_scratch.read("lockfile.lck"), "") << "stays";
+    EXPECT_TRUE(lock());
+    EXPECT_FALSE(UTIL_UnLockFilePrivate(m_handle, nullptr)) << "the record is missing";
+    EXPECT_EQ(handle_count(), m_handles) << "closed all the same";
     EXPECT_TRUE(UTIL_UnLockFilePrivate(INVALID_HANDLE_VALUE, nullptr));
     EXPECT_FALSE(UTIL_UnLockFilePrivate(nullptr, &m_record));
     EXPECT_FALSE(UTIL_LockFilePrivate(m_scratch.path(), nullptr, &m_record));

@@ -109,16 +109,17 @@ struct World : util_test::CaseWorld {
         XrDirectory directory(path);
         return (*directory.getDirectoryList(false, false))[0]->getMode() == 0;
     }
-    Words names_broken_off() const {
-        // The code is also that of a name that cannot be converted.
-        const ImportPatch patch("FindNextFileW", util_test::fails<FALSE, ERROR_INVALID_NAME>);
-        return names(true, false);
-    }
+    // What a listing prints.
     std::string printed() const {
         const ImportPatch no_bytes("fputc", util_test::fails<0>);  // each a write on a console
         testing::internal::CaptureStdout();
         opened->getDirectoryList(false, false);
         return testing::internal::GetCapturedStdout();
+    }
+    std::string printed_broken_off() const {
+        // The code is also that of a name that cannot be converted.
+        const ImportPatch patch("FindNextFileW", util_test::fails<FALSE, ERROR_INVALID_NAME>);
+        return printed();
     }
     // The drives that the platform lists in a text, and its length.
     static Words roots(const std::string& list, DWORD length) {
@@ -271,7 +272,7 @@ const util_test::Cases<World> cases(
                  return w.size_found_as({L'n', unit}, 0);
              }),
         call("asks_for_status", &World::asks_for_status),
-        call("names_broken_off", &World::names_broken_off),
+        call("printed_broken_off", &World::printed_broken_off),
         call("printed", &World::printed),
         call("roots", &World::roots),
         call("free_space", &World::free_space),
