@@ -48,9 +48,12 @@ struct World : util_test::MailWorld {
         return name.rfind("tsr", 0) == 0 ? "tsr" + name.substr(name.find('.')) : name;
     }
     Words list(const std::string& directory) const {
-        Words words;
+        std::multiset<Words> sorted;  // numbers are drawn in any order
         for (const auto& [name, content] : files(directory))
-            words.insert(words.end(), {shown(name), content});
+            sorted.insert({shown(name), content});
+        Words words;
+        for (const Words& file : sorted)
+            util_test::say(words, file);
         return said(words);
     }
     // The result and the text of the last failure.
