@@ -1,322 +1,183 @@
-
-#include <atomic>
-#include <deque>
-#include <iomanip>
 #include <regex>
-#include <thread>
 
-#include "support/built_file.h"
+#include "support/import_patch.h"
 #include "support/loopback.h"
 #include "support/matches.h"
 #include "support/private_registry.h"
 #include "support/process.h"
-#include "support/scratch_directory.h"
 #include "support/test.h"
-#include "util/internal/windows.h"
 #include "util/util.h"
+// after the platform's header
+#include <shellapi.h>
+
+// The agent is linked into this program, where most of its calls are made.
+extern "C" int wmain(int argc, wchar_t** argv);
 
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::string_literals;
-using util_test::ScratchDirectory;
-using util_test::to_wide;
-using Words = std::vector<std::string>;
+using namespace util_test;
 
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-std::string without_dates(const std::string& text) {
-    const std::regex local("[0-9]{4} [0-9]{2} [0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}");
-    const std::regex utc("20[2-9][0-9]-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z");
-    return std::regex_replace(std::regex_replace(text, local, "DATE"), utc, "UTC");
-}
-
-// "File not found (error 2)", as the system words it.
-std::string system_text(const std::string& code) {
-    SetLastError(std::stoul(code));
-    String words;
-    UTIL_FormatMessage(words);
-    const std::string text = words.trim(".\r\n").str();
-    return text.empty() ? "error " + code : text + " (error " + code + ")";
-}
-
-// The documented format, written without the agent's own code. "#7" is a number, else a text.
+// XrFile's records, written without the agent's code.
 std::string records(const Words& fields) {
     std::string bytes;
     for (const std::string& field : fields) {
-        if (field[0] != '#') bytes += std::to_string(field.size() + 1) + '\0';
-        bytes += field.substr(field[0] == '#' ? 1 : 0) + '\0';
+        const bool is_text = field[0] != '#' && field[0] != '=';
+        if (is_text) bytes += std::to_string(field.size() + 1) + '\0';
+        bytes += is_text ? field : field.substr(1);
+        if (field[0] != '=') bytes += '\0';
     }
     return bytes;
 }
-std::string inventory_file(Words fields) {
-    fields.insert(fields.begin(), {"util agent inventory", "#1"});
-    unsigned int sum = 0;
-    for (const std::string& field : fields)
-        sum = sum * 31 + String(field[0] == '#' ? field.substr(1) : field).hash();
-    return records(fields) + std::to_string(static_cast<int>(sum)) + '\0';
-}
-
-Words words_of(const std::string& text) {
-    std::istringstream stream(text);
-    Words words;
-    for (std::string word; stream >> std::quoted(word);)
-        words.push_back(word);
-    return words;
-}
-
-const char* const maker = "SOFTWARE\\Vorn";
-const char* const server_key = "SOFTWARE\\Vorn\\Vorn Quillmark Tessaron\\Server";
-
-bool has_maker_key() {
-    HKEY key = nullptr;
-    RegOpenKeyExA(HKEY_LOCAL_MACHINE, maker, 0, KEY_READ, &key);
-    return key && RegCloseKey(key) == 0;
-}
-
-HANDLE open_inherited(const std::string& path, DWORD access, DWORD creation) {
-    SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-    return CreateFileW(to_wide(path).c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                       &inherited, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
-}
-
-struct Result {
-    DWORD status;
-    std::string out;
-    std::string err;
-};
 
 class AgentTest : public testing::Test {
   protected:
-    // Runs a program in `folder` to its end. Its output is in "1.out", "2.out", ... of `work`, or
-    // goes to `terminal`. Every word is quoted, so none may end in a backslash.
-    Result run(const std::string& program, const Words& words, DWORD flags = 0,
-               HANDLE terminal = nullptr) {
-        const std::string name = std::to_string(++m_runs);
-        util_test::Start start = {"\"" + program + "\"", true};
-        for (const std::string& word : words)
-            start.command += " \"" + word + "\"";
-        start.flags = flags;
-        start.directory = folder;
-        const HANDLE out = open_inherited(work / name + ".out", GENERIC_WRITE, CREATE_ALWAYS);
-        const HANDLE err = open_inherited(work / name + ".err", GENERIC_WRITE, CREATE_ALWAYS);
-        start.startup.dwFlags = STARTF_USESTDHANDLES;
-        start.startup.hStdOutput = terminal ? terminal : out;
-        start.startup.hStdError = err;
-        Result result = {util_test::run(start), "", ""};
-        CloseHandle(out);
-        CloseHandle(err);
-        result.out = work.read(name + ".out");
-        result.err = work.read(name + ".err");
-        return result;
+    AgentTest() { SetCurrentDirectoryA(work.path().c_str()); }
+
+    // Returns what the call prints, and its exit status in brackets.
+    static std::string agent(const std::string& words) {
+        int count = 0;
+        const std::wstring line = to_wide("agent " + words);
+        wchar_t** const arguments = CommandLineToArgvW(line.c_str(), &count);
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        const int status = wmain(count, arguments);
+        const std::string output = testing::internal::GetCapturedStdout();
+        LocalFree(arguments);
+        return output + testing::internal::GetCapturedStderr() + "[" + std::to_string(status) + "]";
     }
-    Result agent(const Words& words) { return run(util_test::built_file("agent.exe"), words); }
+
+    static std::string without_dates(const std::string& text) {
+        const std::regex local("[0-9]{4} [0-9]{2} [0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}");
+        const std::regex utc("20[2-9][0-9]-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z");
+        return std::regex_replace(std::regex_replace(text, local, "DATE"), utc, "UTC");
+    }
 
     // The words in braces of a transcript, replaced by what they stand for.
     std::string filled_in(std::string text) const {
         const std::regex field("\\{(error ([0-9]+)|([0-9A-F]{2})|bin|work)\\}");
         for (std::smatch found; std::regex_search(text, found, field);) {
-            std::string value = found[1] == "bin" ? util_test::built_file("") : work.path();
-            if (found[2].matched) value = system_text(found[2]);
+            std::string value = found[1] == "bin" ? built_file("") : work.path();
             if (found[3].matched) value = static_cast<char>(std::stoi(found[3], nullptr, 16));
+            if (found[2].matched) {
+                SetLastError(std::stoul(found[2]));
+                String words;
+                UTIL_FormatMessage(words);
+                value = words.trim(".\r\n").str() + " (" + found[1].str() + ")";
+            }
             text.replace(found.position(), found.length(), value);
         }
         return text;
     }
 
-    void prepare(const std::string& verb, const std::string& name, const Words& rest) {
+    void prepare(const std::string& line) {
+        std::istringstream stream(line);
+        Words words;
+        for (std::string word; stream >> word;)
+            words.push_back(filled_in(word));
+        const std::string verb = words.at(0);
+        const std::string name = words.at(1);
+        const Words rest(words.begin() + 2, words.end());
         if (verb == "file") {
-            work.file(name, rest.empty() ? "" : rest[0]);
+            work.file(name, records(rest));
         } else if (verb == "gigabytes") {
             fs::resize_file(fs::u8path(work.file(name)), std::stoull(rest.at(0)) << 30);
-        } else if (verb == "inventory" || verb == "records") {
-            work.file(name, verb == "records" ? records(rest) : inventory_file(rest));
-        } else if (verb == "remove") {
-            fs::remove(fs::u8path(work / name));
         } else if (verb == "folder") {
-            folder = work / name;
+            fs::current_path(fs::u8path(work / name));
+        } else if (verb == "link") {  // the tool does not run to its end: the link is made later
+            const auto before = XrDirectory(".").getDirectoryList(true, false)->size();
+            ksl_system2(("Z:\\bin\\ln -s " + rest.at(0) + " " + name).c_str());
+            while (XrDirectory(".").getDirectoryList(true, false)->size() == before)
+                Sleep(10);
         } else if (verb == "set") {
-            const auto* const bytes = reinterpret_cast<const BYTE*>(rest.at(0).c_str());
-            RegSetValueExA(util_test::Key(HKEY_LOCAL_MACHINE, server_key).get(), name.c_str(), 0,
-                           REG_SZ, bytes, static_cast<DWORD>(rest[0].size() + 1));
+            registry.set_text("SOFTWARE\\Vorn\\Vorn Quillmark Tessaron\\Server", name.c_str(),
+                              rest.empty() ? "" : rest[0]);
+        } else if (verb == "terminal") {
+            terminal.emplace(nullptr, "_isatty", fails<1>);
         } else {
-            ADD_FAILURE() << "unknown verb " << verb;
+            ADD_FAILURE() << line;
         }
     }
 
     // Plays agent/NAME.txt. The first of them says how they are written.
     void play(const std::string& name) {
         std::ifstream file(UTIL_ROOT "/tests/examples/agent/" + name + ".txt");
-        int calls = 0;
+        ASSERT_TRUE(file) << name;
         for (std::string line; std::getline(file, line);) {
             if (line.empty() || line[0] == '#') continue;
-            const std::string title = filled_in(line);
             std::string text;
-            while (std::getline(file, line) && !line.empty())
-                text += filled_in(line) + "\n";
-            Words words = words_of(title.substr(title[0] == '>' ? 1 : 3) + " " +
-                                   (title[0] == '>' ? text : ""));
-            if (title[0] == '>') {
-                prepare(words.at(0), words.at(1), {words.begin() + 2, words.end()});
+            for (std::string more; std::getline(file, more) && !more.empty();)
+                text += more + "\n";
+            if (line[0] == '>') {
+                prepare(line.substr(1) + " " + text);
                 continue;
             }
-            ++calls;
-            const Result result = agent(words);
-            const std::string actual = without_dates(result.out + result.err);
-            EXPECT_TRUE(util_test::matches(actual, text)) << title << "\n"
-                                                          << text << "- but:\n"
-                                                          << actual;
-            EXPECT_EQ(std::to_string(result.status), title.substr(1, 1)) << title;
+            const std::string expected = filled_in(text) + line.substr(0, 3);
+            const std::string actual = without_dates(agent(filled_in(line.substr(3))));
+            EXPECT_TRUE(matches(actual, expected)) << name << ": " << line << "\n" << actual;
         }
-        EXPECT_GT(calls, 0) << name;
     }
 
-    ScratchDirectory tree;
     ScratchDirectory work;
-    std::string folder = work.path();
-
-  private:
-    std::atomic<int> m_runs{0};
+    PrivateRegistry registry;
+    std::optional<ImportPatch> terminal;
 };
 
-TEST_F(AgentTest, PrintsWhatTheTranscriptsSay) {
-    for (const char* name : {"calls", "compare", "inventory", "cleanup"})
-        play(name);
-}
+class TranscriptTest : public AgentTest, public testing::WithParamInterface<const char*> {};
 
-TEST_F(AgentTest, ReportsAndSendsMailBySettingsOfTheRegistry) {
-    if (has_maker_key()) GTEST_SKIP() << "the machine's own key must not be touched";
-    EXPECT_EQ(agent({"report"}).status, 0u);
+TEST_P(TranscriptTest, IsWhatTheAgentPrints) {
+    play(GetParam());
+}
+INSTANTIATE_TEST_SUITE_P(Agent, TranscriptTest,
+                         testing::Values("calls", "cleanup", "compare", "inventory", "report"),
+                         [](const auto& name) { return std::string(name.param); });
+
+TEST_F(AgentTest, MailsAndReportsLeaveNoKey) {
     play("notify");
-    EXPECT_FALSE(has_maker_key()) << "a report or a mail left a key";
-    play("report");
-    RegDeleteTreeA(HKEY_LOCAL_MACHINE, maker);
+    EXPECT_EQ(RegDeleteKeyA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Vorn"), ERROR_FILE_NOT_FOUND);
 }
 
-// Bytes that a terminal obeys are shown on one. A file gets them as they are.
-TEST_F(AgentTest, NamesDoNotCommandATerminal) {
-    const char* const mark = "UTIL_AGENT_TEST_CONSOLE";
-    if (GetEnvironmentVariableA(mark, nullptr, 0) == 0) {  // again, with a console of its own
-        SetEnvironmentVariableA(mark, "1");
-        const Result inner = run(util_test::built_file("agent_test.exe"),
-                                 {"--gtest_filter=*.NamesDoNotCommandATerminal"}, CREATE_NO_WINDOW);
-        SetEnvironmentVariableA(mark, nullptr);
-        EXPECT_EQ(inner.status, 0u) << inner.out;
-        return;
-    }
-    work.file("a.rec", inventory_file({"C:\\", "1", "0"}));
-    work.file("b.rec",
-              inventory_file({"C:\\", "1", "1", "a\x1B[1m\xC2\x9B\n", "#33206", "7", "1"}));
-    const HANDLE console = open_inherited("CONOUT$", GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING);
-    run(util_test::built_file("agent.exe"), {"compare", "a.rec", "b.rec"}, 0, console);
-    std::wstring screen(400, L' ');
-    DWORD count = 0;
-    ReadConsoleOutputCharacterW(console, screen.data(), 400, {0, 0}, &count);
-    EXPECT_NE(screen.find(L"  a\\x1B[1m\\u009B\\x0A"), std::wstring::npos)
-        << fs::path(screen).u8string();
-}
-
-// Wine shows the host's symbolic links as what they lead to, and runs the host's own programs, but
-// not to their end: the link appears a little later.
+// Wine shows the host's symbolic links as what they lead to, and runs the host's own programs.
 TEST_F(AgentTest, LoopsEndAndUnreadableEntriesAreCounted) {
-    const std::string tool = "Z:\\bin\\ln";
-    if (!fs::exists(tool)) GTEST_SKIP() << "needs a Unix host";
-    tree.file("a\\file", tree.directory("a"));
-    const auto link = [&](const std::string& target, const std::string& name, unsigned entries) {
-        folder = tree / "a";
-        run(tool, {"-s", target, name});
-        for (int tries = 0; tries < 500; ++tries, Sleep(10)) {
-            if (XrDirectory(folder.c_str()).getDirectoryList(true, false)->size() == entries)
-                return;
-        }
-        ADD_FAILURE() << "no link " << name;
-    };
-    link("..", "loop", 2);
-    const Result loop = agent({"inventory", tree.path(), work / "links.rec"});
-    EXPECT_EQ(loop.status, 0u);
-    EXPECT_EQ(loop.err, "agent: not followed, leads back up: a\\loop\n");
-    EXPECT_TRUE(contains(loop.out, "  entries      3\n")) << loop.out;
-
-    link("/dev/null", "device", 3);
-    const Result device = agent({"inventory", "--json", tree.path(), work / "links.rec"});
-    EXPECT_EQ(device.status, 2u);
-    const std::string reason = system_text("87");
-    EXPECT_EQ(device.err,
-              "agent: not followed, leads back up: a\\loop\n"
-              "agent: cannot read a\\device: " +
-                  reason +
-                  "\nagent: 1 entry could not be read; the inventory lacks what is there\n");
-    EXPECT_TRUE(contains(device.out,
-                         "  \"not_followed\": [\n    \"a\\\\loop\"\n  ],\n"
-                         "  \"changed\": [\n  ],\n  \"unreadable\": [\n"
-                         "    {\"path\": \"a\\\\device\", \"reason\": \"" +
-                             reason + "\"}\n  ]\n}\n"))
-        << device.out;
+    if (!fs::exists("Z:\\bin\\ln")) GTEST_SKIP() << "needs a Unix host";
+    play("links");
 }
 
-TEST_F(AgentTest, DamagedFilesAreRefusedAndRemoveNothing) {
-    const std::string removed = tree.directory("empty") + "\\";
-    const auto refuses = [&](const Words& words, const std::string& text) {
-        work.file("bad.rec", text);
-        const Result result = agent(words);
-        EXPECT_EQ(result.status, 2u) << testing::PrintToString(text);
-        EXPECT_EQ(result.err.find("agent: 'bad.rec' "), 0u) << result.err;
-        EXPECT_TRUE(work.read("bad.rec") == text && fs::exists(removed));
-    };
-    const std::string content =
-        inventory_file({"C:\\", "0", "2", "one", "#33206", "1", "0", "two", "#16895", "0", "0"});
-    work.file("old.rec", content);
-    Words inventories = {"", content + '\0', content.substr(0, content.size() - 1),
-                         inventory_file({"C:\\", "0", "9999999999", "one", "#33206", "1", "0"})};
-    for (std::size_t at = 0; at < content.size(); at += 17)
-        inventories.push_back(content.substr(0, at));
-    for (std::size_t at = 0; at < content.size(); at += 7) {
-        inventories.push_back(content);
-        inventories.back()[at] ^= 1;
+TEST_F(AgentTest, DamagedFilesAreRefused) {
+    play("damaged");
+    const std::string good = work.read("good.rec");
+    for (std::size_t at = 0; at < good.size(); ++at) {
+        std::string flipped = good;
+        flipped[at] ^= 1;
+        for (const std::string& text : {flipped, good.substr(0, at)}) {
+            work.file("bad.rec", text);
+            const std::string actual = agent("compare good.rec bad.rec");
+            EXPECT_TRUE(matches(actual, "agent: 'bad.rec' ...[2]")) << at << ": " << actual;
+        }
     }
-    for (const std::string& text : inventories)
-        refuses({"compare", "old.rec", "bad.rec"}, text);
-
-    const std::string good = records({removed});
-    const std::string cut = good.substr(0, good.size() - 1);
-    for (const std::string& text :
-         {good + cut, good + "6"s, good + "7\0empty\\\0"s, good + "3\0C:\0"s, good + "\0"s,
-          good + "-1\0"s, good + "9999999999\0C:\\"s, "x" + good, "0" + good})
-        refuses({"cleanup", "bad.rec"}, text);
-    work.file("made.rec", "8\0Q:\\mnt\\\0"s);  // the drive may come back, with the directory on it
-    EXPECT_EQ(agent({"cleanup", "made.rec"}).status, 2u);
-    EXPECT_TRUE(fs::exists(work / "made.rec"));
 }
 
 class Client {
   public:
-    explicit Client(int port) : m_socket(util_test::new_socket(SOCK_STREAM)) {
+    explicit Client(const std::string& port) : m_socket(new_socket(SOCK_STREAM)) {
         sockaddr_in address = {};
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        address.sin_port = htons(static_cast<unsigned short>(port));
-        const auto* const name = reinterpret_cast<const sockaddr*>(&address);
-        EXPECT_EQ(connect(m_socket, name, sizeof address), 0);
+        address.sin_port = htons(static_cast<unsigned short>(std::stoi(port)));
+        connect(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     }
     ~Client() { closesocket(m_socket); }
 
-    void say(const std::string& text) const {
+    // Sends the text. Returns the next lines with "|" between them, "END" for the end of the
+    // connection.
+    std::string ask(const std::string& text, int lines) const {
         send(m_socket, text.data(), static_cast<int>(text.size()), 0);
-    }
-    // The next lines with "|" between them; "END" for the end of the connection.
-    std::string hear(int lines = 1) const {
-        std::string text;
+        std::string heard;
         for (char c; lines > 0;) {
-            if (recv(m_socket, &c, 1, 0) != 1) return text + "END";
-            if (c != '\n' || --lines > 0) text += c == '\n' ? '|' : c;
+            if (recv(m_socket, &c, 1, 0) != 1) return heard + "END";
+            if (c != '\n' || --lines > 0) heard += c == '\n' ? '|' : c;
         }
-        return text;
-    }
-    std::string ask(const std::string& text, int lines = 1) const {
-        say(text + "\n");
-        return hear(lines);
+        return heard;
     }
 
   private:
@@ -324,52 +185,39 @@ class Client {
 };
 
 TEST_F(AgentTest, WatchServesManyClientsAtOnce) {
-    Result result;
-    std::atomic<bool> ended{false};
-    std::thread server([&] {
-        result = agent({"watch", "0"});
-        ended = true;
-    });
+    const util::WinHandle server =
+        started({"cmd /c \"\"" + built_file("agent.exe") + "\" watch 0 >server\""});
+    const auto said = [&] { return fs::exists("server") ? work.read("server") : ""; };
+    while (said().empty() && exit_code(server.get(), 10) == STILL_ACTIVE) {
+    }
     const std::string greeting = "listening on 127.0.0.1, port ";
-    while (!ended && (!fs::exists(work / "1.out") || !contains(work.read("1.out"), "\n")))
-        Sleep(10);
-    if (ended) server.join();
-    ASSERT_FALSE(ended) << result.err;
-    const int port = std::stoi(work.read("1.out").substr(greeting.size()));
+    ASSERT_TRUE(matches(said(), greeting + "...\n"));
+    const std::string port = std::to_string(std::stoi(said().substr(greeting.size())));
 
-    std::deque<Client> clients;
+    std::map<std::size_t, Client> clients;
     while (clients.size() < Poll::table_size_)
-        clients.emplace_back(port);
-    EXPECT_EQ(Client(port).hear(2), "busy|END");
-    for (const Client& client : clients)
-        client.say("echo cli");
-    for (std::size_t i = 0; i < clients.size(); ++i)
-        clients[i].say("ent " + std::to_string(i) + "\r\n");
-    for (std::size_t i = 0; i < clients.size(); ++i)
-        EXPECT_EQ(clients[i].hear(), "client " + std::to_string(i));
-
-    EXPECT_TRUE(std::regex_match(clients[0].ask("status"),
-                                 std::regex("uptime [0-9]+ s, clients 64, lines 65")));
-    EXPECT_EQ(without_dates(clients[1].ask("time\necho\necho  two\nechoes\nbye\nquit", 6)),
+        clients.try_emplace(clients.size(), port);
+    EXPECT_EQ(Client(port).ask("", 2), "busy|END");
+    for (const auto& [number, client] : clients)
+        client.ask("echo cli", 0);
+    for (const auto& [number, client] : clients)
+        EXPECT_EQ(client.ask("ent\r\n", 1), "client") << number;
+    EXPECT_TRUE(matches(clients.at(0).ask("status\n", 1), "uptime ... s, clients 64, lines 65"));
+    EXPECT_EQ(without_dates(clients.at(1).ask("time\necho\necho  two\nechoes\nbye\nquit\n", 6)),
               "DATE|| two|unknown command; status, time, echo TEXT, bye, quit|bye|END");
-    EXPECT_EQ(clients[2].ask(std::string(5000, 'x'), 2), "line too long|END");
+    EXPECT_EQ(clients.at(2).ask(std::string(5000, 'x'), 2), "line too long|END");
+    EXPECT_EQ(clients.at(3).ask(std::string(5000, 'x') + "\n", 2), "line too long|END");
 
     while (clients.size() > 32)  // gone without a word
-        clients.pop_back();
-    int tries = 0;
-    while (!contains(clients[0].ask("status"), "clients 30,") && ++tries < 500)
+        clients.erase(clients.size() - 1);
+    while (!matches(clients.at(0).ask("status\n", 1), "...clients 29,..."))
         Sleep(10);
-    EXPECT_LT(tries, 500);
-    EXPECT_EQ(Client(port).ask("echo new"), "new");
-    EXPECT_EQ(agent({"watch", std::to_string(port)}).err, "agent: cannot listen on port " +
-                                                              std::to_string(port) + ": " +
-                                                              system_text("10048") + "\n");
-    EXPECT_EQ(clients[4].ask("quit", 2), "stopping|END");
-    EXPECT_EQ(clients[0].hear(), "END");
-    server.join();
-    EXPECT_EQ(result.status, 0u);
-    EXPECT_EQ(result.err, "");
-    EXPECT_EQ(result.out.find(greeting + std::to_string(port) + "\nstopped, lines "), 0u);
+    EXPECT_EQ(agent("watch " + port),
+              "agent: cannot listen on port " + port + ": error 10048\n[2]");
+    EXPECT_EQ(clients.at(4).ask("quit\n", 2), "stopping|END");
+    EXPECT_EQ(clients.at(0).ask("", 1), "END");
+    EXPECT_EQ(exit_code(server.get()), 0u);
+    EXPECT_TRUE(matches(said(), greeting + port + "\nstopped, lines ...\n")) << said();
 }
 
 }  // namespace
