@@ -1,7 +1,7 @@
 // What programs have compiled in: the sizes of classes that they embed or derive from, and the
 // places within records that they hand over. For MinGW-w64 x86-64, where classes are promised. A
-// number that changes here breaks programs that are already built. XrFile, email, Poll's constants
-// and the places in a mount record are asserted where they are defined.
+// number that changes here breaks programs that are already built. XrFile, email, ksl_uint64_c,
+// FileAttr, Poll's constants and the mount record are asserted where they are defined.
 #include <cstddef>
 #include <type_traits>
 
@@ -21,7 +21,6 @@ static_assert(has_size<XrDirectoryEntry, 48>);
 static_assert(has_size<XrDirectory::List, 24>);
 static_assert(has_size<Poll, 24>);
 static_assert(has_size<Poll::Callback, 8>);
-static_assert(sizeof(Tools::FileAttr) == 4 && alignof(Tools::FileAttr) == 4);
 
 // Constants that are folded into programs.
 static_assert(extstl::ExtString::npos == ~std::uint64_t{0});
@@ -33,12 +32,10 @@ constexpr bool is_record =
     sizeof(T) == size &&
     alignof(T) == alignment&& std::is_trivially_copyable_v<T>&& std::is_standard_layout_v<T>;
 
-static_assert(is_record<ksl_uint64_c, 8, 4>);
 static_assert(is_record<u_hyper, 8, 4> && offsetof(u_hyper, high) == 0 &&
               offsetof(u_hyper, low) == 4);
 static_assert(is_record<UTIL_TimeOfDay, 8, 4> && offsetof(UTIL_TimeOfDay, seconds) == 0 &&
               offsetof(UTIL_TimeOfDay, microseconds) == 4);
-static_assert(is_record<ksl_mount_record, 1056, 1>);  // ksl_mount.cpp holds the offsets
 
 // Which classes have a table of virtual functions, and so an address in front of their members.
 static_assert(std::has_virtual_destructor_v<extstl::ExtString> &&
