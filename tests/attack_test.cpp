@@ -128,6 +128,7 @@ void add(Text what, const std::string& good, Function function, More... more) {
         return UTIL_Utf8ToWideChar(t, &wide) && UTIL_WideCharToUtf8(wide, &out);
     });
     add("UTIL_Utf8ToMultiByte", "", UTIL_Utf8ToMultiByte, &out);
+    add("wide to ANSI", "", [](Text t) { return UTIL_WcharToMultiByte(to_wide(t).c_str(), &out); });
     add("email", "", [](Text t) { return email(t, String(t).replace(";", ""), t, t).send(); });
     add("connect", "", [](Text t) { return UTIL_ConnectCifsShare(t, t, t, message); });
     add("disconnect", "", UTIL_DisconnectCifsShare, message);
@@ -161,6 +162,8 @@ void add(Text what, const std::string& good, Function function, More... more) {
     add("UTIL_makeNewNTDir", "n", [](Text t) { return UTIL_makeNewNTDir(t, nullptr) == 0; });
     add("UTIL_prepareAndCreateDir", "n",
         [](Text t) { return UTIL_prepareAndCreateDir(t, ignored, "", ignored, nullptr) == 0; });
+    add("creation record", "n",
+        [](Text t) { return UTIL_prepareAndCreateDir("e", ignored, t, ignored, nullptr) == 0; });
     add("UTIL_LockFilePrivate", "d", [](Text t) {
         return UTIL_LockFilePrivate(t, &handle, &lock) && UTIL_UnLockFilePrivate(handle, &lock);
     });
