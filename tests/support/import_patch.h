@@ -94,6 +94,12 @@ class ImportPatch {
     ImportPatch(const ImportPatch&) = delete;
     ImportPatch& operator=(const ImportPatch&) = delete;
 
+    // The real function, for a replacement that passes calls on.
+    template <typename Function>
+    Function* original() const {
+        return reinterpret_cast<Function*>(m_original);
+    }
+
   private:
     void write(void* function) {
         DWORD before;
