@@ -172,9 +172,9 @@ struct Signature<R (*)(A...)> {
     template <typename F, std::size_t... place>
     static Words invoke(const F& function, CaseWorld& world, const Words& words,
                         std::index_sequence<place...>) {
-        std::tuple<Output<A>...> outputs;
+        std::tuple<Output<A>...> values;
         const auto result = [&]() -> R {
-            return std::invoke(function, pass<A>(world, words, place, std::get<place>(outputs))...);
+            return std::invoke(function, pass<A>(world, words, place, std::get<place>(values))...);
         };
         Words all;
         if constexpr (std::is_void_v<R>) {
@@ -182,7 +182,7 @@ struct Signature<R (*)(A...)> {
         } else {
             all = said(result());
         }
-        (say_output(all, std::get<place>(outputs)), ...);
+        (say_output(all, std::get<place>(values)), ...);
         return all;
     }
     template <typename T>
@@ -211,7 +211,7 @@ struct Signature : WithoutObject<decltype(&F::operator())> {};
 template <typename F>
 Call call(const char* name, const char* failure, F function) {
     using S = Signature<F>;
-    constexpr bool has_result = !std::is_void_v<typename S::Result> || S::outputs > 0;
+    static constexpr bool has_result = !std::is_void_v<typename S::Result> || S::outputs > 0;
     const auto make = [function](CaseWorld& world, const Words& words) {
         const Words result = S::invoke(function, world, words, typename S::Places());
         return has_result && result.empty() ? Words{"none"} : result;
