@@ -212,8 +212,8 @@ TEST(OldAttackTest, APathBeyond4GB) {
     const HANDLE pages =
         CreateFileMapping(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, block, nullptr);
     for (std::size_t at = 0; at < size; at += block)
-        MapViewOfFileEx(pages, FILE_MAP_WRITE, 0, 0, block, text + at);
-    VirtualAlloc(text + size, block, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+        ASSERT_NE(MapViewOfFileEx(pages, FILE_MAP_WRITE, 0, 0, block, text + at), nullptr);
+    ASSERT_NE(VirtualAlloc(text + size, block, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE), nullptr);
     std::memset(text, 'x', block);
     std::memcpy(text, name.data(), name.size());
     std::strcpy(text + size, name.c_str() + 1);  // what 32 bits count is the name

@@ -70,7 +70,7 @@ TEST_F(PrepareDirectoryTest, KilledProcesses_LeaveAtMostOneDirectoryUnrecorded) 
         "%d lost more\n",
         kills.rounds, in_the_middle, unrecorded, losses);
     EXPECT_EQ(losses, 0) << "seed " << kills.seed;
-    EXPECT_GE(in_the_middle, kills.rounds / 10);
+    EXPECT_GT(in_the_middle, 0) << "no kill hit";
 }
 
 }  // namespace

@@ -55,6 +55,14 @@ Words written_at(int hour, const char* pattern) {
     return words;
 }
 
+// Of each month of 2001.
+Words first_days() {
+    Words words;
+    for (int month = 1; month <= 12; ++month)
+        util_test::say(words, ExtTime(ExtDate(1, month, 2001), 0, 0, 0, "").text("%A %B"));
+    return words;
+}
+
 Words read(const String& text) {
     return in_zones([&] {
         const ExtTime time = text.toDate();
@@ -108,6 +116,7 @@ const util_test::Cases<util_test::CaseWorld> cases(
         call("time", "... invalid ... | raises std::bad_alloc", time),
         call("written", no_text, [](const char* pattern) { return written_at(21, pattern); }),
         call("written_at", no_text, written_at),
+        call("first_days", first_days),
         call("read", "... | raises std::bad_alloc", read),
         call("seconds", "-1", seconds),
         call("second_one", second_one),
