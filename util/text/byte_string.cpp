@@ -14,11 +14,11 @@ namespace {
 
 template <typename IsMember>
 String trimmed(std::string_view text, IsMember is_member) {
-    while (!text.empty() && is_member(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && is_member(text.back()))
-        text.remove_suffix(1);
-    return String(text.data(), text.size());
+    const char* end = text.data() + text.size();
+    const char* const begin = std::find_if_not(text.data(), end, is_member);
+    while (begin != end && is_member(end[-1]))
+        --end;
+    return String(begin, static_cast<std::uint64_t>(end - begin));
 }
 
 }  // namespace
