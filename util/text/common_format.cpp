@@ -31,8 +31,10 @@ class Output {
         if (fits(1)) m_space[m_length] = c;
         ++m_length;
     }
+    // Inline, so that this object lies in registers: on Windows, where int and long share one
+    // function, the call takes 3 ns of 60 (format_bench).
     template <typename Number>
-    void put_number(Number value, int base = 10) {
+    [[gnu::always_inline]] void put_number(Number value, int base = 10) {
         constexpr std::size_t most = 20;  // digits, or a sign and 19 of them, for 64 bits
         char digits[most];
         char* const begin = fits(most) ? m_space + m_length : digits;
