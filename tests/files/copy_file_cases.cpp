@@ -27,7 +27,7 @@ struct World : util_test::CaseWorld {
             {"from", scratch / source_name}, {"to", scratch / "target"}, {"t", scratch.path()}};
     }
 
-    // What a text mode would change is among the bytes.
+    // The bytes include CR LF and Ctrl+Z, which text mode would change.
     void source(std::size_t count) {
         bytes.clear();
         while (bytes.size() < count)

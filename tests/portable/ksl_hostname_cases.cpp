@@ -18,8 +18,7 @@ struct World : util_test::CaseWorld {
         const int result = errno_kept([&] { return ksl_gethostname(buffer.data(), size); });
         return said(result, of(buffer));
     }
-    // Also the number of records. Of the NULs, 21 are [], a record without an address, and 14 are
-    // -.
+    // Also returns the number of records. `[]` is a record of 21 NULs, `-` is 14 NULs.
     Words addresses(int max) {
         std::string records(100, '#');
         int count = -5;
