@@ -73,14 +73,14 @@ struct World : util_test::CaseWorld {
         if (message != "untouched") util_test::say(words, message);
         return words;
     }
-    static Words hosts_with_room(std::size_t refused) {
+    Words hosts_with_room(std::size_t refused) const {
         const ImportPatch one("_Znwy", [=](std::size_t size) {
             return size >= refused ? throw std::bad_alloc() : ::operator new(size);
         });
         const ImportPatch many("_Znay", [=](std::size_t size) {
             return size >= refused ? throw std::bad_alloc() : ::operator new[](size);
         });
-        return hosts_in("w");
+        return hosts_in(scratch.path());
     }
 
     const PrivateRegistry registry;
@@ -95,6 +95,7 @@ struct World : util_test::CaseWorld {
             EXPECT_FALSE(kept & HANDLE_FLAG_INHERIT) << "another thread's child would inherit it";
             return descriptor;
         }};
+    std::optional<ImportPatch> patch;
 };
 
 const char hosts_failure[] =
@@ -115,9 +116,13 @@ const util_test::Cases<World> cases(
         call("exists",
              [](const char* file) { return GetFileAttributesA(file) != INVALID_FILE_ATTRIBUTES; }),
         call("remove", [](const char* file) { return std::remove(file); }),
+        call("out_of_memory_in",
+             [](World& w, const char* name) {
+                 w.patch.emplace(name, util_test::fails<-1, 0, ENOMEM>);
+             }),
         call("hosts", hosts_failure, [](World& w) { return w.hosts_in(w.scratch.path()); }),
         call("hosts_in", hosts_failure, World::hosts_in),
-        call("hosts_with_room", World::hosts_with_room),
+        call("hosts_with_room", &World::hosts_with_room),
     });
 
 }  // namespace

@@ -64,7 +64,7 @@ std::string message_of(DWORD code) {
     EXPECT_EQ(GetLastError(), code);
     return text.str();
 }
-// From a platform whose texts are these.
+// Returns the message if the platform's text is `text`.
 std::string message_with(const std::string& text) {
     const std::wstring words = to_wide(text);
     const ImportPatch format("FormatMessageW", [&](DWORD flags, LPCVOID, DWORD code, DWORD language,
@@ -155,8 +155,8 @@ const util_test::Cases<World> cases(
              }),
         call("set", [](World& w, const std::string& name,
                        const std::string& value) { w.environment.set(name, value); }),
-        call("no_temp_path",
-             [](World& w) { w.patch.emplace("GetTempPathA", util_test::fails<0>); }),
+        call("refuse",
+             [](World& w, const char* name) { w.patch.emplace(name, util_test::fails<0, 77>); }),
 
         call("temp_directory", "D:\\root | . | \"\"", UTIL_GetTempDirectory),
         call("snapshot_tool", "-1 \"\"", UTIL_GetHalcVexsnapFileName),
