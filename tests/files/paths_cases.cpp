@@ -244,7 +244,7 @@ const util_test::Cases<World> cases(
              }),
         call("find", "\"\" | raises std::bad_alloc | raises _com_error",
              [](const String& name) { return Tools::absolute_pathname(name, any); }),
-        call("exists", "false", Tools::fileExists),
+        call("exists", "false | raises _com_error", Tools::fileExists),
         call("program_directory", "\"\" | raises std::bad_alloc | raises _com_error",
              [] { return Tools::find_location("ignored", any); }),
         call("program_directory_of", &World::program_directory),

@@ -140,16 +140,19 @@ util_test::Call on_file(const char* name, const char* failure, R (XrFile::*quest
     return call(name, failure, [=](World& w) { return w.state((w.file.get()->*question)()); });
 }
 
+const char open_failure[] = "... error ... | raises std::bad_alloc | raises _com_error";
+const char text_failure[] = "old error ... | {... | raises std::bad_alloc";
+
 const util_test::Cases<World> cases(
     "files/xr_file.cases",
     {
         call("bytes", [](World& w, const std::string& bytes) { w.scratch.file("f", bytes); }),
         call("content", [](World& w) { return w.scratch.read("f"); }),
-        call("open", "... error ...", &World::open),
+        call("open", open_failure, &World::open),
         call("open_pipe", &World::open_pipe),
-        call("open_path", "... error ...",
+        call("open_path", open_failure,
              [](World& w, const char* path) { return w.state(w.file->Open(path, "r")); }),
-        on_file<int, const char*>("reopen", "... error ...", &XrFile::Open),
+        on_file<int, const char*>("reopen", open_failure, &XrFile::Open),
         on_file("flush", "... error ...", &XrFile::Flush),
         on_file("close", "... error ...", &XrFile::Close),
         on_file("seek", "false ...", &XrFile::Seek),
@@ -159,8 +162,8 @@ const util_test::Cases<World> cases(
         on_file("changed", "0", &XrFile::LastModified),
         on_file("is_empty", "true error ... closed", &XrFile::IsEmpty),
         on_file("eof", "true error ... closed | false error -1 closed", &XrFile::Eof),
-        call("exists", "false", [](World& w) { return w.file->Exists(); }),
-        call("path_exists", "false",
+        call("exists", "false | raises _com_error", [](World& w) { return w.file->Exists(); }),
+        call("path_exists", "false | raises _com_error",
              [](const String& path, int mode) { return XrFile::Exists(path, mode); }),
         call("name", [](World& w) { return w.file->getName(); }),
         call("code",
@@ -184,17 +187,18 @@ const util_test::Cases<World> cases(
         call("get_int", "99 error ...", [](World& w) { return w.get(99); }),
         call("get_long", "99 error ...", [](World& w) { return w.get(99L); }),
         call("get_short", "99 error ...", [](World& w) { return w.get<unsigned short>(99); }),
-        call("get", "old error ... | {...", [](World& w) { return w.get(std::string("old")); }),
-        call("get_string", "old error ... | {...", [](World& w) { return w.get(String("old")); }),
+        call("get", text_failure, [](World& w) { return w.get(std::string("old")); }),
+        call("get_string", text_failure, [](World& w) { return w.get(String("old")); }),
         call("get_within", &World::get_within),
         call("put_int", "done error ...", &World::put<int>),
         call("put_long", "done error ...", &World::put<long>),
         call("put_short", "done error ...", &World::put<unsigned short>),
         call("put", "done error ...", &World::put<const char*>),
-        call("put_bytes", "done error ...", &World::put<std::string>),
+        call("put_bytes", "done error ... | raises std::bad_alloc", &World::put<std::string>),
         call("put_string", "done error ...", &World::put<String>),
-        call("copy", [](World& w) { w.other = std::make_unique<XrFile>(*w.file); }),
-        call("assign", "false",
+        call("copy", "raises std::bad_alloc",
+             [](World& w) { w.other = std::make_unique<XrFile>(*w.file); }),
+        call("assign", "false | raises std::bad_alloc",
              [](World& w) {
                  w.other = std::make_unique<XrFile>();
                  *w.other = *w.file;

@@ -25,6 +25,9 @@ struct CaseWorld {
     std::map<std::string, std::string> values;  // what $name stands for
 };
 
+// Is called after the arguments of a call are converted, before the call.
+inline void (*before_call)() = [] {};
+
 // A call's name in case files, and its function.
 struct Call {
     std::string name;
@@ -158,8 +161,10 @@ struct Signature<R (*)(A...)> {
     using Places = std::index_sequence_for<A...>;
 
     template <typename T>
-    static auto pass(CaseWorld& world, const Words& words, std::size_t place, Output<T>& output)
-        -> std::conditional_t<is_world<T> || is_output<T>, T, std::decay_t<T>> {
+    using Passed = std::conditional_t<is_world<T> || is_output<T>, T, std::decay_t<T>>;
+    template <typename T>
+    static Passed<T> pass(CaseWorld& world, const Words& words, std::size_t place,
+                          Output<T>& output) {
         if constexpr (is_world<T>) {
             return static_cast<T>(world);
         } else if constexpr (is_output<T>) {
@@ -173,14 +178,13 @@ struct Signature<R (*)(A...)> {
     static Words invoke(const F& function, CaseWorld& world, const Words& words,
                         std::index_sequence<place...>) {
         std::tuple<Output<A>...> values;
-        const auto result = [&]() -> R {
-            return std::invoke(function, pass<A>(world, words, place, std::get<place>(values))...);
-        };
+        std::tuple<Passed<A>...> passed(pass<A>(world, words, place, std::get<place>(values))...);
+        before_call();
         Words all;
         if constexpr (std::is_void_v<R>) {
-            result();
+            std::apply(function, std::move(passed));
         } else {
-            all = said(result());
+            all = said(std::apply(function, std::move(passed)));
         }
         (say_output(all, std::get<place>(values)), ...);
         return all;
