@@ -46,7 +46,7 @@ inline void** import_slot(const char* module, const char* name) {
     return found;
 }
 
-// Where a replacement goes: into the slot, or behind what the program has put into the slot.
+// Returns where a patch writes: the slot, or the function that a gate in the slot calls.
 inline void** (*place_of_patch)(void** slot) = [](void** slot) { return slot; };
 
 // Stands for any function that fails: gives the result and leaves the codes, 0 for none.

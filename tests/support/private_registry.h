@@ -40,11 +40,12 @@ class Key {
 class PrivateRegistry {
   public:
     PrivateRegistry() {
-        if (count++ == 0) {
+        if (count == 0) {
             const Key root(HKEY_CURRENT_USER, path());
             require(RegOverridePredefKey(HKEY_LOCAL_MACHINE, root.get()), "RegOverridePredefKey");
         }
         clear();
+        ++count;
     }
     ~PrivateRegistry() {
         if (--count > 0) return;
@@ -61,8 +62,8 @@ class PrivateRegistry {
 
     static void create(const std::string& key) { Key(HKEY_LOCAL_MACHINE, key); }
 
-    // Stores exactly these bytes, in the ANSI code page when the type is a text's. (The platform
-    // would add a NUL that it finds after the bytes. So it finds something else.)
+    // Stores exactly these bytes, in the ANSI code page when the type is a text's.
+    // Stores an X after the bytes, because the platform would include a NUL that follows them.
     static void set(const std::string& key, const char* name, DWORD type,
                     const std::string& bytes) {
         require(RegSetKeyValueA(HKEY_LOCAL_MACHINE, key.c_str(), name, type, (bytes + "X").data(),
@@ -91,6 +92,7 @@ class PrivateRegistry {
         static const char* const names[] = {"",       "text", "expand", "binary",
                                             "number", "",     "",       "texts"};
         const auto* const found = std::find(std::begin(names), std::end(names), name);
+        if (found == std::end(names)) throw std::runtime_error("no such type: " + name);
         return static_cast<DWORD>(found - std::begin(names));
     }
 

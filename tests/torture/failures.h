@@ -29,7 +29,8 @@ struct Failure {
     mutable long times = 0;  // it has happened
 };
 
-// Several of one function are several ways in which it fails. The first is that of memory.
+// A function has one row for each way in which it fails. The first row is the failure of an
+// allocation.
 extern const std::vector<Failure> failures;
 
 // All of them for a function. None if nobody has said how it fails.

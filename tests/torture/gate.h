@@ -29,11 +29,11 @@ std::uint64_t call_original(const Gate& gate, const Arguments& arguments);
 // Puts a gate into a slot of a table of functions. It stays until the process ends.
 void guard(void** slot, const Gate& gate);
 
-// Where a function goes that a gate in this slot shall call; the slot itself if it has no gate.
+// Returns the place of the function that the gate in `slot` calls, or `slot` if it has no gate.
 void** called_by_gate(void** slot);
 
-// Whether the module called the code that is running, directly or not. Code that a function of the
-// program calls does not count, even if the module called that function.
+// Returns whether the module called the running code. Code below a function of this program does
+// not count.
 bool called_from(const void* module);
 
 // A number for the way on which the module came to the code that is running. Another line of a test

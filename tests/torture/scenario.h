@@ -92,7 +92,7 @@ class Run {
         playing.least[resource] = faulted() ? 0 : number;
         playing.most[resource] = number;
     }
-    // One more call, which keeps so many.
+    // Adds a call that leaks `least` to `most` of the resource by design.
     static void keeps_more(Resource resource, long least, long most) {
         playing.least[resource] += least;
         playing.most[resource] += most;

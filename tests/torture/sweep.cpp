@@ -20,7 +20,7 @@ Playing playing;
 
 namespace {
 
-// An imported function. Those that allocate are one, "memory".
+// An imported function. All that allocate share the entry "memory".
 struct Function {
     std::string name;
     std::vector<const Failure*> failures;
@@ -108,6 +108,7 @@ DWORD WINAPI watch_time(void*) {
 // How much more, or less, there is of each resource after the run than may be.
 Resources play() {
     playing = {};
+    if (now.watched) now.calls.clear();
     now.started = GetTickCount64();
     stand_ins = StandIns();
     for (Function& function : functions)
@@ -115,7 +116,11 @@ Resources play() {
     const Resources before = resources_now(counted);
     {
         Run run;
-        now.scenario->play(run);
+        try {
+            now.scenario->play(run);
+        } catch (const std::exception& error) {
+            remark(error.what());
+        }
     }
     Resources surplus = resources_now(counted);
     for (int i = 0; i < resource_kinds; ++i) {
@@ -127,7 +132,7 @@ Resources play() {
     return surplus;
 }
 
-// Caches that fill once are no leak: what is lost is lost again each time.
+// A cache that fills once is not a leak. A leak repeats in every run.
 void play_and_compare() {
     Resources least = play();
     for (int again = 0; again < 3 && least != Resources(); ++again) {
@@ -141,7 +146,7 @@ void play_and_compare() {
     }
 }
 
-// What is called only after a failure has ways to fail of its own.
+// Functions that are called only after a failure fail as well.
 void fail_what_is_new() {
     std::vector<Target> seconds;
     for (const Function& function : functions) {
@@ -198,8 +203,9 @@ std::uint64_t pass_gate(const Gate& gate, const Arguments& arguments) {
     const Failure* failure = nullptr;
     if (playing.armed && (!gate.in_runtime || called_from(library))) {
         ++function.calls;
-        if (now.watched && now.calls.size() < now.calls.capacity())
-            now.calls.push_back({&function, function.calls, call_site(library)});
+        if (now.watched && now.calls.size() == now.calls.capacity())
+            give_up("makes more calls than can be noted");
+        if (now.watched) now.calls.push_back({&function, function.calls, call_site(library)});
         failure = failure_due(function);
     }
     std::uint64_t result = 0;
@@ -254,7 +260,6 @@ std::string sweep(const Scenario& scenario) {
     now.started = GetTickCount64();
     now.scenario = &scenario;
     play();  // the platform keeps some things from first use on
-    now.calls.clear();
     now.watched = true;
     play_and_compare();
     now.watched = false;

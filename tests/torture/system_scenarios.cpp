@@ -111,6 +111,8 @@ void system_scenarios(const Add& scenario) {
         });
         // A fault concerns one of the two.
         run.outcome(is_installed && is_running, run.raised() || is_installed != is_running);
+        for (const char* name : {"OpenSCManagerA", "OpenServiceA", "QueryServiceStatus"})
+            run.always(!is_running || !Run::failing(name), "running");
     });
 }
 
