@@ -98,10 +98,7 @@ const util_test::Cases<World> cases(
              [](const String& s, const char* part, Size from) { return s.first(part, from); }),
         call("first_byte", [](const String& s, char c, Size from) { return s.first(c, from); }),
         call("last", &String::last),
-        call("find", no_memory,
-             [](const ExtString& s, const char* part, Size from, int any_case) {
-                 return s.find(part, from, any_case);
-             }),
+        call("find", no_memory, &ExtString::find),
         call("substr", no_memory,
              [](const String& s, Size from, Size n) { return s.substr(from, n); }),
         call("rest", no_memory, [](const String& s, Size from) { return s.substr(from); }),

@@ -18,14 +18,11 @@ std::vector<torture::Scenario>& all() {
 }
 
 Words result_of(const Step& step) {
-    Words result;
     try {
-        result = step.make();
+        return step.make();
     } catch (const _com_error& error) {
-        result = {"raises", error.Error() == E_OUTOFMEMORY ? "_com_error" : "another _com_error"};
+        return {"raises", error.Error() == E_OUTOFMEMORY ? "_com_error" : "another _com_error"};
     }
-    torture::playing.armed = false;
-    return result;
 }
 
 // Alternatives are separated by " | ".
@@ -57,7 +54,8 @@ void keep(const Step& step, const Words& actual) {
 
 void play(const Block& block, torture::Run& run) {
     block.play([&](const Step& step) {
-        const Words actual = result_of(step);
+        const Words actual = result_of(step);  // arms before the call
+        torture::playing.armed = false;
         keep(step, actual);
         if (actual == step.expected) return true;
         const std::string result = util_test::written(actual, step.world);

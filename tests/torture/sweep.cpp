@@ -114,13 +114,11 @@ Resources play() {
     for (Function& function : functions)
         function.calls = 0;
     const Resources before = resources_now(counted);
-    {
+    try {
         Run run;
-        try {
-            now.scenario->play(run);
-        } catch (const std::exception& error) {
-            remark(error.what());
-        }
+        now.scenario->play(run);
+    } catch (const std::exception& error) {
+        remark(error.what());
     }
     Resources surplus = resources_now(counted);
     for (int i = 0; i < resource_kinds; ++i) {
