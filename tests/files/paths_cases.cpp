@@ -292,8 +292,7 @@ const util_test::Cases<World> cases(
                  w.opened->init(path);
                  return w.opened->isValid();
              }),
-        call("is_directory", "false | raises std::bad_alloc | raises _com_error",
-             XrDirectory::IsDirectory),
+        call("is_directory", "false | raises _com_error", XrDirectory::IsDirectory),
         call("remove", "22 | raises std::bad_alloc | raises _com_error",
              [](const char* path) { return XrDirectory::DeleteDirectory(path); }),
         call("remove_tree", "1 | raises std::bad_alloc | raises _com_error",
