@@ -37,18 +37,6 @@ const struct {
      [] { return ExtTime(ExtDate(ExtTime()), 12, 30, 45, text).label().str(); }},
 };
 
-// Each changes a text, or leaves it as it was.
-const struct {
-    const char* name;
-    std::string expected;
-    void (*change)(String& target);
-} changes[] = {
-    {"String::replace", standard + standard.substr(1),
-     [](String& target) { target.replace("a", text.c_str(), ExtString::SCOPE_FIRST); }},
-    {"UTIL_addTag", standard + "<a>" + standard + "</a>",
-     [](String& target) { UTIL_addTag(target, "a", text); }},
-};
-
 }  // namespace
 
 void text_scenarios(const Add& scenario) {
@@ -68,13 +56,18 @@ void text_scenarios(const Add& scenario) {
         const bool refused = Run::failing("_vsnprintf_s_l") || Run::failing("_vscprintf_l");
         run.outcome(made == String::pad(length), run.raised() || (refused && made.empty()));
     });
-    for (const auto& row : changes) {
-        scenario(row.name, [row](Run& run) {
+    // Each changes a text, or leaves it as it was.
+    const auto changes = [&](const char* name, const std::string& expected, auto change) {
+        scenario(name, [=](Run& run) {
             String target(text);
-            run.call(memory, [&] { row.change(target); });
-            run.outcome(target == row.expected, run.raised() && target == text);
+            run.call(memory, [&] { change(target); });
+            run.outcome(target == expected, run.raised() && target == text);
         });
-    }
+    };
+    changes("String::replace", standard + standard.substr(1),
+            [](String& target) { target.replace("a", text.c_str(), ExtString::SCOPE_FIRST); });
+    changes("UTIL_addTag", standard + "<a>" + standard + "</a>",
+            [](String& target) { UTIL_addTag(target, "a", text); });
     scenario("String::toDate", [](Run& run) {
         const String written("2010/05/17 12:30:45 a_label_longer_than_any_short_string_holds");
         std::int64_t time = 0;
