@@ -1,6 +1,6 @@
-// A gate in front of a function of an import table: each call goes to the sweep, which passes it
-// on, fails it, or lets it do its work and then reports a failure. No signature is needed, as the
-// platform passes integers and pointers of every type alike.
+// A gate replaces a function in an import table. Each call goes to the sweep. The sweep makes the
+// call, makes it and reports a failure, or only reports a failure. No signature is needed, because
+// the platform passes integers and pointers of every type alike.
 #ifndef UTIL_TESTS_TORTURE_GATE_H
 #define UTIL_TESTS_TORTURE_GATE_H
 
@@ -9,7 +9,7 @@
 
 namespace torture {
 
-// No function that is imported has more, or takes or returns a floating-point number.
+// No imported function has more arguments. None takes or returns a floating-point number.
 using Arguments = std::array<std::uint64_t, 12>;
 
 struct Gate {
