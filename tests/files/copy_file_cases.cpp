@@ -11,17 +11,14 @@
 #include "util/files/xr_file.h"
 #include "util/portable/ksl_process.h"
 
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
 constexpr char source_name[] = "gr\xC3\xBC\xE6\x96\x87";
 
 // $from is the source and $to the target.
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     World() {
         values = {
             {"from", scratch / source_name}, {"to", scratch / "target"}, {"t", scratch.path()}};
@@ -45,7 +42,7 @@ struct World : util_test::CaseWorld {
     // The sizes of the reads, and the handles that stay open.
     Words copy_in_chunks() const {
         Words words;
-        const long handles = util_test::handle_count();
+        const long handles = handle_count();
         {
             const ImportPatch patch("_read", [&](int descriptor, void* buffer, unsigned count) {
                 words.push_back(std::to_string(count));
@@ -53,12 +50,12 @@ struct World : util_test::CaseWorld {
             });
             copy(0);
         }
-        return said(words, util_test::handle_count() - handles);
+        return said(words, handle_count() - handles);
     }
     // The source gets another size after it was asked for.
     Words copy_changing_to(std::size_t size) const {
         const ImportPatch patch("_filelengthi64", [&](int) {
-            std::filesystem::resize_file(util_test::to_wide(values.at("from")), size);
+            std::filesystem::resize_file(to_wide(values.at("from")), size);
             return static_cast<__int64>(bytes.size());
         });
         return copy(0);
@@ -74,7 +71,7 @@ struct World : util_test::CaseWorld {
     // Whether only reading is allowed afterwards, with each keepMode.
     Words modes(bool writable) const {
         Words words;
-        SetFileAttributesW(util_test::to_wide(values.at("from")).c_str(),
+        SetFileAttributesW(to_wide(values.at("from")).c_str(),
                            writable ? FILE_ATTRIBUTE_NORMAL : FILE_ATTRIBUTE_READONLY);
         for (const int keep_mode : {0, 2, -1, 1}) {
             copy(keep_mode);
@@ -85,7 +82,7 @@ struct World : util_test::CaseWorld {
     }
     // The descriptors that a child inherits during a copy beside an XrFile and its duplicate.
     int inherited_while_copying() const {
-        const std::string command = "\"" + util_test::built_file("child.exe") + "\" open 3";
+        const std::string command = "\"" + built_file("child.exe") + "\" open 3";
         const int before = ksl_system(command.c_str());
         int inherited = -1;
         const XrFile file(values.at("from").c_str(), "r");
@@ -99,11 +96,11 @@ struct World : util_test::CaseWorld {
         return inherited - before;
     }
 
-    const util_test::ScratchDirectory scratch;
+    const ScratchDirectory scratch;
     std::string bytes;
 };
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     "files/copy_file.cases",
     {
         call("source", &World::source),

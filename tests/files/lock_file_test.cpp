@@ -7,9 +7,7 @@
 #include "support/test.h"
 #include "util/files/xr_file.h"
 
-using util_test::handle_count;
-using util_test::ImportPatch;
-using util_test::SecondProcess;
+using namespace util_test;
 
 namespace {
 
@@ -18,7 +16,7 @@ class LockFileTest : public testing::Test {
     bool lock() { return UTIL_LockFilePrivate(m_scratch.path(), &m_handle, &m_record); }
     bool unlock() { return UTIL_UnLockFilePrivate(m_handle, &m_record); }
 
-    util_test::ScratchDirectory m_scratch;
+    ScratchDirectory m_scratch;
     HANDLE m_handle = nullptr;
     OVERLAPPED m_record;
     const long m_handles = handle_count();
@@ -89,7 +87,7 @@ TEST_F(LockFileTest, SecondProcess_WaitsForTheRelease) {
 TEST_F(LockFileTest, KilledHolders_LeaveTheLockToTheNextAtOnce) {
     int while_held = 0, losses = 0;
     ULONGLONG longest = 0;
-    util_test::Kills kills = {"count", 20};
+    Kills kills = {"count", 20};
     kills.arguments = [&](int round) {
         const std::string number = std::to_string(round);
         return m_scratch.path() + " " + m_scratch.file(number, std::string(1, '\0')) + " -1";

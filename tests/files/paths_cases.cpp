@@ -12,22 +12,17 @@
 #include "util/files/xr_directory.h"
 #include "util/portable/utf8_files.h"
 
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::to_wide;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
 const auto& any = Tools::FileAttr::any;
 
 // $t is the path of an empty directory.
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     World() {
-        values = {{"t", scratch.path()},
-                  {"tail", scratch.path().substr(3)},
-                  {"program", util_test::built_file("")}};
+        values = {
+            {"t", scratch.path()}, {"tail", scratch.path().substr(3)}, {"program", built_file("")}};
     }
     ~World() override {
         CloseHandle(held);
@@ -83,7 +78,7 @@ struct World : util_test::CaseWorld {
     }
     Words entry(std::size_t index) const {
         const XrDirectoryEntry& one = *(*opened->getDirectoryList(true, false))[index];
-        return said(one.getName(), util_test::hex(one.getMode()), one.getSize());
+        return said(one.getName(), hex(one.getMode()), one.getSize());
     }
     // The entries whose status is not that of their path.
     Words unlike_their_paths() const {
@@ -114,20 +109,20 @@ struct World : util_test::CaseWorld {
     }
     // Whether the first entry has its status from a call for its path.
     static bool asks_for_status(const String& path) {
-        const ImportPatch patch("_wstat64", util_test::fails<-1>);
+        const ImportPatch patch("_wstat64", fails<-1>);
         XrDirectory directory(path);
         return (*directory.getDirectoryList(false, false))[0]->getMode() == 0;
     }
     // What a listing prints.
     std::string printed() const {
-        const ImportPatch no_bytes("fputc", util_test::fails<0>);  // each a write on a console
+        const ImportPatch no_bytes("fputc", fails<0>);  // each a write on a console
         testing::internal::CaptureStdout();
         opened->getDirectoryList(false, false);
         return testing::internal::GetCapturedStdout();
     }
     std::string printed_broken_off() const {
         // The code is also that of a name that cannot be converted.
-        const ImportPatch patch("FindNextFileW", util_test::fails<FALSE, ERROR_INVALID_NAME>);
+        const ImportPatch patch("FindNextFileW", fails<FALSE, ERROR_INVALID_NAME>);
         return printed();
     }
     // The drives that the platform lists in a text, and its length.
@@ -139,7 +134,7 @@ struct World : util_test::CaseWorld {
         Words result;
         XrDirectory drives("");
         for (const XrDirectoryEntry* entry : *drives.getDirectoryList(false, false))
-            util_test::say(result, said(*entry, util_test::hex(entry->getMode())));
+            say(result, said(*entry, hex(entry->getMode())));
         return result;
     }
     // The caller has 5,000 bytes of the disk.
@@ -198,8 +193,8 @@ struct World : util_test::CaseWorld {
     }
 
     std::unique_ptr<XrDirectory> opened;
-    const util_test::ScratchDirectory scratch;
-    std::optional<util_test::EnvironmentChange> path_variable;
+    const ScratchDirectory scratch;
+    std::optional<EnvironmentChange> path_variable;
     HANDLE held = INVALID_HANDLE_VALUE;
 };
 
@@ -211,7 +206,7 @@ Words removed(const char* path) {
     return result == -1 ? said(-1, errno) : said(result);
 }
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     "files/paths.cases",
     {
         call("directory", [](World& w, const std::string& name) { w.scratch.directory(name); }),

@@ -5,10 +5,7 @@
 #include "support/scratch_directory.h"
 #include "util/internal/scoped_handle.h"
 
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
@@ -18,7 +15,7 @@ util::FileHandle open_shared(const std::string& path, DWORD access) {
 }
 
 // The current directory is an empty one.
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     World() { SetCurrentDirectoryA(scratch.path().c_str()); }
 
     // The result, then the kind and the failed path if anything is reported.
@@ -77,7 +74,7 @@ struct World : util_test::CaseWorld {
         return said(scratch.read("record"), pauses);
     }
 
-    const util_test::ScratchDirectory scratch;
+    const ScratchDirectory scratch;
     util::FileHandle held;
     String message;
     int rounds = 0;
@@ -93,7 +90,7 @@ struct World : util_test::CaseWorld {
         }};
 };
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     "files/prepare_directory.cases",
     {
         call("file", [](World& w, const std::string& name) { w.scratch.file(name); }),

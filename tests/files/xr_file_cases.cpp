@@ -9,10 +9,7 @@
 #include "util/files/xr_file.h"
 #include "util/internal/scoped_handle.h"
 
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
@@ -23,7 +20,7 @@ void leave_stale_codes() {
 }
 
 // The file f and two objects. Operations work on `file`, which begins with no name.
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     World() {
         values["dir"] = scratch.path();
         values["f"] = scratch / "f";
@@ -35,7 +32,7 @@ struct World : util_test::CaseWorld {
     Words state(const Results&... results) const {
         Words words = said(results...);
         int code = 0;
-        if (file->Error(code)) util_test::say(words, said("error", code));
+        if (file->Error(code)) say(words, said("error", code));
         if (!file->isValid()) words.push_back("closed");
         return words;
     }
@@ -103,10 +100,10 @@ struct World : util_test::CaseWorld {
             return -1;
         });
         open(mode);
-        return said(attempts, util_test::hex(flags), util_test::hex(permission));
+        return said(attempts, hex(flags), hex(permission));
     }
     Words close_failing() {
-        const ImportPatch close("_close", util_test::fails<-1, 1234>);
+        const ImportPatch close("_close", fails<-1, 1234>);
         return state(file->Close());
     }
     // As with a program whose standard input is closed: the file gets descriptor 0.
@@ -121,7 +118,7 @@ struct World : util_test::CaseWorld {
         return words;
     }
 
-    util_test::ScratchDirectory scratch;
+    ScratchDirectory scratch;
     std::unique_ptr<XrFile> file = std::make_unique<XrFile>(), other;
     std::istringstream steps;
     std::optional<ImportPatch> patch;
@@ -129,21 +126,21 @@ struct World : util_test::CaseWorld {
 
 // A call of an operation: what it returns, and the state of the object.
 template <typename R, typename... A>
-util_test::Call on_file(const char* name, const char* failure, R (XrFile::*operation)(A...)) {
+Call on_file(const char* name, const char* failure, R (XrFile::*operation)(A...)) {
     return call(name, failure, [=](World& w, A... arguments) {
         leave_stale_codes();
         return w.state((w.file.get()->*operation)(arguments...));
     });
 }
 template <typename R>
-util_test::Call on_file(const char* name, const char* failure, R (XrFile::*question)() const) {
+Call on_file(const char* name, const char* failure, R (XrFile::*question)() const) {
     return call(name, failure, [=](World& w) { return w.state((w.file.get()->*question)()); });
 }
 
 const char open_failure[] = "... error ... | raises std::bad_alloc | raises _com_error";
 const char text_failure[] = "old error ... | {... | raises std::bad_alloc";
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     "files/xr_file.cases",
     {
         call("bytes", [](World& w, const std::string& bytes) { w.scratch.file("f", bytes); }),

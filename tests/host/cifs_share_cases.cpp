@@ -6,15 +6,12 @@
 // after the platform's header
 #include <winnetwk.h>
 
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
 // A network that returns the codes of a case and records what it is asked.
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     World() {
         values["add"] = "WNetAddConnection2 failed (error code =";
         values["cancel"] = "WNetCancelConnection2 failed (error code =";
@@ -107,21 +104,22 @@ const char connect_failure[] =
     "done \"cancel (a call too many) sleep3000 add \"";
 const char disconnect_failure[] = "\"WNet... failed (error code = ... | \"$cancel ... | \"\" ...";
 
-const util_test::Cases<World> cases(
-    "host/cifs_share.cases",
-    {
-        call("connect", connect_failure, &World::connect),
-        call("connect_as", &World::connect_as),
-        call("disconnect", disconnect_failure, &World::disconnect),
-        call("disconnect_from", &World::disconnect_from),
-        call("seen", [](World& w) { return w.seen; }),
-        call("provider_says", &World::provider_says),
-        call("returns",
-             [](World& w, const char* function, std::intptr_t result) {
-                 w.patch.emplace(function, [=] { return result; });
-             }),
-        call("connect_unheard",
-             [](const char* share) { return UTIL_ConnectCifsShare(share, "u", "p", nullptr); }),
-    });
+const Cases<World> cases("host/cifs_share.cases",
+                         {
+                             call("connect", connect_failure, &World::connect),
+                             call("connect_as", &World::connect_as),
+                             call("disconnect", disconnect_failure, &World::disconnect),
+                             call("disconnect_from", &World::disconnect_from),
+                             call("seen", [](World& w) { return w.seen; }),
+                             call("provider_says", &World::provider_says),
+                             call("returns",
+                                  [](World& w, const char* function, std::intptr_t result) {
+                                      w.patch.emplace(function, [=] { return result; });
+                                  }),
+                             call("connect_unheard",
+                                  [](const char* share) {
+                                      return UTIL_ConnectCifsShare(share, "u", "p", nullptr);
+                                  }),
+                         });
 
 }  // namespace

@@ -3,9 +3,7 @@
 #include "support/cases.h"
 #include "util/host/util_getopt.h"
 
-using util_test::call;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
@@ -48,7 +46,7 @@ Words options(const char* letters, const std::string& arguments) {
     int index = 1, option;
     char* argument;  // of either type, as of main's arguments
     while ((option = UTIL_getopt(count, args.data(), letters, &index, &argument)) != -1)
-        util_test::say(words, said(option, argument, index));
+        say(words, said(option, argument, index));
     return words;
 }
 
@@ -63,7 +61,7 @@ Words refused_options() {
                 UTIL_getopt(1, args, "a", &index, nullptr));
 }
 
-const util_test::Cases<util_test::CaseWorld> cases(
+const Cases<CaseWorld> cases(
     "host/helpers.cases",
     {
         call("base_name", base_name),

@@ -11,12 +11,7 @@
 #include "support/private_registry.h"
 #include "support/scratch_directory.h"
 
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::PrivateRegistry;
-using util_test::said;
-using util_test::to_wide;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
@@ -27,7 +22,7 @@ const char create_value[] =
     "Tessaron\\Server called ComputerDomainName and specify the correct domain name";
 
 // A private registry, a tool that answers, and a directory $d for the work files.
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     World() {
         values = {{"d", scratch.path()},
                   {"path", std::getenv("PATH")},
@@ -48,7 +43,7 @@ struct World : util_test::CaseWorld {
         PrivateRegistry::set_text(server_key, "ComputerDomainName", "Example.Test");
         scratch.file("answer", "host1 A 10.0.0.5\r\n");
         environment.set("NSLOOKUP_ANSWER", scratch / "answer");
-        environment.set("PATH", util_test::built_file("nslookup-tool;") + values["path"]);
+        environment.set("PATH", built_file("nslookup-tool;") + values["path"]);
     }
 
     void configure(const std::string& name, const std::string& type, const std::string& bytes) {
@@ -69,8 +64,8 @@ struct World : util_test::CaseWorld {
         EXPECT_EQ(hosts.front(), "there before");
         hosts.pop_front();
         for (const String& host : hosts)
-            util_test::say(words, host);
-        if (message != "untouched") util_test::say(words, message);
+            say(words, host);
+        if (message != "untouched") say(words, message);
         return words;
     }
     Words hosts_with_room(std::size_t refused) const {
@@ -84,9 +79,9 @@ struct World : util_test::CaseWorld {
     }
 
     const PrivateRegistry registry;
-    std::optional<util_test::AccessLimit> readers;
-    const util_test::ScratchDirectory scratch;
-    util_test::Environment environment;
+    std::optional<AccessLimit> readers;
+    const ScratchDirectory scratch;
+    Environment environment;
     const ImportPatch open{
         "_wopen", [](const wchar_t* file, int flags, int mode) {
             const int descriptor = _wopen(file, flags, mode);
@@ -101,7 +96,7 @@ struct World : util_test::CaseWorld {
 const char hosts_failure[] =
     "0 {h*40} | 0 \"\" | 0 \"$asked... | -1 | -1 \"\" | -1 $nodomain | -1 \"Unable to ...";
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     "host/host_discovery.cases",
     {
         call("answer", [](World& w, const std::string& text) { w.scratch.file("answer", text); }),
@@ -117,9 +112,7 @@ const util_test::Cases<World> cases(
              [](const char* file) { return GetFileAttributesA(file) != INVALID_FILE_ATTRIBUTES; }),
         call("remove", [](const char* file) { return std::remove(file); }),
         call("out_of_memory_in",
-             [](World& w, const char* name) {
-                 w.patch.emplace(name, util_test::fails<-1, 0, ENOMEM>);
-             }),
+             [](World& w, const char* name) { w.patch.emplace(name, fails<-1, 0, ENOMEM>); }),
         call("hosts", hosts_failure, [](World& w) { return w.hosts_in(w.scratch.path()); }),
         call("hosts_in", hosts_failure, World::hosts_in),
         call("hosts_with_room", &World::hosts_with_room),

@@ -3,23 +3,38 @@
 #include "support/cases.h"
 #include "support/import_patch.h"
 
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
-// Replaces the calls for the version, so that a case can choose any edition and version.
-struct World : util_test::CaseWorld {
-    World() {
-        values["any"] = "65535";
-        values["most"] = "4294967295";
-        current = this;
+// A version as it is written: 5.2.
+struct Version {
+    explicit Version(const std::string& word) {
+        std::sscanf(word.c_str(), "%lu.%lu", &major, &minor);
     }
-    void windows(DWORD platform, DWORD major, DWORD minor, WORD service_pack, BYTE type) {
+    unsigned long major = 0, minor = 0;
+};
+
+// The number after a name in a list such as "sp 1, type 3".
+WORD number_of(const char* name, const std::string& list, WORD otherwise) {
+    const std::size_t at = list.find(name);
+    return at == list.npos ? otherwise : argument<WORD>(list.substr(at + std::strlen(name), 1));
+}
+
+// Replaces the calls for the version, so that a case can choose any edition and version.
+struct World : CaseWorld {
+    World() { current = this; }
+    void windows(const std::string& platform, const Version& version, const std::string& more) {
+        const std::string platforms[] = {"3.x", "9x", "nt", "other"};
+        const auto found = std::find(std::begin(platforms), std::end(platforms), platform);
+        record = {};
+        record.dwPlatformId = static_cast<DWORD>(found - platforms);
+        record.dwMajorVersion = version.major;
+        record.dwMinorVersion = version.minor;
+        record.wServicePackMajor = number_of("sp ", more, 0);
+        record.wServicePackMinor = 7;
+        record.wProductType = static_cast<BYTE>(number_of("type ", more, 0));
         answers = true;
-        record = {0, major, minor, 0, platform, "", service_pack, 7, 0, type, 0};
     }
     // The result of switching the redirection, and the calls made for it.
     Words switch_off() {
@@ -75,21 +90,32 @@ struct World : util_test::CaseWorld {
                              [this](int index) { return index == 89 ? r2_metric : 0; }};
 };
 
-// Major and minor version, service pack, type, R2. Then whether the version equals these.
+// What the system tells, and whether its version equals that.
 Words version() {
     unsigned long major = 77, minor = 77;
-    unsigned short sp_major = 77, sp_minor = 77, type = 77, r2 = 77;
-    const int result = UTIL_GetOsVersion(&major, &minor, &sp_major, &sp_minor, &type, &r2);
-    const int is_this = UTIL_IsOSVersionEqualTo(major, minor, sp_major, sp_minor, type, r2);
-    return said(result, major, minor, sp_major, sp_minor, type, r2, is_this);
+    unsigned short sp = 77, sp_minor = 77, type = 77, r2 = 77;
+    const int result = UTIL_GetOsVersion(&major, &minor, &sp, &sp_minor, &type, &r2);
+    std::ostringstream told;
+    told << major << '.' << minor << " sp " << sp << '.' << sp_minor << " type " << type;
+    told << " r2 " << r2;
+    return said(result, told.str(), UTIL_IsOSVersionEqualTo(major, minor, sp, sp_minor, type, r2));
+}
+int at_least(const Version& least) {
+    return UTIL_IsOSVersionAtLeast(least.major, least.minor);
+}
+// With all that the list leaves out as "any".
+int equal(const Version& to, const std::string& more) {
+    constexpr WORD any = 0xFFFF;
+    return UTIL_IsOSVersionEqualTo(to.major, to.minor, number_of("sp ", more, any),
+                                   number_of("minor ", more, any), number_of("type ", more, any),
+                                   number_of("r2 ", more, any));
 }
 int nothing_asked() {
     return UTIL_GetOsVersion(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
-// Enterprise edition, service pack 1 of Windows 2003 or later, transportable shadow copies.
 Words flags() {
-    return said(UTIL_IsEnterpriseEdition(), UTIL_IsWin2k3SP_1_Or_Later(),
-                UTIL_IsVSSTransportableSupported());
+    return said("enterprise", UTIL_IsEnterpriseEdition(), "2003_sp1", UTIL_IsWin2k3SP_1_Or_Later(),
+                "transportable", UTIL_IsVSSTransportableSupported());
 }
 Words is_wow64() {
     unsigned char flag = 7;
@@ -97,9 +123,12 @@ Words is_wow64() {
     return said(result, int(flag));
 }
 
+const char version_failure[] =
+    "-1 \"77.77 sp 77.77 type 77 r2 77\" ... | 0 \"5.2 sp 1.7 type 3 r2 0\" ... | "
+    "0 \"5.2 sp 1.7 type 3 r2 1\" 0 | 0 ... -1";
 const char switch_failure[] = "1 \"\" | 0 \"\" | 0 \"free \"";
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     "host/os_version.cases",
     {
         call("windows", &World::windows),
@@ -108,17 +137,15 @@ const util_test::Cases<World> cases(
                  w.record.wSuiteMask = suite;
                  w.r2_metric = r2_metric;
              }),
-        call("version", "-1 77 77 77 77 77 77 ... | 0 5 2 1 7 3 0 ... | 0 5 2 1 7 3 1 0 | 0 ... -1",
-             version),
+        call("version", version_failure, version),
         call("platform", "0 Windows", UTIL_getPlatform),
-        call("flags", "-1 ... | ... -1 ... | ... false", flags),
-        call("at_least", "-1", UTIL_IsOSVersionAtLeast),
-        call("equal", "-1 | 0", UTIL_IsOSVersionEqualTo),
+        call("flags", "enterprise -1 ... | ... 2003_sp1 -1 ... | ... false", flags),
+        call("at_least", "-1", at_least),
+        call("equal", "-1 | 0", equal),
         call("no_question", [](World& w) { w.exports_question = false; }),
         call("no_answer", [](World& w) { w.tells = FALSE; }),
         call("emulated", [](World& w, int answer) { w.emulated = answer; }),
-        call("no_library",
-             [](World& w) { w.library.emplace("LoadLibraryA", util_test::fails<0>); }),
+        call("no_library", [](World& w) { w.library.emplace("LoadLibraryA", fails<0>); }),
         call("no_switch", [](World& w) { w.exports_switch = false; }),
         call("is_wow64", "0 0", is_wow64),
         call("is_wow64_nowhere", [] { return UTIL_getIsWow64(nullptr); }),

@@ -8,18 +8,14 @@
 #include "torture/resources.h"
 #include "util/host/installed_products.h"
 
-using util_test::call;
-using util_test::PrivateRegistry;
-using util_test::said;
-using util_test::to_wide;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
 const std::string key = "SOFTWARE\\Acme\\Agent";
 const std::string manager = "SOFTWARE\\VERITAS\\Volume Manager";
 
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     World() {
         values = {
             {"key", key},
@@ -31,9 +27,9 @@ struct World : util_test::CaseWorld {
     }
 
     PrivateRegistry registry;
-    std::optional<util_test::AccessLimit> limit;
-    std::optional<util_test::ImportPatch> patch;
-    const long handles = util_test::handle_count();
+    std::optional<AccessLimit> limit;
+    std::optional<ImportPatch> patch;
+    const long handles = handle_count();
 };
 
 void set_wide(const std::string& path, const std::string& name, const std::string& text) {
@@ -76,7 +72,7 @@ bool database_at(const std::string& path, const std::string& user, const std::st
 const char database_failure[] = "false ... before before";
 const char unconverted_path[] = "false \"\" before before";  // leaves the key open
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     "host/registry.cases",
     {
         call("set_text", PrivateRegistry::set_text),
@@ -89,9 +85,8 @@ const util_test::Cases<World> cases(
         call("allow_reading",
              [](World& w, const std::string& path) { w.limit.emplace(path, KEY_READ); }),
         call("allow_all", [](World& w) { w.limit.reset(); }),
-        call("refuse",
-             [](World& w, const char* name) { w.patch.emplace(name, util_test::fails<0>); }),
-        call("open_keys", [](World& w) { return util_test::handle_count() - w.handles; }),
+        call("refuse", [](World& w, const char* name) { w.patch.emplace(name, fails<0>); }),
+        call("open_keys", [](World& w) { return handle_count() - w.handles; }),
 
         call("get", "-1 before", UTIL_GetRegistryValue).keeps(1, "heap blocks"),
         call("value", "-1 before", value).keeps(1, "heap blocks"),

@@ -14,11 +14,7 @@
 // after the platform's header
 #include <cfgmgr32.h>
 
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::to_wide;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
@@ -98,14 +94,14 @@ Words no_module_version(const char* path) {
     return said(UTIL_GetModuleVersion(nullptr, out), UTIL_GetModuleVersion(path, nullptr), out);
 }
 
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     World() {
         values["d"] = scratch.path();
-        values["here"] = util_test::built_file("");
+        values["here"] = built_file("");
         values["here"].pop_back();
         values["vendor"] = "C:\\Program Files\\Vorn";
     }
-    util_test::ScratchDirectory scratch;
+    ScratchDirectory scratch;
     void place(const std::string& path) {
         fs::create_directories(fs::path(path).parent_path());
         std::ofstream(path) << "x";
@@ -129,8 +125,8 @@ struct World : util_test::CaseWorld {
     }
 
     std::vector<std::string> placed;
-    util_test::Environment environment;
-    std::list<util_test::MailService> services;
+    Environment environment;
+    std::list<MailService> services;
     std::optional<ImportPatch> patch, ansi_program, program;
     const ImportPatch manager{"OpenSCManagerA",
                               [](const char* machine, const char* database, DWORD access) {
@@ -144,7 +140,7 @@ struct World : util_test::CaseWorld {
                               }};
 };
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     "host/system.cases",
     {
         call("directory", [](World& w, const std::string& name) { w.scratch.directory(name); }),
@@ -155,8 +151,7 @@ const util_test::Cases<World> cases(
              }),
         call("set", [](World& w, const std::string& name,
                        const std::string& value) { w.environment.set(name, value); }),
-        call("refuse",
-             [](World& w, const char* name) { w.patch.emplace(name, util_test::fails<0, 77>); }),
+        call("refuse", [](World& w, const char* name) { w.patch.emplace(name, fails<0, 77>); }),
 
         call("temp_directory", "D:\\root | . | \"\"", UTIL_GetTempDirectory),
         call("snapshot_tool", "-1 \"\"", UTIL_GetHalcVexsnapFileName),

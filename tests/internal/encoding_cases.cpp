@@ -4,15 +4,12 @@
 #include "support/import_patch.h"
 #include "support/units.h"
 
-using util_test::call;
-using util_test::said;
-using util_test::units_of;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
 // The conversions are compiled into this program, so that its own view of the page is replaced.
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     ~World() override { SetFileApisToANSI(); }
 
     static Words to_ansi(const char* utf8) {
@@ -41,19 +38,19 @@ struct World : util_test::CaseWorld {
     }
 
     UINT ansi_page = 1252;
-    const util_test::ImportPatch patch{"GetACP", [this] { return ansi_page; }, nullptr};
+    const ImportPatch patch{"GetACP", [this] { return ansi_page; }, nullptr};
 };
 
-const util_test::Cases<World> cases(
-    "internal/encoding.cases",
-    {
-        call("page", [](World& w, UINT page) { w.ansi_page = page; }),
-        call("use_oem_page", SetFileApisToOEM),
-        call("exact", World::exact),
-        call("fits", [](const char* utf8) { return World::to_ansi(utf8)[0]; }),
-        call("to_utf8", World::to_utf8),
-        call("of_file", World::of_file),
-        call("words", [](const char* ansi) { return util::words_to_utf8(ansi); }),
-    });
+const Cases<World> cases("internal/encoding.cases",
+                         {
+                             call("page", [](World& w, UINT page) { w.ansi_page = page; }),
+                             call("use_oem_page", SetFileApisToOEM),
+                             call("exact", World::exact),
+                             call("fits", [](const char* utf8) { return World::to_ansi(utf8)[0]; }),
+                             call("to_utf8", World::to_utf8),
+                             call("of_file", World::of_file),
+                             call("words",
+                                  [](const char* ansi) { return util::words_to_utf8(ansi); }),
+                         });
 
 }  // namespace

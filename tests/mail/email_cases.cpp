@@ -5,23 +5,18 @@
 #include "mail/mail_world.h"
 #include "support/import_patch.h"
 
-using util_test::AccessLimit;
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::to_wide;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
 // $t contains the directories temp, for temporary files, and pickup.
-struct World : util_test::MailWorld {
+struct World : MailWorld {
     World() {
         values = {{"t", scratch.path()},
-                  {"mime", util_test::mime},
-                  {"server", util_test::server_key},
-                  {"exchange", util_test::exchange_key},
-                  {"web", util_test::web_key},
+                  {"mime", mime},
+                  {"server", server_key},
+                  {"exchange", exchange_key},
+                  {"web", web_key},
                   {"bad", "Win32 API GetTempFileName returned bad name, GetLastError ="}};
     }
     ~World() override {
@@ -39,7 +34,7 @@ struct World : util_test::MailWorld {
     }
     void unset(const std::string& key, const char* value) { registry.remove_value(key, value); }
     bool installed_as(DWORD type, const std::string& bytes) {
-        registry.set(util_test::web_key, "InstallPath", type, bytes);
+        registry.set(web_key, "InstallPath", type, bytes);
         return MailInstalled();
     }
 
@@ -53,7 +48,7 @@ struct World : util_test::MailWorld {
             sorted.insert({shown(name), content});
         Words words;
         for (const Words& file : sorted)
-            util_test::say(words, file);
+            say(words, file);
         return said(words);
     }
     // The result and the text of the last failure.
@@ -144,14 +139,14 @@ struct World : util_test::MailWorld {
         Words words;
         const ImportPatch open_manager(
             "OpenSCManagerA", [&](const char* machine, const char* database, DWORD access) {
-                util_test::say(words, said(machine, database, util_test::hex(access)));
+                say(words, said(machine, database, hex(access)));
                 return OpenSCManagerA(machine, database, access);
             });
-        const ImportPatch open_service(
-            "OpenServiceA", [&](SC_HANDLE manager, const char* name, DWORD access) {
-                util_test::say(words, said(name, util_test::hex(access)));
-                return OpenServiceA(manager, name, access);
-            });
+        const ImportPatch open_service("OpenServiceA",
+                                       [&](SC_HANDLE manager, const char* name, DWORD access) {
+                                           say(words, said(name, hex(access)));
+                                           return OpenServiceA(manager, name, access);
+                                       });
         return said(MailRunning(), words);
     }
 
@@ -159,7 +154,7 @@ struct World : util_test::MailWorld {
     int uses = 0, draws_left = 0, faster_senders = 0;
 };
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     "mail/email.cases",
     {
         call("make", [](World& w, const String& from, const String& to, const String& subject,
@@ -206,7 +201,7 @@ const util_test::Cases<World> cases(
         call("installed_as", &World::installed_as),
         call("installed_if_allowed",
              [](DWORD access) {
-                 const AccessLimit limit(util_test::web_key, access);
+                 const AccessLimit limit(web_key, access);
                  return MailInstalled();
              }),
         call("running", MailRunning),
@@ -215,7 +210,7 @@ const util_test::Cases<World> cases(
         call("pause", [](World& w) { w.service->pause(); }),
         call("stop", [](World& w) { w.service->stop(); }),
         call("uninstall", [](World& w) { w.service.reset(); }),
-        call("install", [](World& w) { w.service = std::make_unique<util_test::MailService>(); }),
+        call("install", [](World& w) { w.service = std::make_unique<MailService>(); }),
         call("oem_names", SetFileApisToOEM),
         call("ansi_names", SetFileApisToANSI),
         call("places", &World::places),

@@ -11,11 +11,7 @@
 #include "support/process.h"
 #include "support/scratch_directory.h"
 
-using util_test::call;
-using util_test::Connection;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
@@ -56,7 +52,7 @@ struct Source : Poll::Callback {
     int calls = 0, calls_left = 1;
 };
 
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     World() {
         sources.try_emplace("free", poll, -1);
         sources.try_emplace("console", poll, console);
@@ -148,7 +144,7 @@ struct World : util_test::CaseWorld {
             if (results.empty()) return WaitForMultipleObjects(count, handles, all, ms);
             const bool is_kept = handles[0] == GetCurrentProcess();
             const char* const first = is_kept ? "kept" : handles[0] == at("a").event ? "a" : "b";
-            util_test::say(waits, said(count, first));
+            say(waits, said(count, first));
             handles[0] = GetCurrentProcess();  // stays until the list is built again
             const DWORD result = results.front();
             results.pop_front();
@@ -182,7 +178,7 @@ DWORD mode_of_input() {
 using Name = const std::string&;
 constexpr char has_console[] = "UTIL_POLL_TEST_HAS_CONSOLE";
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     std::getenv(has_console) ? "poll/console.cases" : "poll/poll.cases",
     {
         call("add", &World::add),
@@ -228,13 +224,12 @@ const util_test::Cases<World> cases(
 
 // The child process has a console without a window. Its standard output is lost.
 TEST(PollTest, ConsoleCases_PassInAProcessWithAConsole) {
-    const util_test::ScratchDirectory scratch;
-    util_test::Start start = {
-        '"' + util_test::built_file("poll_test.exe") +
-        "\" --gtest_filter=console.* \"--gtest_output=xml:" + scratch / "report" + '"'};
+    const ScratchDirectory scratch;
+    Start start = {'"' + built_file("poll_test.exe") +
+                   "\" --gtest_filter=console.* \"--gtest_output=xml:" + scratch / "report" + '"'};
     start.flags = CREATE_NO_WINDOW;
     SetEnvironmentVariableA(has_console, "1");
-    EXPECT_EQ(util_test::run(start), 0u) << scratch.read("report");
+    EXPECT_EQ(run(start), 0u) << scratch.read("report");
     SetEnvironmentVariableA(has_console, nullptr);
     EXPECT_NE(scratch.read("report").find("<testcase "), std::string::npos);
 }

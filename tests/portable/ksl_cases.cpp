@@ -3,9 +3,7 @@
 #include "util/portable/ksl_string.h"
 #include "util/portable/ksl_time.h"
 
-using util_test::call;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
@@ -70,7 +68,7 @@ Words time_codes(std::int64_t time) {
 // The time in that zone from ksl_ctime, with 19 bytes and with 20. From ksl_localtime: day of the
 // week, day of the year, daylight saving.
 Words local(const char* zone, std::int64_t time) {
-    util_test::set_zone(zone);
+    set_zone(zone);
     char text[20] = "";
     std::tm fields;
     const int too_short = ksl_ctime(&time, text, 19);
@@ -79,40 +77,41 @@ Words local(const char* zone, std::int64_t time) {
     return said(too_short, length, text, fields.tm_wday, fields.tm_yday, fields.tm_isdst);
 }
 
-const util_test::Cases<util_test::CaseWorld> cases(
-    "portable/ksl.cases", {
-                              call("trim", changed<ksl_strcpy_trim>),
-                              call("clean", changed<ksl_strcpy_clean>),
-                              call("upper", changed<ksl_strupper>),
-                              call("capitalise",
-                                   [](std::string text, int begin, int at) {
-                                       const char* const result =
-                                           ksl_char2upper(text.data() + begin, at);
-                                       return said(result, text);
-                                   }),
-                              call("duplicate", "$null",
-                                   [](const char* text) {
-                                       char* const copy = ksl_strdup(text);
-                                       const Words words = said(copy);
-                                       std::free(copy);
-                                       return words;
-                                   }),
-                              call("compare", ksl_strcasecmp),
-                              call("match_token", ksl_match_token_str),
-                              call("encode", "-1 kept", coded<ksl_unicode2CodedChar>),
-                              call("decode", "-1 kept", coded<ksl_codedChar2Unicode>),
-                              call("encode_prints", refusal<ksl_unicode2CodedChar>),
-                              call("decode_prints", refusal<ksl_codedChar2Unicode>),
-                              call("code_nowhere",
-                                   [] {
-                                       return said(ksl_unicode2CodedChar("abc", 1, nullptr),
-                                                   ksl_codedChar2Unicode("abc", 1, nullptr));
-                                   }),
-                              call("nulls", nulls),
-                              call("strptime", [](const char* text) { return parsed_in(5, text); }),
-                              call("strptime_in", parsed_in),
-                              call("time_codes", time_codes),
-                              call("local", local),
-                          });
+const Cases<CaseWorld> cases("portable/ksl.cases",
+                             {
+                                 call("trim", changed<ksl_strcpy_trim>),
+                                 call("clean", changed<ksl_strcpy_clean>),
+                                 call("upper", changed<ksl_strupper>),
+                                 call("capitalise",
+                                      [](std::string text, int begin, int at) {
+                                          const char* const result =
+                                              ksl_char2upper(text.data() + begin, at);
+                                          return said(result, text);
+                                      }),
+                                 call("duplicate", "$null",
+                                      [](const char* text) {
+                                          char* const copy = ksl_strdup(text);
+                                          const Words words = said(copy);
+                                          std::free(copy);
+                                          return words;
+                                      }),
+                                 call("compare", ksl_strcasecmp),
+                                 call("match_token", ksl_match_token_str),
+                                 call("encode", "-1 kept", coded<ksl_unicode2CodedChar>),
+                                 call("decode", "-1 kept", coded<ksl_codedChar2Unicode>),
+                                 call("encode_prints", refusal<ksl_unicode2CodedChar>),
+                                 call("decode_prints", refusal<ksl_codedChar2Unicode>),
+                                 call("code_nowhere",
+                                      [] {
+                                          return said(ksl_unicode2CodedChar("abc", 1, nullptr),
+                                                      ksl_codedChar2Unicode("abc", 1, nullptr));
+                                      }),
+                                 call("nulls", nulls),
+                                 call("strptime",
+                                      [](const char* text) { return parsed_in(5, text); }),
+                                 call("strptime_in", parsed_in),
+                                 call("time_codes", time_codes),
+                                 call("local", local),
+                             });
 
 }  // namespace

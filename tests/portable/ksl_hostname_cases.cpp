@@ -3,15 +3,12 @@
 #include "support/cases.h"
 #include "support/import_patch.h"
 
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
 // Replaces the socket library, so that a case can choose its version and answers.
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     // The result and the bytes written; "kept" if that is none of them.
     Words host_name(unsigned size) {
         std::string buffer(300, '#');
@@ -87,7 +84,7 @@ struct World : util_test::CaseWorld {
                               }};
 };
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     "portable/ksl_hostname.cases",
     {
         call("named", [](World& w, const std::string& name) { w.name = name; }),

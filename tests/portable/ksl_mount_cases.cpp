@@ -3,10 +3,7 @@
 #include "support/cases.h"
 #include "support/import_patch.h"
 
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
@@ -19,7 +16,7 @@ struct Drive {
 };
 
 // A machine with made-up drives, from C: on. The calls that the library makes see them.
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     // The number of records; of each, the serial number, the root, the file system and the kind.
     // Nothing else may be written: not after the texts, nor in one record more.
     Words records(int capacity) {
@@ -88,23 +85,21 @@ void add(World& w, int serial, const std::string& file_system, UINT type) {
     (w.*drives).push_back({serial, file_system, type});
 }
 
-const util_test::Cases<World> cases("portable/ksl_mount.cases",
-                                    {
-                                        call("drive", add<&World::machine>),
-                                        call("plug_in", add<&World::plugged_in>),
-                                        call("no_drives", [](World& w) { w.machine.clear(); }),
-                                        call("fail_list", [](World& w) { w.list_fails = true; }),
-                                        call("drives", ksl_getNumMntStructures),
-                                        call("records", &World::records),
-                                        call("needed",
-                                             [](int capacity) {
-                                                 const int result =
-                                                     ksl_getMntData(nullptr, &capacity);
-                                                 return said(result, capacity);
-                                             }),
-                                        call("no_arguments",
-                                             [] { return ksl_getMntData(nullptr, nullptr); }),
-                                        call("asks", &World::asks),
-                                    });
+const Cases<World> cases("portable/ksl_mount.cases",
+                         {
+                             call("drive", add<&World::machine>),
+                             call("plug_in", add<&World::plugged_in>),
+                             call("no_drives", [](World& w) { w.machine.clear(); }),
+                             call("fail_list", [](World& w) { w.list_fails = true; }),
+                             call("drives", ksl_getNumMntStructures),
+                             call("records", &World::records),
+                             call("needed",
+                                  [](int capacity) {
+                                      const int result = ksl_getMntData(nullptr, &capacity);
+                                      return said(result, capacity);
+                                  }),
+                             call("no_arguments", [] { return ksl_getMntData(nullptr, nullptr); }),
+                             call("asks", &World::asks),
+                         });
 
 }  // namespace

@@ -4,16 +4,13 @@
 #include "support/import_patch.h"
 #include "util/internal/scoped_handle.h"
 
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
 // A failure is followed by errno and the last error, which are 77 before.
 Words system2(const char* command) {
-    util_test::fails<0, 77, 77>();
+    fails<0, 77, 77>();
     const int result = ksl_system2(command);
     const auto last_error = GetLastError();
     return result == -1 ? said(-1, errno, last_error) : said(result);
@@ -56,47 +53,47 @@ Words close_nothing() {
 }
 
 // Failing calls leave 77 in errno and the last error. Freeing and closing leave 88.
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     void disturb() {
         closing.emplace("CloseHandle", [](HANDLE handle) {
             const BOOL closed = CloseHandle(handle);
-            return closed ? util_test::fails<TRUE, 88, 88>() : FALSE;
+            return closed ? fails<TRUE, 88, 88>() : FALSE;
         });
         freeing.emplace("free", [](void* block) {
             std::free(block);
-            util_test::fails<0, 88, 88>();
+            fails<0, 88, 88>();
         });
     }
     void fail(const char* name, int result) {
         failing.emplace(name, [=] {
-            util_test::fails<0, 77, 77>();
+            fails<0, 77, 77>();
             return result;
         });
     }
     void fail_start() {
         failing.emplace("CreateProcessA", [](const char*, char* line) {
             line[0] = '#';
-            return util_test::fails<0, 77, 77>();
+            return fails<0, 77, 77>();
         });
     }
 
     std::optional<ImportPatch> failing, closing, freeing;
 };
 
-const util_test::Cases<World> cases("portable/ksl_process.cases",
-                                    {
-                                        call("system2", system2),
-                                        call("child_inherits", child_inherits),
-                                        call("use_oem_page", SetFileApisToOEM),
-                                        call("use_ansi_page", SetFileApisToANSI),
-                                        call("disturb", &World::disturb),
-                                        call("fail_start", &World::fail_start),
-                                        call("fail", &World::fail),
-                                        call("system", ksl_system),
-                                        call("read", read),
-                                        call("write", write),
-                                        call("close_nothing", close_nothing),
-                                        call("close_output", [] { return ksl_pclose(stdout); }),
-                                    });
+const Cases<World> cases("portable/ksl_process.cases",
+                         {
+                             call("system2", system2),
+                             call("child_inherits", child_inherits),
+                             call("use_oem_page", SetFileApisToOEM),
+                             call("use_ansi_page", SetFileApisToANSI),
+                             call("disturb", &World::disturb),
+                             call("fail_start", &World::fail_start),
+                             call("fail", &World::fail),
+                             call("system", ksl_system),
+                             call("read", read),
+                             call("write", write),
+                             call("close_nothing", close_nothing),
+                             call("close_output", [] { return ksl_pclose(stdout); }),
+                         });
 
 }  // namespace

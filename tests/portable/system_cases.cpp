@@ -12,14 +12,7 @@
 // after the platform's header
 #include <comutil.h>
 
-using util_test::Call;
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::shown;
-using util_test::to_wide;
-using util_test::units_of;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
@@ -52,8 +45,7 @@ Words status_of(const char* path) {
     struct _stat64i32 record, zeroes = {};
     std::memset(&record, 0xA5, sizeof record);
     const Words result = by_errno(status, path, &record);
-    if (result[0] == "0")
-        return said(result, util_test::hex(record.st_mode & _S_IFMT), record.st_size);
+    if (result[0] == "0") return said(result, hex(record.st_mode & _S_IFMT), record.st_size);
     return said(result, std::memcmp(&record, &zeroes, sizeof record) ? "kept" : "zeroed");
 }
 
@@ -63,7 +55,7 @@ Words examined(const char* path) {
     Words paths;
     const ImportPatch patch("_wstat64", [&](const wchar_t* given, struct _stat64*) {
         if (paths.empty() || paths.back() != shown(given)) paths.push_back(shown(given));
-        return util_test::fails<-1, 0, 99>();
+        return fails<-1, 0, 99>();
     });
     struct _stat64i32 record;
     for (Status* const status : {ksl_stat, ksl_lstat, UTF8_stat, UTF8_lstat})
@@ -156,13 +148,13 @@ Words directory_of(std::size_t length, std::size_t growth) {
 Words begun(const char* pattern, WIN32_FIND_DATAW* data) {
     char name[778];
     SetLastError(77);
-    const long before = util_test::handle_count();
+    const long before = handle_count();
     const bool begins = UTF8_FindFirstFile(pattern, data, name) != INVALID_HANDLE_VALUE;
     const DWORD last_error = GetLastError();
-    return begins ? said("begun") : said(0, last_error, util_test::handle_count() - before);
+    return begins ? said("begun") : said(0, last_error, handle_count() - before);
 }
 
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     World() {
         values["d"] = scratch.path();
         std::string& deep = values["deep"];  // so long that its conversion needs memory
@@ -170,11 +162,11 @@ struct World : util_test::CaseWorld {
             deep += "\\.";
     }
     // A function of the platform's fails, or leaves other codes, until the block ends.
-    void refuse(const char* function) { patch.emplace(function, util_test::fails<0, 0, ENOMEM>); }
+    void refuse(const char* function) { patch.emplace(function, fails<0, 0, ENOMEM>); }
     void disturb_free() {
         patch.emplace("SysFreeString", [](BSTR text) {
             SysFreeString(text);
-            util_test::fails<0, 88, 88>();
+            fails<0, 88, 88>();
         });
     }
     bool transfer() {
@@ -196,14 +188,14 @@ struct World : util_test::CaseWorld {
         return by_last_error(step);
     }
 
-    util_test::ScratchDirectory scratch;
+    ScratchDirectory scratch;
     std::optional<ImportPatch> patch;
     WIN32_FIND_DATAW data;
     char name[778];
     void* search = nullptr;
 };
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     "portable/system.cases",
     {
         call("refuse", &World::refuse),

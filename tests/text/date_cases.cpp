@@ -7,10 +7,7 @@
 
 using extstl::ExtDate;
 using extstl::ExtTime;
-using util_test::call;
-using util_test::said;
-using util_test::set_zone;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
@@ -22,7 +19,7 @@ Words in_zones(Call make) {
         set_zone(zone);
         const Words words = make();
         if (results.empty()) results = words;
-        if (results != words) util_test::say(results, said(zone, words));
+        if (results != words) say(results, said(zone, words));
     }
     return results;
 }
@@ -59,7 +56,7 @@ Words written_at(int hour, const char* pattern) {
 Words first_days() {
     Words words;
     for (int month = 1; month <= 12; ++month)
-        util_test::say(words, ExtTime(ExtDate(1, month, 2001), 0, 0, 0, "").text("%A %B"));
+        say(words, ExtTime(ExtDate(1, month, 2001), 0, 0, 0, "").text("%A %B"));
     return words;
 }
 
@@ -107,7 +104,7 @@ bool reads_now(const String& text) {
 
 const char* const no_text = "\"\" ... | raises std::bad_alloc";
 
-const util_test::Cases<util_test::CaseWorld> cases(
+const Cases<CaseWorld> cases(
     "text/date.cases",
     {
         call("date", "... invalid ... | raises std::bad_alloc", date),

@@ -10,14 +10,11 @@
 #include "torture/resources.h"
 #include "util/text/byte_string.h"
 
-using util_test::call;
-using util_test::ImportPatch;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     // The size of the shared buffer: where a text is made that fits no smaller one.
     size_t buffer_size() {
         sizes.clear();
@@ -93,22 +90,21 @@ Words in_german() {
     return words;
 }
 
-const util_test::Cases<World> cases(
-    "text/format_growth.cases",
-    {
-        call("by_runtime", [](int length) { return made("%1s%c", length); }),
-        call("by_library", [](int length) { return made("%s%c", length); }),
-        call("refused", refused),
-        call("sizes", [](World& w) { return w.sizes; }),
-        call("buffer_size", &World::buffer_size),
-        call("raises", [](World& w, bool raises) { w.raises = raises; }),
-        call("reports", [](World& w, bool reports) { w.reports = reports; }),
-        call("count_gives", &World::count_gives),
-        call("no_memory", &World::no_memory),
-        call("memory", [](World& w) { w.patch.reset(); }),
-        call("keeps_last_error", keeps_last_error),
-        call("blocks_left", blocks_left),
-        call("in_german", in_german),
-    });
+const Cases<World> cases("text/format_growth.cases",
+                         {
+                             call("by_runtime", [](int length) { return made("%1s%c", length); }),
+                             call("by_library", [](int length) { return made("%s%c", length); }),
+                             call("refused", refused),
+                             call("sizes", [](World& w) { return w.sizes; }),
+                             call("buffer_size", &World::buffer_size),
+                             call("raises", [](World& w, bool raises) { w.raises = raises; }),
+                             call("reports", [](World& w, bool reports) { w.reports = reports; }),
+                             call("count_gives", &World::count_gives),
+                             call("no_memory", &World::no_memory),
+                             call("memory", [](World& w) { w.patch.reset(); }),
+                             call("keeps_last_error", keeps_last_error),
+                             call("blocks_left", blocks_left),
+                             call("in_german", in_german),
+                         });
 
 }  // namespace

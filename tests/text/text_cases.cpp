@@ -6,9 +6,7 @@
 #include "util/text/xml_tags.h"
 
 using extstl::ExtString;
-using util_test::call;
-using util_test::said;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
@@ -17,7 +15,7 @@ using Size = std::uint64_t;
 const char* const no_memory = "raises std::bad_alloc";
 
 // Operations change the object. One that runs out of memory leaves it as it was.
-struct World : util_test::CaseWorld {
+struct World : CaseWorld {
     std::optional<String> object{""};
 
     template <typename Change>
@@ -64,7 +62,7 @@ struct World : util_test::CaseWorld {
 
 // A member that changes the object. Its result is the object.
 template <typename Result, typename... Arguments>
-util_test::Call changing(const char* name, Result (String::*change)(Arguments...)) {
+Call changing(const char* name, Result (String::*change)(Arguments...)) {
     return call(name, no_memory, [change](World& w, std::decay_t<Arguments>... arguments) {
         return w.changed([&](String& s) { (s.*change)(arguments...); });
     });
@@ -82,14 +80,13 @@ Words xml_nulls() {
     for (const int missing : {0, 1, 2, 3}) {
         String* p[] = {&s, &s, &s, &s};
         p[missing] = nullptr;
-        util_test::say(results, said(UTIL_XMLParserExtractTagValue(p[0], p[1], p[2], p[3])));
-        if (missing < 3)
-            util_test::say(results, said(UTIL_XMLParserExtractTagXml(p[0], p[1], p[2], true)));
+        say(results, said(UTIL_XMLParserExtractTagValue(p[0], p[1], p[2], p[3])));
+        if (missing < 3) say(results, said(UTIL_XMLParserExtractTagXml(p[0], p[1], p[2], true)));
     }
     return results;
 }
 
-const util_test::Cases<World> cases(
+const Cases<World> cases(
     "text/text.cases",
     {
         call("text", [](World& w, const std::string& bytes) { w.object.emplace(bytes); }),

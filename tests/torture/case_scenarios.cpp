@@ -5,10 +5,7 @@
 #include "support/matches.h"
 #include "torture/scenario.h"
 
-using util_test::Block;
-using util_test::CaseFile;
-using util_test::Step;
-using util_test::Words;
+using namespace util_test;
 
 namespace {
 
@@ -29,10 +26,10 @@ Words result_of(const Step& step) {
 bool is_documented(const std::string& result, std::string patterns) {
     constexpr char separator[] = " | ";
     for (std::size_t end; (end = patterns.find(separator)) != std::string::npos;) {
-        if (util_test::matches(result, patterns.substr(0, end))) return true;
+        if (matches(result, patterns.substr(0, end))) return true;
         patterns.erase(0, end + sizeof separator - 1);
     }
-    return util_test::matches(result, patterns);
+    return matches(result, patterns);
 }
 
 // Counts what the call keeps by design. After a failure it may keep less.
@@ -42,10 +39,10 @@ void keep(const Step& step, const Words& actual) {
     const auto* const end = std::end(torture::resource_names);
     const auto* const name =
         std::find(std::begin(torture::resource_names), end, std::string_view(resource));
-    if (name == end) throw util_test::CaseError(std::string("no such resource: ") + resource);
-    const std::string result = util_test::written(actual, step.world);
+    if (name == end) throw CaseError(std::string("no such resource: ") + resource);
+    const std::string result = written(actual, step.world);
     const bool has_failed = is_documented(result, step.call.failure);
-    const bool happened = event.empty() || util_test::matches(result, event) ||
+    const bool happened = event.empty() || matches(result, event) ||
                           (has_failed && torture::Run::failing(event.c_str()));
     const long most = happened ? number : 0;
     torture::Run::keeps_more(torture::Resource(name - torture::resource_names),
@@ -58,7 +55,7 @@ void play(const Block& block, torture::Run& run) {
         torture::playing.armed = false;
         keep(step, actual);
         if (actual == step.expected) return true;
-        const std::string result = util_test::written(actual, step.world);
+        const std::string result = written(actual, step.world);
         if (!torture::Run::faulted() || !is_documented(result, step.call.failure))
             run.always(false, "line " + std::to_string(step.line) + ", " + step.call.name + " => " +
                                   result);
@@ -81,6 +78,6 @@ void util_test::add_cases(const CaseFile& file) {
 }
 
 void torture::case_scenarios(const Add& scenario) {
-    util_test::before_call = [] { playing.armed = true; };
+    before_call = [] { playing.armed = true; };
     scenario.all = all();
 }
