@@ -7,7 +7,8 @@ namespace {
 
 // The words of a line as they are written, ";" and "=>" among them, without its comment.
 Words tokens(const std::string& line) {
-    static const std::regex token(R"re((#.*)| +|;|(?:[^ ;"{}]|"[^"]*"|\{[^}]*\})+|(.))re");
+    static const std::regex token(
+        R"re((^#.*| {2,}# .*)| +|;|(?:[^ ;"{}]|"[^"]*"|\{[^}]*\})+|(.))re");
     Words result;
     for (std::sregex_iterator at(line.begin(), line.end(), token), end; at != end; ++at) {
         if ((*at)[1].matched) break;
