@@ -287,6 +287,11 @@ const Cases<World> cases(
                  w.opened->init(path);
                  return w.opened->isValid();
              }),
+        call("create_nothing",
+             [](const String& path) {
+                 return said(XrDirectory::CreateDirectoryA(path),
+                             XrDirectory::CreateDirectoryA(path.c_str()));
+             }),
         call("is_directory", "false | raises _com_error", XrDirectory::IsDirectory),
         call("remove", "22 | raises std::bad_alloc | raises _com_error",
              [](const char* path) { return XrDirectory::DeleteDirectory(path); }),

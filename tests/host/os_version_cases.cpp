@@ -138,7 +138,7 @@ const Cases<World> cases(
                  w.r2_metric = r2_metric;
              }),
         call("version", version_failure, version),
-        call("platform", "0 Windows", UTIL_getPlatform),
+        call("platform", "0 Windows | 0 before", UTIL_getPlatform),
         call("flags", "enterprise -1 ... | ... 2003_sp1 -1 ... | ... false", flags),
         call("at_least", "-1", at_least),
         call("equal", "-1 | 0", equal),

@@ -13,8 +13,8 @@ using util_test::ImportPatch;
 namespace {
 
 constexpr char key[] = "SOFTWARE\\Acme\\Agent";
-const std::string secret = "ss, longer than any short string";
-const std::wstring wide_secret = L"ss, longer than any short string";
+const std::string secret(300, 's');  // too long for buffers on the stack
+const std::wstring wide_secret(300, L's');
 bool looking;
 int found, allocations_left;
 
