@@ -67,7 +67,9 @@ std::uint32_t model_hash(const std::string& text) {
 void check_split(const std::string& bytes, const std::string& separators) {
     const String subject(bytes);
     const Fields filled = model_split(bytes, separators, true);
-    require(subject.split(separators, true) == filled, "split gives the filled fields");
+    const std::vector<String> split = subject.split(separators, true);
+    require(split == filled, "split gives the filled fields");
+    require(split.capacity() == filled.size(), "split allocates the list once, at its size");
     if (bytes.empty() || !filled.empty()) {
         require(subject.split(separators, false) == model_split(bytes, separators, false),
                 "split gives all fields");
