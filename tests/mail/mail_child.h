@@ -33,12 +33,13 @@ class MailService {
                                            SERVICE_ERROR_IGNORE, command.c_str(), nullptr, nullptr,
                                            nullptr, nullptr, nullptr));
         }
-        if (!m_service) throw std::runtime_error(name);
+        if (!m_service) fail(name + std::string(" cannot be created"));
     }
     ~MailService() { remove(); }
 
     void start() {
-        StartServiceA(m_service.get(), 0, nullptr);
+        const bool started = StartServiceA(m_service.get(), 0, nullptr);
+        if (!started && GetLastError() != ERROR_SERVICE_ALREADY_RUNNING) fail("cannot be started");
         wait_for(SERVICE_RUNNING);
     }
     void pause() { control(SERVICE_CONTROL_PAUSE, SERVICE_PAUSED); }
@@ -62,7 +63,11 @@ class MailService {
             if (QueryServiceStatus(m_service.get(), &status) && status.dwCurrentState == state)
                 return;
         }
-        throw std::runtime_error("the service does not reach state " + std::to_string(state));
+        fail("does not reach state " + std::to_string(state));
+    }
+    [[noreturn]] static void fail(const std::string& what) {
+        throw std::runtime_error("the service " + what + ", error " +
+                                 std::to_string(GetLastError()));
     }
 
     util::ScopedService m_manager, m_service;
