@@ -287,7 +287,7 @@ const Cases<World> cases(
                  w.opened->init(path);
                  return w.opened->isValid();
              }),
-        call("create_nothing",
+        call("create_directory",
              [](const String& path) {
                  return said(XrDirectory::CreateDirectoryA(path),
                              XrDirectory::CreateDirectoryA(path.c_str()));

@@ -10,30 +10,50 @@ namespace {
 // A version as it is written: 5.2.
 struct Version {
     explicit Version(const std::string& word) {
-        std::sscanf(word.c_str(), "%lu.%lu", &major, &minor);
+        char more;
+        if (std::sscanf(word.c_str(), "%lu.%lu%c", &major, &minor, &more) != 2)
+            throw CaseError("not a version: " + word);
     }
     unsigned long major = 0, minor = 0;
 };
 
-// The number after a name in a list such as "sp 1, type 3".
-WORD number_of(const char* name, const std::string& list, WORD otherwise) {
-    const std::size_t at = list.find(name);
-    return at == list.npos ? otherwise : argument<WORD>(list.substr(at + std::strlen(name), 1));
-}
+// Fields of a version as they are written: "sp 1, type 3". The service pack has a minor number.
+class Fields {
+  public:
+    explicit Fields(std::string list) {
+        std::replace(list.begin(), list.end(), ',', ' ');
+        std::istringstream words(list);
+        for (std::string name; words >> name;) {
+            const std::set<std::string> names = {"sp", "minor", "type", "r2"};
+            if (names.count(name) == 0) throw CaseError("no such field: " + name);
+            std::string number;
+            words >> number;
+            m_numbers[name] = argument<WORD>(number);
+        }
+    }
+    WORD get(const char* name, WORD otherwise) const {
+        const auto found = m_numbers.find(name);
+        return found == m_numbers.end() ? otherwise : found->second;
+    }
+
+  private:
+    std::map<std::string, WORD> m_numbers;
+};
 
 // Replaces the calls for the version, so that a case can choose any edition and version.
 struct World : CaseWorld {
     World() { current = this; }
-    void windows(const std::string& platform, const Version& version, const std::string& more) {
+    void windows(const std::string& platform, const Version& version, const Fields& fields) {
         const std::string platforms[] = {"3.x", "9x", "nt", "other"};
         const auto found = std::find(std::begin(platforms), std::end(platforms), platform);
+        if (found == std::end(platforms)) throw CaseError("no such platform: " + platform);
         record = {};
         record.dwPlatformId = static_cast<DWORD>(found - platforms);
         record.dwMajorVersion = version.major;
         record.dwMinorVersion = version.minor;
-        record.wServicePackMajor = number_of("sp ", more, 0);
-        record.wServicePackMinor = 7;
-        record.wProductType = static_cast<BYTE>(number_of("type ", more, 0));
+        record.wServicePackMajor = fields.get("sp", 0);
+        record.wServicePackMinor = fields.get("minor", 7);
+        record.wProductType = static_cast<BYTE>(fields.get("type", 0));
         answers = true;
     }
     // The result of switching the redirection, and the calls made for it.
@@ -90,7 +110,7 @@ struct World : CaseWorld {
                              [this](int index) { return index == 89 ? r2_metric : 0; }};
 };
 
-// What the system tells, and whether its version equals that.
+// The result, the stored version, and whether the system is equal to it.
 Words version() {
     unsigned long major = 77, minor = 77;
     unsigned short sp = 77, sp_minor = 77, type = 77, r2 = 77;
@@ -103,12 +123,12 @@ Words version() {
 int at_least(const Version& least) {
     return UTIL_IsOSVersionAtLeast(least.major, least.minor);
 }
-// With all that the list leaves out as "any".
-int equal(const Version& to, const std::string& more) {
+// A field that is left out is "any".
+int equal(const Version& to, const Fields& fields) {
     constexpr WORD any = 0xFFFF;
-    return UTIL_IsOSVersionEqualTo(to.major, to.minor, number_of("sp ", more, any),
-                                   number_of("minor ", more, any), number_of("type ", more, any),
-                                   number_of("r2 ", more, any));
+    return UTIL_IsOSVersionEqualTo(to.major, to.minor, fields.get("sp", any),
+                                   fields.get("minor", any), fields.get("type", any),
+                                   fields.get("r2", any));
 }
 int nothing_asked() {
     return UTIL_GetOsVersion(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);

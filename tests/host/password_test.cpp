@@ -8,13 +8,14 @@
 // after the platform's header
 #include <winnetwk.h>
 
-using util_test::ImportPatch;
+using namespace util_test;
 
 namespace {
 
 constexpr char key[] = "SOFTWARE\\Acme\\Agent";
-const std::string secret(300, 's');  // too long for buffers on the stack
-const std::wstring wide_secret(300, L's');
+// The end of every password here.
+const std::string secret(16, 's');
+const std::wstring wide_secret(16, L's');
 bool looking;
 int found, allocations_left;
 
@@ -33,11 +34,10 @@ void* failing_malloc(std::size_t size) {
     return looking && allocations_left-- == 0 ? nullptr : std::malloc(size);
 }
 
-// Both calls, with memory that runs out at one allocation.
-void call_both() {
+// Both calls, with memory that runs out at one allocation. Returns the password from the registry.
+std::string call_both(const std::string& given) {
     char message[2048];
     String path, user, password;
-    const std::string given = "p\xC3\xA4" + secret;
     looking = true;
     UTIL_ConnectCifsShare("\\\\srv\\share", "agent", given.c_str(), message);
     try {
@@ -45,34 +45,49 @@ void call_both() {
     } catch (const std::bad_alloc&) {  // the key's own text, made here
     }
     looking = false;
+    return password.str();
 }
 
 TEST(PasswordTest, NoneIsLeftInFreedMemory) {
-    util_test::PrivateRegistry registry;
+    PrivateRegistry registry;
     registry.set_wide(key, L"Database Path", L"\\\\srv\\share\\a\\long\\path\\to.db");
     DWORD connected = 0;
+    std::size_t length = 0;
     const ImportPatch add("WNetAddConnection2W", [&](NETRESOURCEW*, const wchar_t* password) {
         looking = false;  // what the test does itself
-        EXPECT_EQ(password, L"p\x00E4" + wide_secret);
+        EXPECT_EQ(password, L"p\x00E4" + std::wstring(length, L's'));
         looking = true;
         return connected;
     });
     const ImportPatch heap("free", looking_free),
         runtime_heap("libstdc++-6.dll", "free", looking_free),
         runtime_malloc("libstdc++-6.dll", "malloc", failing_malloc);
-    for (const DWORD code : {0, 53}) {
-        connected = code;
-        registry.set_text(key, "DatabaseUsername", code == 0 ? "agent" : "");
-        for (const DWORD type : {REG_SZ, REG_BINARY}) {
-            registry.set(key, "DatabasePassword", type, "p\xE4" + secret);
-            int allocation = 0;
-            do {
-                allocations_left = allocation++;
-                call_both();
-                EXPECT_EQ(found, 0) << code << " " << type << " " << allocation;
-            } while (allocations_left < 0);
-            EXPECT_GT(allocation, 3);
-        }
+    const struct {
+        std::size_t length;
+        DWORD code;  // of the connection
+        const char* user;
+        DWORD type;
+        const char* begin;  // of the password that is read: text becomes UTF-8; null for none
+    } cases[] = {
+        {32, 0, "agent", REG_SZ, "p\xC3\xA4"}, {32, 0, "agent", REG_BINARY, "p\xE4"},
+        {32, 53, "", REG_SZ, nullptr},         {32, 53, "", REG_BINARY, nullptr},
+        {300, 0, "agent", REG_SZ, nullptr},  // too long for the stack, and for the registry
+    };
+    for (const auto& c : cases) {
+        length = c.length;
+        connected = c.code;
+        const std::string rest(length, 's');
+        registry.set_text(key, "DatabaseUsername", c.user);
+        registry.set(key, "DatabasePassword", c.type, "p\xE4" + rest);
+        int allocation = 0;
+        std::string password;
+        do {
+            allocations_left = allocation++;
+            password = call_both("p\xC3\xA4" + rest);
+            EXPECT_EQ(found, 0) << length << " " << c.code << " " << c.type << " " << allocation;
+        } while (allocations_left < 0);
+        EXPECT_GT(allocation, 3);
+        EXPECT_EQ(password, c.begin ? c.begin + rest : "");
     }
 }
 

@@ -1,11 +1,11 @@
 // Cases as text: a file of calls with their results, and the C++ function for the name of each
 // call. docs/testing.md describes the format.
 //
-//     struct World : util_test::CaseWorld {
+//     struct World : CaseWorld {
 //         XrFile file;
 //         bool seek(int offset) { return file.Seek(offset); }
 //     };
-//     const util_test::Cases<World> cases("files/xr_file.cases",
+//     const Cases<World> cases("files/xr_file.cases",
 //                                         {call("seek", "false", &World::seek)});
 #ifndef UTIL_TESTS_SUPPORT_CASES_H
 #define UTIL_TESTS_SUPPORT_CASES_H
