@@ -13,9 +13,10 @@ using namespace util_test;
 namespace {
 
 constexpr char key[] = "SOFTWARE\\Acme\\Agent";
-// The end of every password here.
-const std::string secret(16, 's');
-const std::wstring wide_secret(16, L's');
+// The password without its first two characters. A freed block loses its first bytes, so a block
+// that is used again never holds all of it by chance.
+std::string secret;
+std::wstring wide_secret;
 bool looking;
 int found, allocations_left;
 
@@ -52,10 +53,9 @@ TEST(PasswordTest, NoneIsLeftInFreedMemory) {
     PrivateRegistry registry;
     registry.set_wide(key, L"Database Path", L"\\\\srv\\share\\a\\long\\path\\to.db");
     DWORD connected = 0;
-    std::size_t length = 0;
     const ImportPatch add("WNetAddConnection2W", [&](NETRESOURCEW*, const wchar_t* password) {
         looking = false;  // what the test does itself
-        EXPECT_EQ(password, L"p\x00E4" + std::wstring(length, L's'));
+        EXPECT_EQ(password, L"p\x00E4" + wide_secret);
         looking = true;
         return connected;
     });
@@ -74,20 +74,20 @@ TEST(PasswordTest, NoneIsLeftInFreedMemory) {
         {300, 0, "agent", REG_SZ, nullptr},  // too long for the stack, and for the registry
     };
     for (const auto& c : cases) {
-        length = c.length;
+        secret.assign(c.length, 's');
+        wide_secret.assign(c.length, L's');
         connected = c.code;
-        const std::string rest(length, 's');
         registry.set_text(key, "DatabaseUsername", c.user);
-        registry.set(key, "DatabasePassword", c.type, "p\xE4" + rest);
+        registry.set(key, "DatabasePassword", c.type, "p\xE4" + secret);
         int allocation = 0;
         std::string password;
         do {
             allocations_left = allocation++;
-            password = call_both("p\xC3\xA4" + rest);
-            EXPECT_EQ(found, 0) << length << " " << c.code << " " << c.type << " " << allocation;
+            password = call_both("p\xC3\xA4" + secret);
+            EXPECT_EQ(found, 0) << c.length << " " << c.code << " " << c.type << " " << allocation;
         } while (allocations_left < 0);
         EXPECT_GT(allocation, 3);
-        EXPECT_EQ(password, c.begin ? c.begin + rest : "");
+        EXPECT_EQ(password, c.begin ? c.begin + secret : "");
     }
 }
 
