@@ -130,6 +130,7 @@ struct World : CaseWorld {
         }};
     std::optional<int> select_result;
     const ImportPatch selects{"select", [this](int, fd_set* set, fd_set*, fd_set*, timeval* time) {
+                                  EXPECT_EQ(time->tv_sec + time->tv_usec, 0) << "waits";
                                   if (!select_result) return select(0, set, nullptr, nullptr, time);
                                   if (*select_result > 0) set->fd_count = 0;
                                   return *select_result;
