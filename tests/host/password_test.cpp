@@ -72,6 +72,7 @@ TEST(PasswordTest, NoneIsLeftInFreedMemory) {
         {32, 0, "agent", REG_SZ, "p\xC3\xA4"}, {32, 0, "agent", REG_BINARY, "p\xE4"},
         {32, 53, "", REG_SZ, nullptr},         {32, 53, "", REG_BINARY, nullptr},
         {300, 0, "agent", REG_SZ, nullptr},  // too long for the stack, and for the registry
+        {300, 53, "agent", REG_SZ, nullptr},
     };
     for (const auto& c : cases) {
         secret.assign(c.length, 's');

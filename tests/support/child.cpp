@@ -117,8 +117,8 @@ int drop(const char* key, const char* progress) {
 }
 
 int second_process(const std::string& verb, const std::string& name, char** words) {
-    // A process that is killed while it connects to Wine's service manager leaves the manager deaf:
-    // it takes no other connection. With this handle, senders are connected before they are killed.
+    // Wine's service manager accepts no connection any more after a process was killed while it
+    // connected. With this handle, senders are connected before they are killed.
     const util::ScopedService manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CONNECT));
     util_test::Signal(name + "-ready").set();
     if (!util_test::Signal(name + "-go").wait()) return 102;
