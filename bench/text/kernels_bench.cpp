@@ -69,9 +69,13 @@ void kernels_at(std::size_t size) {
         set.for_each_chunk(std::string_view(from, size), [&](std::uint64_t bits) { all |= bits; });
         return all;
     };
-    row(
-        "Members of 5", [=, set = sse2::Members("&<>\"'")] { return any_bits(set); },
-        [=, set = scalar::Members("&<>\"'")] { return any_bits(set); });
+    const auto members_row = [&](const char* kernel, const char* members) {
+        row(
+            kernel, [=] { return any_bits(sse2::Members(members)); },
+            [=] { return any_bits(scalar::Members(members)); });
+    };
+    members_row("Members of 5", "&<>\"'");
+    members_row("Members of 12", " \t\r\n,;:/|._-");
     const auto pair_bits = [=](const auto& pair) {
         std::uint64_t all = 0;
         for (std::size_t at = 0; at < size - 4; at += chunk_size)

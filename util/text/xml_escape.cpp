@@ -146,7 +146,7 @@ std::string changed_long(const Visible& text, std::size_t size, const util::Plac
 String String::replaceXML() {
     const Visible text(view());
     if (text.size() <= util::chunk_size) return changed_short(m_text, text, put_escaped);
-    static const util::kernels::Members specials("&<>\"'");
+    const util::kernels::Members specials("&<>\"'");
     const util::Places places(text.inside, specials);
     if (places.empty() && text.size() == size()) return *this;
 
@@ -173,7 +173,7 @@ String String::placeXML() {
     }
     const Visible text(view());
     if (text.size() <= util::chunk_size) return changed_short(m_text, text, put_decoded);
-    static const util::kernels::Members ampersand("&");
+    const util::kernels::Members ampersand("&");
     if (text.size() == size() && util::find_byte(text.inside, '&') == npos) return *this;
 
     const util::Places places(text.inside, ampersand);

@@ -37,35 +37,39 @@ class Members {
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
 
-// Compares all bytes with each member. Sets of more than `few` members use the table of the scalar
-// form, which is faster for them. Unused comparisons repeat the first member, and the last block
-// may overlap the one before it: setting a bit twice changes nothing.
+// Compares all bytes with each member. Larger sets than `many`, and less than a block of text, go
+// to the scalar form. Unused comparisons repeat the first member, and the last block may overlap
+// the one before it: setting a bit twice changes nothing.
 class Members {
   public:
-    explicit Members(std::string_view members) : m_members(members), m_scalar(members) {}
+    explicit Members(std::string_view members) : m_members(members) {}
 
     template <typename Take>
     void for_each_chunk(std::string_view text, Take take) const {
-        if (m_members.empty() || m_members.size() > few) return m_scalar.for_each_chunk(text, take);
-        if (m_members.size() == 1) return for_each_chunk(text, take, Comparison<1>(m_members));
-        for_each_chunk(text, take, Comparison<few>(m_members));
+        const std::size_t size = m_members.size();
+        if (size == 1) return for_each_chunk(text, take, Comparison<1>(m_members));
+        if (size == 0 || size > many) return scalar::Members(m_members).for_each_chunk(text, take);
+        if (size <= few) return for_each_chunk(text, take, Comparison<few>(m_members));
+        for_each_chunk(text, take, Comparison<many>(m_members));
     }
 
   private:
     static constexpr std::size_t few = 5;
+    static constexpr std::size_t many = 12;
 
-    // Up to n members, in registers.
+    // Up to n members.
     template <std::size_t n>
     class Comparison {
       public:
         explicit Comparison(std::string_view members) {
+#pragma GCC unroll 12
             for (std::size_t i = 0; i < n; ++i)
                 m_values[i] = all(members[i < members.size() ? i : 0]);
         }
         Block operator()(const char* from) const {
             const Block block = load(from);
             Block found = _mm_cmpeq_epi8(block, m_values[0]);
-#pragma GCC unroll 8
+#pragma GCC unroll 12
             for (std::size_t i = 1; i < n; ++i)
                 found = _mm_or_si128(found, _mm_cmpeq_epi8(block, m_values[i]));
             return found;
@@ -79,7 +83,8 @@ class Members {
     void for_each_chunk(std::string_view text, Take take, const Compare& compare) const {
         for (; text.size() >= chunk_size; text.remove_prefix(chunk_size))
             take(chunk_bits(text.data(), compare));
-        if (text.size() < block_size) return m_scalar.for_each_chunk(text, take);
+        if (text.empty()) return;
+        if (text.size() < block_size) return scalar::Members(m_members).for_each_chunk(text, take);
         const std::size_t last = text.size() - block_size;
         std::uint64_t bits = std::uint64_t{block_bits(compare(text.data() + last))} << last;
         for (std::size_t i = 0; i < last; i += block_size)
@@ -88,7 +93,6 @@ class Members {
     }
 
     std::string_view m_members;  // outlives this object
-    scalar::Members m_scalar;
 };
 
 }  // namespace sse2
