@@ -45,10 +45,13 @@ class Places {
         return count;
     }
 
-    // Chunks of 64 bytes of the text. The last may have fewer. The lowest bit of a chunk is that of
-    // its first byte.
-    std::size_t chunks() const { return m_chunks; }
-    std::uint64_t chunk(std::size_t index) const { return m_bits[index]; }
+    // Calls take(bits) for each 64 bytes of the text. The lowest bit is that of the first byte. The
+    // bits after the end are 0.
+    template <typename Take>
+    void for_each_chunk(Take take) const {
+        for (std::size_t i = 0; i < m_chunks; ++i)
+            take(m_bits[i]);
+    }
 
     // Calls take(place) for each position, in ascending order.
     template <typename Take>

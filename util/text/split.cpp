@@ -1,52 +1,66 @@
 #include <new>
 #include <stdexcept>
 
+#include "util/internal/kernels/member_bits.h"
 #include "util/text/byte_string.h"
 #include "util/text/find_text.h"
+#include "util/text/places.h"
 
 namespace {
 
-// Returns the number of fields that are not empty. Each begins with a byte that is no separator,
-// after a separator or at the start of the text.
-std::size_t count_filled(const util::Places& separators, std::size_t size) {
-    std::size_t filled = 0;
-    std::uint64_t after_separator = 1;
-    for (std::size_t i = 0; i < separators.chunks(); ++i) {
-        const std::uint64_t bits = separators.chunk(i);
-        std::uint64_t starts = ~bits & (bits << 1 | after_separator);
-        // NOLINTNEXTLINE: each chunk has been written
+// Returns the fields of a text that is not empty. `each_chunk` calls a function with the bits of
+// the separators in each chunk of the text.
+template <typename EachChunk>
+std::vector<String> fields_of(std::string_view text, bool skip_empty, EachChunk each_chunk) {
+    // Counting first: the list is allocated once, at its size.
+    std::size_t count = 0;
+    std::uint64_t last_bits = 0;
+    std::uint64_t after_separator = 1;  // the bit of a chunk's first byte
+    each_chunk([&](std::uint64_t bits) {
+        const std::uint64_t ends = bits & ~(bits << 1 | after_separator);  // of fields not empty
+        count += util::bit_count(skip_empty ? ends : bits);
+        // NOLINTNEXTLINE: Places has written the bits of each chunk
         after_separator = bits >> (util::chunk_size - 1);
-        const std::size_t rest = size - i * util::chunk_size;
-        if (rest < util::chunk_size) starts &= (std::uint64_t{1} << rest) - 1;
-        filled += util::bit_count(starts);
+        last_bits = bits;
+    });
+    if (skip_empty) {
+        count += (last_bits >> (text.size() - 1) % util::chunk_size & 1) == 0;
+    } else if (count++ == text.size()) {
+        // A text of separators alone: the described count of its empty fields wraps around and
+        // exhausts memory. Raises the same error without trying.
+        throw std::bad_alloc();
     }
-    return filled;
+    std::vector<String> fields;
+    if (count > fields.max_size()) throw std::length_error("vector<T> too long");
+    fields.reserve(count);
+
+    std::size_t chunk = 0;
+    std::size_t begin = 0;
+    const auto append = [&](std::size_t end) {
+        if (end > begin || !skip_empty) fields.emplace_back(text.data() + begin, end - begin);
+        begin = end + 1;
+    };
+    each_chunk([&](std::uint64_t bits) {
+        for (; bits != 0; bits &= bits - 1)
+            append(chunk + util::lowest_bit(bits));
+        chunk += util::chunk_size;
+    });
+    append(text.size());
+    return fields;
 }
 
 }  // namespace
 
 std::vector<String> String::split(const String& separators, bool skipEmpty) const {
-    std::vector<String> fields;
-    if (empty()) return fields;
-
-    // Counting first: the list is allocated once, at its size.
-    const util::Places marks(view(), util::kernels::Members(separators.view()));
-    const std::size_t filled = count_filled(marks, size());
-    // A text of separators alone: the described count of its empty fields wraps around and exhausts
-    // memory. Raises the same error without trying.
-    if (filled == 0 && !skipEmpty) throw std::bad_alloc();
-
-    const std::size_t count = skipEmpty ? filled : marks.count() + 1;
-    if (count > fields.max_size()) throw std::length_error("vector<T> too long");
-    fields.reserve(count);
-    std::size_t begin = 0;
-    const auto append = [&](std::size_t end) {
-        if (end > begin || !skipEmpty) fields.emplace_back(m_text.data() + begin, end - begin);
-        begin = end + 1;
-    };
-    marks.for_each(append);
-    append(size());
-    return fields;
+    if (empty()) return {};
+    const util::kernels::Members set(separators.view());
+    if (size() <= util::chunk_size) {
+        std::uint64_t only_chunk = 0;
+        set.for_each_chunk(view(), [&](std::uint64_t bits) { only_chunk = bits; });
+        return fields_of(view(), skipEmpty, [=](auto take) { take(only_chunk); });
+    }
+    const util::Places places(view(), set);
+    return fields_of(view(), skipEmpty, [&](auto take) { places.for_each_chunk(take); });
 }
 
 std::vector<String> String::split_by_tag(const String& tag) const {
