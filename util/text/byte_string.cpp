@@ -40,6 +40,8 @@ String::String(std::uint64_t n, char c) {
 }
 String::String(std::string s) : ExtString([&] { return std::move(s); }, made) {}
 String::~String() = default;
+// In this file, so that the compiler can inline it into ~String.
+extstl::ExtString::~ExtString() = default;
 
 String& String::operator=(const String& other) = default;
 String& String::operator=(String&& other) noexcept = default;

@@ -19,7 +19,6 @@ ExtString::ExtString(ExtString&& other) noexcept : m_text(std::move(other.m_text
     other.m_text.clear();
 }
 ExtString::ExtString(const char* bytes, std::uint64_t size) : m_text(bytes, size) {}
-ExtString::~ExtString() = default;
 
 ExtString& ExtString::operator=(const ExtString& other) {
     if (this != &other) m_text = util::c_text(other.c_str());
