@@ -16,8 +16,7 @@ unsigned int String::hash() const {
     const std::size_t words = size() / 4;
     const auto length = static_cast<std::uint32_t>(size());
     const std::uint32_t h = util::kernels::hash_words(length, m_text.data(), words);
-    const std::size_t rest = size() % 4;
-    if (rest == 0) return h;
+    if (size() % 4 == 0) return h;
     std::uint32_t tail = 0;
     for (std::size_t i = 4 * words; i < size(); ++i)
         tail = (tail << 8) | sign_extended(m_text[i]);

@@ -39,9 +39,7 @@ class Places {
     bool empty() const { return m_empty; }
     std::size_t count() const {
         std::size_t count = 0;
-        for (std::size_t i = 0; i < m_chunks; ++i) {
-            if (m_bits[i] != 0) count += bit_count(m_bits[i]);
-        }
+        for_each_chunk([&](std::uint64_t bits) { count += bits == 0 ? 0 : bit_count(bits); });
         return count;
     }
 

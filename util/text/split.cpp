@@ -66,10 +66,7 @@ std::vector<String> String::split(const String& separators, bool skipEmpty) cons
 std::vector<String> String::split_by_tag(const String& tag) const {
     std::vector<String> pieces;
     if (empty()) return pieces;
-    if (tag.empty()) {
-        pieces.push_back(*this);
-        return pieces;
-    }
+    if (tag.empty()) return std::vector<String>(1, *this);
     util::Places tags(size());
     util::add_occurrences(view(), tag.view(), tags);
     pieces.reserve(tags.count() + 1);

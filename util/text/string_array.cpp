@@ -2,11 +2,9 @@
 
 String serializeStrArray(const std::vector<String>& list) {
     String text;
-    bool first = true;
     for (const String& element : list) {
-        if (!first) text += '$';
+        if (&element != &list.front()) text += '$';
         text += element;
-        first = false;
     }
     return text;
 }
