@@ -91,7 +91,9 @@ void check_split_by_tag(const std::string& bytes, const std::string& tag) {
         expected.emplace_back(bytes.substr(begin, end - begin));
     }
     if (begin < bytes.size()) expected.emplace_back(bytes.substr(begin));
-    require(String(bytes).split_by_tag(tag) == expected, "split_by_tag");
+    const std::vector<String> pieces = String(bytes).split_by_tag(tag);
+    require(pieces == expected, "split_by_tag");
+    require(pieces.capacity() <= expected.size() + 1, "the list of split_by_tag is allocated once");
 }
 
 // Every field up to its NUL, also empty ones and those with a "$".
