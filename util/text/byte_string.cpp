@@ -33,7 +33,9 @@ String::String(char c) : String(1, c) {}
 String::String(const char* s) : ExtString(s) {}
 String::String(const char* s, std::uint64_t n)
     : ExtString([=] { return std::string(s ? s : "", s ? n : 0); }, made) {}
-String::String(std::uint64_t n, char c) : ExtString([=] { return std::string(n, c); }, made) {}
+String::String(std::uint64_t n, char c) {
+    m_text.assign(n, c);
+}
 String::String(std::string s) : ExtString([&] { return std::move(s); }, made) {}
 String::~String() = default;
 // In this file, so that the compiler can inline it into ~String.

@@ -39,6 +39,7 @@ class Places {
     bool empty() const { return m_empty; }
     std::size_t count() const {
         std::size_t count = 0;
+        // Most chunks of a long text have none.
         for_each_chunk([&](std::uint64_t bits) { count += bits == 0 ? 0 : bit_count(bits); });
         return count;
     }

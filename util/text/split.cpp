@@ -15,11 +15,11 @@ std::vector<String> fields_of(std::string_view text, bool skip_empty, EachChunk 
     // Counting first: the list is allocated once, at its size.
     std::size_t count = 0;
     std::uint64_t last_bits = 0;
-    std::uint64_t after_separator = 1;  // the bit of a chunk's first byte
+    std::uint64_t after_separator = 1;  // whether the chunk begins after one, or the text begins
     each_chunk([&](std::uint64_t bits) {
         const std::uint64_t ends = bits & ~(bits << 1 | after_separator);  // of fields not empty
         count += util::bit_count(skip_empty ? ends : bits);
-        // NOLINTNEXTLINE: Places has written the bits of each chunk
+        // NOLINTNEXTLINE: the bits of each chunk have been written
         after_separator = bits >> (util::chunk_size - 1);
         last_bits = bits;
     });

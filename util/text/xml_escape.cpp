@@ -146,8 +146,7 @@ std::string changed_long(const Visible& text, std::size_t size, const util::Plac
 String String::replaceXML() {
     const Visible text(view());
     if (text.size() <= util::chunk_size) return changed_short(m_text, text, put_escaped);
-    const util::kernels::Members specials("&<>\"'");
-    const util::Places places(text.inside, specials);
+    const util::Places places(text.inside, util::kernels::Members("&<>\"'"));
     if (places.empty() && text.size() == size()) return *this;
 
     // Counting first: the result is allocated once, at its size.
@@ -173,10 +172,9 @@ String String::placeXML() {
     }
     const Visible text(view());
     if (text.size() <= util::chunk_size) return changed_short(m_text, text, put_decoded);
-    const util::kernels::Members ampersand("&");
     if (text.size() == size() && util::find_byte(text.inside, '&') == npos) return *this;
 
-    const util::Places places(text.inside, ampersand);
+    const util::Places places(text.inside, util::kernels::Members("&"));
     const auto put_character = [&](std::size_t at, util::TextWriter& decoded) {
         const Entity* const entity = entity_of(util::first_word(text.inside.substr(at)));
         if (!entity) return std::size_t{0};

@@ -37,9 +37,9 @@ class Members {
 #ifdef UTIL_SSE2_KERNELS
 namespace sse2 {
 
-// Compares all bytes with each member. Larger sets than `many`, and less than a block of text, go
-// to the scalar form. Unused comparisons repeat the first member, and the last block may overlap
-// the one before it: setting a bit twice changes nothing.
+// Compares all bytes with each member. The scalar form takes empty sets, sets of more than `many`
+// members, and less than a block of text. Unused comparisons repeat the first member, and the last
+// block may overlap the one before it: setting a bit twice changes nothing.
 class Members {
   public:
     explicit Members(std::string_view members) : m_members(members) {}
